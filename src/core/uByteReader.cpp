@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uByteReader.h"
 
-#include <algorithm>
-#include <cstring>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
 
 namespace Kestrune {
 
@@ -88,11 +88,11 @@ qint64 TMemorySource::ReadAt(qint64 offset, char* to, qint64 length)
     return length;
 }
 
-TWindowSource::TWindowSource(TByteSource& source, qint64 offset, qint64 length) :
-    FSource(source), FOffset(std::clamp<qint64>(offset, 0, source.Size())),
-    FLength(std::clamp<qint64>(length, 0, source.Size() - FOffset))
-{
-}
+TWindowSource::TWindowSource(TByteSource& source, qint64 offset, qint64 length)
+    : FSource(source),
+      FOffset(std::clamp<qint64>(offset, 0, source.Size())),
+      FLength(std::clamp<qint64>(length, 0, source.Size() - FOffset))
+{}
 
 qint64 TWindowSource::ReadAt(qint64 offset, char* to, qint64 length)
 {
