@@ -11,7 +11,7 @@ namespace Kestrune {
 enum class TThemeKind : quint8 { tkLight, tkDark, tkLightContrast, tkDarkContrast };
 using enum TThemeKind;
 
-inline constexpr int AccentCount = 6;       ///< Petrol, Chestnut, Indigo, Plum, Moss, Graphite
+inline constexpr int AccentCount = 6;        ///< Petrol, Chestnut, Indigo, Plum, Moss, Graphite
 inline constexpr int ThemeFollowDesktop = 4; ///< the ThemeIndex that follows the desktop
 
 /// All colours of one look. Names say the use, not the hue.

@@ -8,8 +8,8 @@
 
 namespace Kestrune {
 
-TThemeController::TThemeController(QObject* parent) :
-    QObject(parent), FDesktop(new TDesktopWatch(this)), FStyle(new TThemeStyle(MakeTheme(tkLight, 0)))
+TThemeController::TThemeController(QObject* parent)
+    : QObject(parent), FDesktop(new TDesktopWatch(this)), FStyle(new TThemeStyle(MakeTheme(tkLight, 0)))
 {
     QApplication::setStyle(FStyle);
     connect(FDesktop, &TDesktopWatch::changed, this, &TThemeController::Refresh);

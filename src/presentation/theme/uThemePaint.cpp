@@ -128,7 +128,7 @@ void DrawStars(QPainter& painter, const QPointF& topLeft, qreal size, int halfSt
     painter.setRenderHint(QPainter::Antialiasing);
     for (int star = 0; star < 5; ++star) {
         const QPointF center(topLeft.x() + star * step + size / 2, topLeft.y() + size / 2 + size * 0.03);
-        const QPainterPath path = StarPath(center, size * 0.5);
+        const QPainterPath path = StarPath(center, size * 0.46);
         const int filled = std::clamp(halfStars - star * 2, 0, 2);
         QColor edge = theme.Star;
         edge.setAlphaF(filled == 0 && !theme.IsHighContrast() ? 0.6f : 1.0f);

@@ -81,7 +81,7 @@ bool TThemeStyle::eventFilter(QObject* watched, QEvent* event)
 int TThemeStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const
 {
     switch (metric) {
-    case PM_ScrollBarExtent: return 12;
+    case PM_ScrollBarExtent: return 8;
     case PM_ScrollBarSliderMin: return 32;
     case PM_SplitterWidth: return 5;
     case PM_IndicatorWidth:
@@ -174,8 +174,8 @@ QRect TThemeStyle::subControlRect(ComplexControl control, const QStyleOptionComp
         if (range > 0)
             thumb = std::clamp(static_cast<int>(qint64(length) * bar->pageStep / (range + bar->pageStep)),
                                std::min(32, length), length);
-        const int start = sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition, length - thumb,
-                                                  bar->upsideDown);
+        const int start =
+            sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition, length - thumb, bar->upsideDown);
         const auto piece = [&](int from, int size) {
             return horizontal ? visualRect(bar->direction, bar->rect, QRect(from, 0, size, bar->rect.height()))
                               : QRect(0, from, bar->rect.width(), size);

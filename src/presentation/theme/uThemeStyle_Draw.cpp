@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "uThemeStyle.h"
-
 #include "uIcons.h"
 #include "uThemePaint.h"
+#include "uThemeStyle.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QFocusFrame>
 #include <QHeaderView>
@@ -136,9 +136,9 @@ void TThemeStyle::DrawMenuItem(const QStyleOption* option, QPainter* painter, co
         return;
     painter->fillRect(item->rect, FTheme.Raised);
     if (item->menuItemType == QStyleOptionMenuItem::Separator) {
-        painter->fillRect(QRectF(item->rect.left() + 8, item->rect.center().y(), item->rect.width() - 16,
-                                 HairlineWidth(*painter)),
-                          FTheme.Line);
+        painter->fillRect(
+            QRectF(item->rect.left() + 8, item->rect.center().y(), item->rect.width() - 16, HairlineWidth(*painter)),
+            FTheme.Line);
         return;
     }
     const bool enabled = Has(option, State_Enabled);
@@ -200,10 +200,13 @@ void TThemeStyle::DrawTabShape(const QStyleOption* option, QPainter* painter) co
 void TThemeStyle::DrawScrollBar(const QStyleOptionComplex* option, QPainter* painter, const QWidget* widget) const
 {
     const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    const QWidget* area = widget && widget->parentWidget() ? widget->parentWidget()->parentWidget() : nullptr;
+    if (qobject_cast<const QAbstractItemView*>(area))
+        painter->fillRect(option->rect, FTheme.View);
     if (!bar || bar->maximum <= bar->minimum)
         return;
     QRectF thumb = subControlRect(CC_ScrollBar, option, SC_ScrollBarSlider, widget);
-    thumb = bar->orientation == Qt::Horizontal ? thumb.adjusted(2, 3, -2, -3) : thumb.adjusted(3, 2, -3, -2);
+    thumb = bar->orientation == Qt::Horizontal ? thumb.adjusted(2, 1, -2, -1) : thumb.adjusted(1, 2, -1, -2);
     QColor color = FTheme.Outline;
     const bool active = bar->activeSubControls.testFlag(SC_ScrollBarSlider) && Has(option, State_MouseOver);
     color.setAlphaF(active || Has(option, State_Sunken) || FTheme.IsHighContrast() ? 0.9f : 0.55f);
