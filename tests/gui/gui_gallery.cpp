@@ -2,14 +2,25 @@
 // Shows the parts of the windows with invented data and writes them as pictures: gui_gallery FOLDER
 // [light|dark|contrast]
 #include "uCoverCache.h"
+#include "uEmptyPage.h"
+#include "uFilterBar.h"
 #include "uGalleryData.h"
+#include "uLetterBar.h"
+#include "uMessageBars.h"
+#include "uRibbon.h"
+#include "uSearchBox.h"
+#include "uSegments.h"
+#include "uStatusLine.h"
 #include "uThemeController.h"
 #include "uThumbsPainter.h"
 #include "uTileView.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDir>
+#include <QMenu>
 #include <QTextStream>
+#include <QVBoxLayout>
 
 namespace Kestrune {
 
@@ -52,6 +63,87 @@ public:
         }
     }
 
+    void Window(const QString& name, int width, int height, bool empty) const
+    {
+        QWidget window;
+        const std::vector<QAction*> actions = Kit::SampleActions(&window);
+        const auto find = [&](const QString& wanted) -> QAction* {
+            for (QAction* action : actions)
+                if (action->objectName() == wanted)
+                    return action;
+            return nullptr;
+        };
+        find(u"actMultiEdit"_s)->setEnabled(false);
+        find(u"actThumbView"_s)->setChecked(true);
+        auto* column = new QVBoxLayout(&window);
+        column->setContentsMargins(0, 0, 0, 0);
+        column->setSpacing(0);
+        auto* ribbon = new TRibbon(&window);
+        ribbon->SetTable(MainRibbonTable(), find);
+        ribbon->SetFileMenu(new QMenu(&window));
+        ribbon->SearchBox()->SetFields({{{}, u"Everything"_s, {}}, {u"Artist"_s, u"Artist"_s, {}}});
+        column->addWidget(ribbon);
+        auto* filters = new TFilterBar(&window);
+        filters->SetStatusMenu(new QMenu(&window));
+        filters->SetSavedMenu(new QMenu(&window));
+        filters->SetSort(u"Date added"_s, false, new QMenu(&window));
+        filters->Sizes()->SetIcons({u"sizeS"_s, u"sizeM"_s, u"sizeL"_s}, {u"Small"_s, u"Medium"_s, u"Large"_s});
+        filters->Sizes()->SetCurrent(1);
+        filters->Views()->SetActions({find(u"actThumbView"_s), find(u"actCardsView"_s), find(u"actShelveView"_s),
+                                      find(u"actAlbumTableView"_s), find(u"actTracksView"_s)});
+        column->addWidget(filters);
+        auto* bars = new TMessageBars(&window);
+        column->addWidget(bars);
+        auto* status = new TStatusLine(&window);
+        Kit::TSampleModel model(4000);
+        TModelThumbSource source;
+        TCoverCache covers(source);
+        TThumbsPainter painter(covers);
+        TTileView* view = nullptr;
+        if (empty) {
+            bars->Show({bkError,
+                        u"Database file not found."_s,
+                        u"/media/attic/music-2019.db"_s,
+                        {},
+                        {{u"Open…"_s, {}}, {u"Remove from recent"_s, {}}}});
+            auto* page = new TEmptyPage(&window);
+            page->ShowNoCollection(
+                {{u"New collection"_s, u"Suggested: Documents/records.db"_s, find(u"actNewDatabase"_s)},
+                 {u"Open collection"_s, u"A *.db file of this program"_s, find(u"actOpenDatabase"_s)}},
+                {{u"~/Documents/attic-vinyl.db"_s, u"1,204 releases · yesterday"_s, false},
+                 {u"/media/attic/music-2019.db"_s, u"not found"_s, true}});
+            column->addWidget(page, 1);
+            status->SetFacts({u"0 releases"_s, u"Nothing selected"_s});
+        } else {
+            filters->Chips()->SetChips(
+                {{u"1"_s, u"Date added"_s, u"last 5 years"_s}, {u"2"_s, u"Rating"_s, u"2.5 or more"_s}});
+            auto* letters = new TLetterBar(&window);
+            letters->SetHits({u"A"_s, u"B"_s, u"C"_s, u"#"_s, u"D"_s, u"E"_s});
+            column->addWidget(letters);
+            view = new TTileView(&window);
+            view->SetPainter(&painter);
+            view->setModel(&model);
+            column->addWidget(view, 1);
+            status->SetFacts({u"2,418 of 3,906 releases"_s, u"1 selected"_s, u"31,204 tracks"_s});
+            status->ShowProgress(u"Downloading covers, 12 of 40"_s, 12, 40, true);
+        }
+        status->SetFile(u"records.db"_s, empty);
+        column->addWidget(status);
+        window.resize(width, height);
+        window.show();
+        window.activateWindow();
+        if (view) {
+            view->setFocus();
+            view->setCurrentIndex(model.index(1, 0));
+        }
+        Save(window, name);
+        if (!empty) {
+            ribbon->SetCurrentTab(1);
+            ribbon->ShowKeyTips();
+            Save(window, name + u"-tips"_s);
+        }
+    }
+
 private:
     QString FFolder;
     QString FLook;
@@ -66,6 +158,9 @@ int RunGallery(const QStringList& arguments)
     theme.Apply(look == "dark"_L1 ? 1 : look == "contrast"_L1 ? 2 : 0, 0);
     const TGallery gallery(folder, look);
     gallery.Thumbs();
+    gallery.Window(u"window"_s, 1440, 760, false);
+    gallery.Window(u"window-narrow"_s, 900, 560, false);
+    gallery.Window(u"window-empty"_s, 1440, 820, true);
     return 0;
 }
 
