@@ -43,8 +43,8 @@ struct TReleaseFoundItem {
 };
 
 // Events of the worker; all are raised on the main thread.
-using TOnProgress = std::function<void(TKRNImporter& sender, int position, int count, bool isRelease,
-                                       const QString& currentItem)>;
+using TOnProgress =
+    std::function<void(TKRNImporter& sender, int position, int count, bool isRelease, const QString& currentItem)>;
 using TOnImportDone = std::function<void(TKRNImporter& sender, int releasesCount, int tracksCount)>;
 using TOnError = std::function<void(TKRNImporter& sender, const QString& error)>;
 using TOnReleaseFound = std::function<void(TKRNImporter& sender, const std::vector<TReleaseFoundItem>& releases)>;
@@ -141,25 +141,53 @@ private:
 
 /// A source that needs a driver says where it is found and whether it is there.
 template <typename T>
-concept CChecksDrivers = requires {
-    { T::CheckForMissingDrivers() } -> std::same_as<bool>;
-    { T::GetMissingDriversURL() } -> std::same_as<QString>;
-    { T::GetMissingDriversName() } -> std::same_as<QString>;
+concept CChecksDrivers = requires
+{
+    {
+        T::CheckForMissingDrivers()
+        } -> std::same_as<bool>;
+    {
+        T::GetMissingDriversURL()
+        } -> std::same_as<QString>;
+    {
+        T::GetMissingDriversName()
+        } -> std::same_as<QString>;
 };
 
 /// What a source's class must answer before any object of it exists.
 template <typename T>
-concept CImporter = std::derived_from<T, TKRNImporter> && std::constructible_from<T, TDataModuleMain&> && requires {
-    { T::CanSelectWhichAlbumsToImport() } -> std::same_as<bool>;
-    { T::CanCopyAndPasteData() } -> std::same_as<bool>;
-    { T::GetImporterType() } -> std::same_as<TKRNImporterInputType>;
-    { T::GetImporterFileExt() } -> std::same_as<QString>;
-    { T::GetImporterFileExtFilter() } -> std::same_as<QString>;
-    { T::GetDisplayName() } -> std::same_as<QString>;
-    { T::GetDisplayDesc() } -> std::same_as<QString>;
-    { T::GetSelectSourceDescription() } -> std::same_as<QString>;
-    { T::AllowsDragNDrop() } -> std::same_as<bool>;
-    { T::NeedToCheckForMissingDrivers() } -> std::same_as<bool>;
+concept CImporter = std::derived_from<T, TKRNImporter> && std::constructible_from<T, TDataModuleMain&> && requires
+{
+    {
+        T::CanSelectWhichAlbumsToImport()
+        } -> std::same_as<bool>;
+    {
+        T::CanCopyAndPasteData()
+        } -> std::same_as<bool>;
+    {
+        T::GetImporterType()
+        } -> std::same_as<TKRNImporterInputType>;
+    {
+        T::GetImporterFileExt()
+        } -> std::same_as<QString>;
+    {
+        T::GetImporterFileExtFilter()
+        } -> std::same_as<QString>;
+    {
+        T::GetDisplayName()
+        } -> std::same_as<QString>;
+    {
+        T::GetDisplayDesc()
+        } -> std::same_as<QString>;
+    {
+        T::GetSelectSourceDescription()
+        } -> std::same_as<QString>;
+    {
+        T::AllowsDragNDrop()
+        } -> std::same_as<bool>;
+    {
+        T::NeedToCheckForMissingDrivers()
+        } -> std::same_as<bool>;
 };
 
 /// The class operations of one source, as a value: what the list of sources is made of.

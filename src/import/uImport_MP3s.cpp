@@ -66,20 +66,26 @@ void TKRNImporter_MP3s::Import()
     DoOnImportDone(FReleasesCount, FPosition);
 }
 
+// Of all pictures of a folder the first is shown, and the others would only fill the memory. A cue sheet may start
+// with any of the files, so that each keeps its picture until the sheet is applied.
+bool TKRNImporter_MP3s::TFolder::WantsCover() const
+{
+    return !CueFile.isEmpty() || std::ranges::all_of(Tracks, [](const auto& track) { return track.Cover.isEmpty(); });
+}
+
 void TKRNImporter_MP3s::ImportFolder(const QStringList& files)
 {
-    TKRN_MP3_Tracks tracks;
-    QString embeddedCue;
+    TFolder folder;
     for (const QString& path : files) {
         if (IsDiscImage(path))
             ImportImage(path);
         else
-            ScanFile(path, tracks, embeddedCue);
+            ScanFile(path, folder);
     }
     // The sheet inside a file speaks for the whole album only when that file is the whole album.
     if (files.size() > 1)
-        embeddedCue.clear();
-    AddRelease(CutByCueSheet(std::move(tracks), embeddedCue));
+        folder.EmbeddedCue.clear();
+    AddRelease(CutByCueSheet(folder));
 }
 
 void TKRNImporter_MP3s::ImportImage(const QString& image)
@@ -96,19 +102,19 @@ void TKRNImporter_MP3s::ImportImage(const QString& image)
     MoveProgress(FileNameOf(image));
 }
 
-void TKRNImporter_MP3s::ScanFile(const QString& path, TKRN_MP3_Tracks& tracks, QString& embeddedCue)
+void TKRNImporter_MP3s::ScanFile(const QString& path, TFolder& folder)
 {
     try {
-        // Of all pictures of a folder the first is shown: the others would only fill the memory.
-        const bool wantCover = std::ranges::all_of(tracks, [](const auto& track) { return track.Cover.isEmpty(); });
-        auto result = ProcessFile(path, FOptions, wantCover);
+        auto result = ProcessFile(path, FOptions, folder.WantsCover());
         if (auto* file = std::get_if<TScannedFile>(&result)) {
             TKRN_MP3_Track& track = file->Track;
             if (track.DiscNo == 0)
                 track.DiscNo = DiscNumberFromFolderName(FileNameOf(FolderOf(path)));
             FLastText = u"%1 - %2 - %3"_s.arg(track.Artist, track.Album, track.Title);
-            embeddedCue = std::move(file->CueSheet);
-            tracks.push_back(std::move(track));
+            if (folder.Tracks.empty())
+                folder.CueFile = FindCueSheet(path);
+            folder.EmbeddedCue = std::move(file->CueSheet);
+            folder.Tracks.push_back(std::move(track));
         } else {
             DoOnFileError(path, std::get<TFileFailure>(result).Sentence);
         }
@@ -119,19 +125,18 @@ void TKRNImporter_MP3s::ScanFile(const QString& path, TKRN_MP3_Tracks& tracks, Q
     MoveProgress(FLastText);
 }
 
-TKRN_MP3_Tracks TKRNImporter_MP3s::CutByCueSheet(TKRN_MP3_Tracks tracks, const QString& embeddedCue) const
+TKRN_MP3_Tracks TKRNImporter_MP3s::CutByCueSheet(TFolder& folder)
 {
-    if (tracks.empty())
-        return tracks;
     std::optional<TCueSheet> sheet;
-    if (const QString file = FindCueSheet(tracks.front().FilePath); !file.isEmpty())
-        sheet = LoadCueSheet(file);
-    else if (!embeddedCue.isEmpty())
-        sheet = ParseCueSheet(embeddedCue);
-    if (!sheet || sheet->Tracks.size() < 2)
-        return tracks;
-    TKRN_MP3_Tracks cut = ApplyCueSheet(*sheet, tracks);
-    return cut.empty() ? tracks : cut;
+    if (!folder.CueFile.isEmpty())
+        sheet = LoadCueSheet(folder.CueFile);
+    else if (!folder.EmbeddedCue.isEmpty())
+        sheet = ParseCueSheet(folder.EmbeddedCue);
+    if (sheet && sheet->Tracks.size() >= 2) {
+        if (TKRN_MP3_Tracks cut = ApplyCueSheet(*sheet, folder.Tracks); !cut.empty())
+            return cut;
+    }
+    return std::move(folder.Tracks);
 }
 
 void TKRNImporter_MP3s::AddRelease(const TKRN_MP3_Tracks& tracks)

@@ -35,10 +35,18 @@ protected:
     void Import() override;
 
 private:
+    // What one folder has given so far.
+    struct TFolder {
+        TKRN_MP3_Tracks Tracks;
+        QString CueFile;     // beside the first track
+        QString EmbeddedCue; // text of the last file's own sheet
+        bool WantsCover() const;
+    };
+
     void ImportFolder(const QStringList& files);
     void ImportImage(const QString& image);
-    void ScanFile(const QString& path, TKRN_MP3_Tracks& tracks, QString& embeddedCue);
-    TKRN_MP3_Tracks CutByCueSheet(TKRN_MP3_Tracks tracks, const QString& embeddedCue) const;
+    void ScanFile(const QString& path, TFolder& folder);
+    static TKRN_MP3_Tracks CutByCueSheet(TFolder& folder);
     void AddRelease(const TKRN_MP3_Tracks& tracks);
     void MoveProgress(const QString& text);
 

@@ -19,14 +19,6 @@ namespace {
 // A scan of a whole poster has some tens of megabytes; beyond that a file named like a picture is something else.
 constexpr qint64 LargestCover = 64 * 1024 * 1024;
 
-QString ReleaseArtistOf(const TKRN_MP3_Tracks& tracks, const QString& various)
-{
-    const QString& first = tracks.front().Artist;
-    const bool mixed =
-        std::ranges::any_of(tracks, [&](const auto& t) { return !t.Artist.isEmpty() && t.Artist != first; });
-    return mixed ? various : first;
-}
-
 void SetFields(TAlbumRelease& release, const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options)
 {
     const TKRN_MP3_Track& first = tracks.front();
@@ -122,6 +114,14 @@ QString ReleaseFolderOf(const TKRN_MP3_Track& firstTrack)
 {
     const QString folder = FolderOf(firstTrack.FilePath);
     return DiscNumberFromFolderName(FileNameOf(folder)) > 0 ? FolderOf(folder) : folder;
+}
+
+QString ReleaseArtistOf(const TKRN_MP3_Tracks& tracks, const QString& various)
+{
+    const QString& first = tracks.front().Artist;
+    const bool mixed =
+        std::ranges::any_of(tracks, [&](const auto& t) { return !t.Artist.isEmpty() && t.Artist != first; });
+    return mixed ? various : first;
 }
 
 std::optional<TAlbumRelease> CreateReleaseFromTracks(const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options)
