@@ -98,6 +98,19 @@ void TCoverPicture::Clear()
     FBytes.clear();
     FFormat.clear();
     FSize = QSize();
+    FThumbnail.clear();
+    FThumbnailHeight = 0;
+}
+
+void TCoverPicture::PrepareThumbnail(int height)
+{
+    FThumbnail = MakeThumbnail(FBytes, height);
+    FThumbnailHeight = height;
+}
+
+QByteArray TCoverPicture::Thumbnail(int height) const
+{
+    return FThumbnailHeight == height && height > 0 ? FThumbnail : MakeThumbnail(FBytes, height);
 }
 
 QImage TCoverPicture::Decode() const { return QImage::fromData(FBytes); }

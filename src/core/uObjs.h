@@ -64,12 +64,19 @@ public:
     /// The decoded image; null when there is none or its data is damaged.
     QImage Decode() const;
 
+    /// Makes the thumbnail beforehand, for instance beside the main thread.
+    void PrepareThumbnail(int height);
+    /// The thumbnail as MakeThumbnail gives it; the prepared one where its height is the same.
+    QByteArray Thumbnail(int height) const;
+
 private:
     TCoverPictureType FType = cptFrontThumb;
     QString FURL;
     QByteArray FBytes;
     QByteArray FFormat;
     QSize FSize;
+    QByteArray FThumbnail;
+    int FThumbnailHeight = 0; ///< 0: none was prepared
 };
 
 /// A person or group and what they did.

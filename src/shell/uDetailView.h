@@ -8,66 +8,52 @@
 
 namespace Kestrune {
 
-/// A row of the detail pane: what it is and what it holds.
+/// One row of the detail pane: a caption, its value, and where a click on the value leads (empty for nowhere).
 struct TDetailField {
+    QString Column;
     QString Label;
     QString Value;
-    QString Link;    ///< opened on click or Enter; empty for plain text
-    QString Code;    ///< short code shown as a pill before the value, as for countries
-    QString Extra;   ///< quieter second part of the value
-    QString Column;  ///< column name for editing in place; empty when the row cannot be edited
+    QString Link;
 };
 
-/// A section of fields: General, Purchase, Classical, Custom, Comments.
+/// A foldable part of the pane that lists fields: "General", "Purchase", ...
 struct TDetailSection {
-    QString Id; ///< stable name under which the folding is remembered
-    QString Caption;
+    QString Id; ///< by which the pane remembers whether it is open
+    QString Title;
     std::vector<TDetailField> Fields;
 };
 
 struct TDetailTrack {
-    qint64 Id = 0;
-    int Disc = 1;
-    QString Position; ///< as shown: A1, 5, 2.05
+    QString Position; ///< "A1", "3" or, with several discs, "2.05"
     QString Title;
-    QString Artist; ///< empty when it is the release's
-    int LengthSeconds = 0; ///< 0 unknown
-    bool Playing = false;
+    QString Artist; ///< empty where it is the release's own
+    QString Length; ///< "m:ss", empty when unknown
 };
 
-/// Heading of a disc, shown when there is more than one.
+/// The tracks of one disc or side.
 struct TDetailDisc {
-    int Disc = 1;
-    QString Caption; ///< with side or medium
+    QString Heading; ///< empty when there is only one
     QString Length;
+    std::vector<TDetailTrack> Tracks;
 };
 
 struct TDetailCredit {
-    QString Name;
-    QString Role;
+    QString Musician;
+    QString Credit;
 };
 
-struct TDetailPicture {
-    qint64 Id = 0;
-    QByteArray Thumb; ///< encoded
-    QString Caption;
-};
-
-/// All that the detail pane shows of one release. The logic fills it; the pane only shows.
+/// Everything that the detail pane shows of one release.
 struct TDetailData {
-    qint64 ReleaseId = 0; ///< 0: nothing is selected
+    qint64 ID = 0;    ///< 0: no release is selected
+    QByteArray Cover; ///< encoded, as stored; empty without one
     QString Title;
     QString Artist;
-    QString MediaType;
-    int Rating = 0;       ///< half stars 0 to 10
-    QByteArray Cover;     ///< encoded front picture; empty when there is none
-    std::vector<TDetailSection> Sections; ///< in order; those before the tracks first
-    qsizetype SectionsBeforeTracks = 1;
-    QString TracksSummary; ///< "6 · 38:42"
+    int Rating = 0;                       ///< half stars, 0 for unrated
+    std::vector<TDetailSection> Sections; ///< only those with at least one field that has a value
+    QString TracksSummary;                ///< "6 · 38:42"
     std::vector<TDetailDisc> Discs;
-    std::vector<TDetailTrack> Tracks;
     std::vector<TDetailCredit> Credits;
-    std::vector<TDetailPicture> Pictures;
+    std::vector<QByteArray> Pictures; ///< encoded
 };
 
 } // namespace Kestrune

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Shows the parts of the windows with invented data and writes them as pictures: gui_gallery FOLDER
 // [light|dark|contrast]
+#include "uAlbumTable.h"
 #include "uCoverCache.h"
+#include "uDetailPane.h"
 #include "uEmptyPage.h"
 #include "uFilterBar.h"
 #include "uGalleryData.h"
 #include "uLetterBar.h"
 #include "uMessageBars.h"
+#include "uProgressWindow.h"
 #include "uRibbon.h"
 #include "uSearchBox.h"
 #include "uSegments.h"
+#include "uSplash.h"
 #include "uStatusLine.h"
 #include "uThemeController.h"
 #include "uThumbsPainter.h"
@@ -19,6 +23,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QMenu>
+#include <QHeaderView>
 #include <QTextStream>
 #include <QVBoxLayout>
 
@@ -144,6 +149,80 @@ public:
         }
     }
 
+    static TDetailData SampleDetail()
+    {
+        TDetailData detail;
+        detail.ID = 2;
+        detail.Title = u"Low Lamps"_s;
+        detail.Artist = u"Hask & Vane"_s;
+        detail.Rating = 10;
+        detail.Cover = Kit::SampleCover(1, 600);
+        detail.Sections = {{u"General"_s,
+                            u"General"_s,
+                            {{u"ReleaseYear"_s, u"Year"_s, u"1974"_s, {}},
+                             {u"MediaType"_s, u"Media type"_s, u"Vinyl"_s, {}},
+                             {u"Genre"_s, u"Genre"_s, u"Jazz"_s, {}},
+                             {u"CountryCode"_s, u"Country"_s, u"United States"_s, {}},
+                             {u"Link"_s, u"Link"_s, u"example.org/release/5c1e"_s, u"https://example.org"_s}}},
+                           {u"Comments"_s,
+                            u"Comments"_s,
+                            {{u"Comments"_s, {}, u"Bought in a shop that smelled of rain. The sleeve is worn along "
+                                                 u"the spine, the record itself plays without a click."_s,
+                              {}}}}};
+        detail.TracksSummary = u"6 · 38:42"_s;
+        detail.Discs = {{u"Side A"_s, u"20:05"_s,
+                         {{u"A1"_s, u"Low Lamps"_s, {}, u"6:42"_s},
+                          {u"A2"_s, u"Corner of Vane and Fourth"_s, {}, u"5:18"_s},
+                          {u"A3"_s, u"Hask’s Errand"_s, {}, u"8:05"_s}}}};
+        detail.Credits = {{u"Mara Lind"_s, u"Piano"_s}, {u"Jonas Vane"_s, u"Double bass"_s}};
+        detail.Pictures = {Kit::SampleCover(2, 250), Kit::SampleCover(5, 250)};
+        return detail;
+    }
+
+    void Pane() const
+    {
+        QObject owner;
+        const std::vector<QAction*> actions = Kit::SampleActions(&owner);
+        TDetailPane pane;
+        pane.SetActions({actions[7], actions[14], actions[17]});
+        pane.SetData(SampleDetail());
+        pane.resize(346, 760);
+        Save(pane, u"pane-right"_s);
+        pane.SetOrientation(Qt::Horizontal);
+        pane.resize(1200, 260);
+        Save(pane, u"pane-bottom"_s);
+    }
+
+    void Table() const
+    {
+        Kit::TSampleModel model(500);
+        TModelThumbSource source;
+        TCoverCache covers(source);
+        TAlbumTable table(&covers);
+        table.setModel(&model);
+        table.SetSortMarks({{2, true}, {4, true}});
+        table.resize(1200, 420);
+        table.show();
+        table.ApplyBestFit();
+        table.activateWindow();
+        table.setFocus();
+        table.setCurrentIndex(model.index(3, 6));
+        Save(table, u"table"_s);
+    }
+
+    void Dialogs() const
+    {
+        TSplashForm splash;
+        splash.SetText(u"Loading albums..."_s);
+        Save(splash, u"splash"_s);
+        TProgressWindow progress(u"Adding audio files"_s);
+        progress.SetProgress(12, 40);
+        progress.SetCurrentItem(u"Hask & Vane – Low Lamps"_s);
+        progress.AddLogLine(u"Salt Atlas stored"_s);
+        progress.AddLogLine(u"a broken file was left out"_s, true);
+        Save(progress, u"progress"_s);
+    }
+
 private:
     QString FFolder;
     QString FLook;
@@ -157,6 +236,9 @@ int RunGallery(const QStringList& arguments)
     TThemeController theme;
     theme.Apply(look == "dark"_L1 ? 1 : look == "contrast"_L1 ? 2 : 0, 0);
     const TGallery gallery(folder, look);
+    gallery.Pane();
+    gallery.Table();
+    gallery.Dialogs();
     gallery.Thumbs();
     gallery.Window(u"window"_s, 1440, 760, false);
     gallery.Window(u"window-narrow"_s, 900, 560, false);

@@ -5,6 +5,7 @@
 
 #include <QGuiApplication>
 #include <QMessageBox>
+#include <QPushButton>
 
 namespace Kestrune {
 

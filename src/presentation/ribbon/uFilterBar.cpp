@@ -37,7 +37,7 @@ QFont ChipFont()
 
 } // namespace
 
-TChip::TChip(TFilterChip chip, QWidget* parent) : QAbstractButton(parent), FChip(std::move(chip))
+TChip::TChip(TChipText chip, QWidget* parent) : QAbstractButton(parent), FChip(std::move(chip))
 {
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);
@@ -120,14 +120,14 @@ TChipRow::TChipRow(QWidget* parent)
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
-void TChipRow::SetChips(const std::vector<TFilterChip>& chips)
+void TChipRow::SetChips(const std::vector<TChipText>& chips)
 {
     for (TChip* chip : std::as_const(FChips)) {
         chip->hide();
         chip->deleteLater(); // it may be the sender
     }
     FChips.clear();
-    for (const TFilterChip& filter : chips) {
+    for (const TChipText& filter : chips) {
         auto* chip = new TChip(filter, this);
         const qsizetype place = FChips.size();
         const QString id = filter.Id;

@@ -14,7 +14,7 @@ class TRibbonButton;
 class TSegments;
 
 /// One active filter as the bar shows it.
-struct TFilterChip {
+struct TChipText {
     QString Id; ///< given back when the chip is edited or removed
     QString Field;
     QString Value;
@@ -24,9 +24,9 @@ struct TFilterChip {
 class TChip : public QAbstractButton {
     Q_OBJECT
 public:
-    explicit TChip(TFilterChip chip, QWidget* parent = nullptr);
+    explicit TChip(TChipText chip, QWidget* parent = nullptr);
 
-    const TFilterChip& Chip() const { return FChip; }
+    const TChipText& Chip() const { return FChip; }
     QSize sizeHint() const override;
 
 Q_SIGNALS:
@@ -41,7 +41,7 @@ protected:
 private:
     QRect CrossRect() const;
 
-    TFilterChip FChip;
+    TChipText FChip;
 };
 
 /// The chips in one line. Those that do not fit go behind a "+n" button with a menu.
@@ -50,7 +50,7 @@ class TChipRow : public QWidget {
 public:
     explicit TChipRow(QWidget* parent = nullptr);
 
-    void SetChips(const std::vector<TFilterChip>& chips);
+    void SetChips(const std::vector<TChipText>& chips);
     /// Number of chips behind the "+n" button.
     int Hidden() const { return FHidden; }
     QSize sizeHint() const override;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "frmMain.h"
+
 #include <QStringList>
 #include <QWidget>
 
@@ -12,9 +14,6 @@ class QTimer;
 namespace Kestrune {
 
 class TRibbonButton;
-
-enum class TBarKind : quint8 { bkError, bkWarning, bkDone };
-using enum TBarKind;
 
 /// A sentence for the user that needs no answer. At most two actions.
 struct TBarMessage {

@@ -49,7 +49,7 @@ TSearchBox::TSearchBox(QWidget* parent)
     ShowField(0);
 }
 
-void TSearchBox::SetFields(std::vector<TSearchField> fields)
+void TSearchBox::SetFields(std::vector<TSearchBoxField> fields)
 {
     FFields = std::move(fields);
     if (FFields.empty())
@@ -66,18 +66,18 @@ void TSearchBox::SetFields(std::vector<TSearchField> fields)
 
 void TSearchBox::SetCurrentField(const QString& name)
 {
-    const auto it = std::find_if(FFields.begin(), FFields.end(), [&](const TSearchField& f) { return f.Name == name; });
+    const auto it = std::find_if(FFields.begin(), FFields.end(), [&](const TSearchBoxField& f) { return f.Name == name; });
     if (it != FFields.end())
         ShowField(std::size_t(it - FFields.begin()));
 }
 
-const TSearchField& TSearchBox::CurrentField() const { return FFields[FCurrent]; }
+const TSearchBoxField& TSearchBox::CurrentField() const { return FFields[FCurrent]; }
 
 void TSearchBox::ShowField(std::size_t number)
 {
     const bool changed = number != FCurrent;
     FCurrent = number;
-    const TSearchField& field = CurrentField();
+    const TSearchBoxField& field = CurrentField();
     FChooser->setText(field.Caption);
     FList->clear();
     FList->addItems(field.Choices);

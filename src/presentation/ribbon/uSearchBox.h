@@ -14,7 +14,7 @@ namespace Kestrune {
 class TRibbonButton;
 
 /// A field to search in. With choices the box offers a list instead of free text.
-struct TSearchField {
+struct TSearchBoxField {
     QString Name;    ///< column name; empty searches everything
     QString Caption; ///< as shown, and as the logic looks it up
     QStringList Choices;
@@ -26,9 +26,9 @@ class TSearchBox : public QWidget {
 public:
     explicit TSearchBox(QWidget* parent = nullptr);
 
-    void SetFields(std::vector<TSearchField> fields);
+    void SetFields(std::vector<TSearchBoxField> fields);
     void SetCurrentField(const QString& name);
-    const TSearchField& CurrentField() const;
+    const TSearchBoxField& CurrentField() const;
     QString Text() const;
     void SetText(const QString& text);
     bool EditsList() const { return !CurrentField().Choices.isEmpty(); }
@@ -54,7 +54,7 @@ private:
     void Clear();
     void PlaceChildren();
 
-    std::vector<TSearchField> FFields;
+    std::vector<TSearchBoxField> FFields;
     std::size_t FCurrent = 0;
     TRibbonButton* FChooser;
     QLineEdit* FEdit;

@@ -7,6 +7,7 @@
 #include "uThemePaint.h"
 #include "uThemeStyle.h"
 
+#include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
 
@@ -48,10 +49,10 @@ QSize TDetailPane::CoverSize(const QSize& picture, int width, int paneHeight)
     return picture.scaled(width, high, Qt::KeepAspectRatio).expandedTo({1, 1});
 }
 
-void TDetailPane::SetData(TDetailData data)
+void TDetailPane::SetData(TDetailData detail)
 {
-    const bool other = data.ReleaseId != FData.ReleaseId;
-    FData = std::move(data);
+    const bool other = detail.ID != FData.ID;
+    FData = std::move(detail);
     FHead->SetData(FData);
     Rebuild();
     if (other)
@@ -99,7 +100,7 @@ void TDetailPane::AddSection(const TDetailSection& section)
 {
     if (section.Fields.empty())
         return;
-    TDetailBlock* block = AddBlock(section.Id, section.Caption, {});
+    TDetailBlock* block = AddBlock(section.Id, section.Title, {});
     for (const TDetailField& field : section.Fields) {
         TDetailRow* row = TDetailRow::ForField(field, block);
         connect(row, &TDetailRow::activated, this, [this, link = field.Link] { Q_EMIT linkActivated(link); });
@@ -109,22 +110,18 @@ void TDetailPane::AddSection(const TDetailSection& section)
 
 void TDetailPane::AddTracks()
 {
-    if (FData.Tracks.empty())
+    if (FData.Discs.empty())
         return;
     TDetailBlock* block = AddBlock(u"tracks"_s, GetLanguageString(u"cSGuiTracks"_s), FData.TracksSummary);
-    const bool headings = FData.Discs.size() > 1;
-    int disc = -1;
-    for (const TDetailTrack& track : FData.Tracks) {
-        if (headings && track.Disc != disc) {
-            const auto heading = std::find_if(FData.Discs.begin(), FData.Discs.end(),
-                                              [&](const TDetailDisc& d) { return d.Disc == track.Disc; });
-            if (heading != FData.Discs.end())
-                block->Add(TDetailRow::ForDisc(*heading, block));
-            disc = track.Disc;
+    for (std::size_t disc = 0; disc < FData.Discs.size(); ++disc) {
+        if (!FData.Discs[disc].Heading.isEmpty())
+            block->Add(TDetailRow::ForDisc(FData.Discs[disc], block));
+        for (std::size_t track = 0; track < FData.Discs[disc].Tracks.size(); ++track) {
+            TDetailRow* row = TDetailRow::ForTrack(FData.Discs[disc].Tracks[track], block);
+            connect(row, &TDetailRow::activated, this,
+                    [this, disc, track] { Q_EMIT trackActivated(static_cast<int>(disc), static_cast<int>(track)); });
+            block->Add(row);
         }
-        TDetailRow* row = TDetailRow::ForTrack(track, block);
-        connect(row, &TDetailRow::activated, this, [this, id = track.Id] { Q_EMIT trackActivated(id); });
-        block->Add(row);
     }
 }
 
@@ -155,15 +152,15 @@ void TDetailPane::Rebuild()
         block->deleteLater(); // one of its rows may be the sender
     }
     FBlocks.clear();
-    FHead->setVisible(FData.ReleaseId != 0);
-    if (FData.ReleaseId != 0) {
-        const qsizetype first = std::min(FData.SectionsBeforeTracks, qsizetype(FData.Sections.size()));
-        for (qsizetype i = 0; i < first; ++i)
-            AddSection(FData.Sections[std::size_t(i)]);
+    FHead->setVisible(FData.ID != 0);
+    if (FData.ID != 0) {
+        const bool general = !FData.Sections.empty() && FData.Sections.front().Id == "General"_L1;
+        if (general)
+            AddSection(FData.Sections.front());
         AddTracks();
         AddCredits();
         AddPictures();
-        for (std::size_t i = std::size_t(first); i < FData.Sections.size(); ++i)
+        for (std::size_t i = general ? 1 : 0; i < FData.Sections.size(); ++i)
             AddSection(FData.Sections[i]);
     }
     Arrange();
@@ -183,7 +180,7 @@ void TDetailPane::ArrangeBelow()
         block->setGeometry(0, y, width, blockHeight);
         y += blockHeight;
     }
-    FContent->resize(width, FData.ReleaseId == 0 ? 1 : y + 10);
+    FContent->resize(width, FData.ID == 0 ? 1 : y + 10);
 }
 
 // The cover stands left; the sections fill columns from top to bottom.
@@ -220,7 +217,7 @@ void TDetailPane::paintEvent(QPaintEvent* event)
     const TTheme& theme = CurrentTheme();
     QPainter painter(viewport());
     painter.fillRect(event->rect(), theme.Window);
-    if (FData.ReleaseId != 0)
+    if (FData.ID != 0)
         return;
     painter.setFont(ThemeFont(fsBody));
     painter.setPen(theme.Text3);

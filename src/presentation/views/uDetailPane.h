@@ -25,7 +25,7 @@ public:
     explicit TDetailPane(QWidget* parent = nullptr);
     ~TDetailPane() override;
 
-    void SetData(TDetailData data);
+    void SetData(TDetailData detail);
     const TDetailData& Data() const { return FData; }
     /// Vertical: the pane stands right of the view, all parts below each other. Horizontal: it lies above or below, with
     /// the cover left and the rows in columns.
@@ -41,8 +41,8 @@ public:
 Q_SIGNALS:
     void ratingChosen(int halfStars);
     void linkActivated(const QString& link);
-    void trackActivated(qint64 id);
-    void pictureActivated(qint64 id);
+    void trackActivated(int disc, int track);  ///< places in the lists of the data
+    void pictureActivated(int picture);        ///< place in the list of the data
     void coverActivated();
     void foldedChanged();
 

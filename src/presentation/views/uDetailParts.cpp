@@ -14,6 +14,7 @@
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -89,14 +90,18 @@ TDetailHead::TDetailHead(QWidget* parent) :
     FButtonRow->setSpacing(10);
 }
 
-void TDetailHead::SetData(const TDetailData& data)
+void TDetailHead::SetData(const TDetailData& detail)
 {
-    FTitle = data.Title;
-    FArtist = data.Artist;
-    FMediaType = data.MediaType;
-    FPicture = data.Cover.isEmpty() ? QImage() : DecodeScaled(data.Cover, LargestCover);
+    FTitle = detail.Title;
+    FArtist = detail.Artist;
+    FMediaType.clear();
+    for (const TDetailSection& section : detail.Sections)
+        for (const TDetailField& field : section.Fields)
+            if (field.Column == "MediaType"_L1)
+                FMediaType = field.Value;
+    FPicture = detail.Cover.isEmpty() ? QImage() : DecodeScaled(detail.Cover, LargestCover);
     FCoverKey.clear();
-    FStars->SetRating(data.Rating);
+    FStars->SetRating(detail.Rating);
     setAccessibleName(FTitle + u", "_s + FArtist);
     update();
 }
@@ -171,15 +176,25 @@ void TDetailHead::mouseReleaseEvent(QMouseEvent* event)
         Q_EMIT coverActivated();
 }
 
-TPictureStrip::TPictureStrip(const std::vector<TDetailPicture>& pictures, QWidget* parent) :
-    QWidget(parent), FPictures(pictures)
+TPictureStrip::TPictureStrip(std::vector<QByteArray> pictures, QWidget* parent) :
+    QWidget(parent), FPictures(std::move(pictures))
 {
     setFocusPolicy(Qt::TabFocus);
-    QStringList names;
-    for (const TDetailPicture& picture : FPictures)
-        names << picture.Caption;
-    names.removeAll(QString());
-    setAccessibleName(names.join(u", "_s));
+    setAccessibleName(GetLanguageString(u"cSGuiOtherPictures"_s));
+}
+
+void TPictureStrip::MakePixmaps()
+{
+    const qreal ratio = devicePixelRatioF();
+    const QString key = u"%1/%2"_s.arg(ratio).arg(int(CurrentTheme().Kind));
+    if (key == FPixmapKey)
+        return;
+    FPixmapKey = key;
+    FPixmaps.clear();
+    for (const QByteArray& bytes : FPictures) {
+        const QImage picture = DecodeScaled(bytes, static_cast<int>(PictureSide * ratio));
+        FPixmaps.push_back(picture.isNull() ? QPixmap() : FinishCover(picture, ratio, CurrentTheme()));
+    }
 }
 
 QRect TPictureStrip::CellRect(int index, int width) const
@@ -198,18 +213,16 @@ void TPictureStrip::paintEvent(QPaintEvent*)
 {
     const TTheme& theme = CurrentTheme();
     QPainter painter(this);
-    const qreal ratio = devicePixelRatioF();
-    for (std::size_t i = 0; i < FPictures.size(); ++i) {
+    MakePixmaps();
+    for (std::size_t i = 0; i < FPixmaps.size(); ++i) {
         const QRect cell = CellRect(static_cast<int>(i), width());
-        const QImage picture = DecodeScaled(FPictures[i].Thumb, static_cast<int>(PictureSide * ratio));
-        if (picture.isNull()) {
+        if (FPixmaps[i].isNull()) {
             FillRounded(painter, cell, RadiusCover, theme.Sunken);
         } else {
-            const QPixmap pixmap = FinishCover(picture, ratio, theme);
-            const QSizeF size = pixmap.deviceIndependentSize();
+            const QSizeF size = FPixmaps[i].deviceIndependentSize();
             painter.drawPixmap(QPointF(cell.left() + (PictureSide - size.width()) / 2,
                                        cell.top() + PictureSide - size.height()),
-                               pixmap);
+                               FPixmaps[i]);
         }
         if (hasFocus() && static_cast<int>(i) == FCurrent)
             DrawFocusRing(painter, QRectF(cell).adjusted(-3, -3, 3, 3), RadiusControl, theme);
@@ -222,7 +235,7 @@ void TPictureStrip::mouseReleaseEvent(QMouseEvent* event)
         if (event->button() == Qt::LeftButton &&
             CellRect(static_cast<int>(i), width()).contains(event->position().toPoint())) {
             FCurrent = static_cast<int>(i);
-            Q_EMIT activated(FPictures[i].Id);
+            Q_EMIT activated(FCurrent);
             return;
         }
 }
@@ -235,7 +248,7 @@ void TPictureStrip::keyPressEvent(QKeyEvent* event)
         return update();
     }
     if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space) && last >= 0) {
-        Q_EMIT activated(FPictures[std::size_t(FCurrent)].Id);
+        Q_EMIT activated(FCurrent);
         return;
     }
     QWidget::keyPressEvent(event);
@@ -303,8 +316,6 @@ TDetailRow* TDetailRow::ForField(const TDetailField& field, QWidget* parent)
     auto* row = new TDetailRow(TKind::Field, parent);
     row->FLabel = field.Label;
     row->FValue = field.Value;
-    row->FExtra = field.Extra;
-    row->FCode = field.Code;
     row->FIsLink = !field.Link.isEmpty();
     row->setAccessibleName(field.Label.isEmpty() ? field.Value : field.Label + u": "_s + field.Value);
     if (row->FIsLink) {
@@ -321,14 +332,7 @@ TDetailRow* TDetailRow::ForTrack(const TDetailTrack& track, QWidget* parent)
     auto* row = new TDetailRow(TKind::Track, parent);
     row->FLabel = track.Position;
     row->FValue = track.Artist.isEmpty() ? track.Title : track.Title + u" – "_s + track.Artist;
-    const int seconds = std::max(0, track.LengthSeconds);
-    if (seconds >= 3600)
-        row->FExtra = u"%1:%2:%3"_s.arg(seconds / 3600)
-                          .arg(seconds / 60 % 60, 2, 10, QChar(u'0'))
-                          .arg(seconds % 60, 2, 10, QChar(u'0'));
-    else if (seconds > 0)
-        row->FExtra = u"%1:%2"_s.arg(seconds / 60).arg(seconds % 60, 2, 10, QChar(u'0'));
-    row->FPlaying = track.Playing;
+    row->FExtra = track.Length;
     row->setFocusPolicy(Qt::TabFocus);
     row->setAccessibleName(track.Position + u' ' + row->FValue + u", "_s + row->FExtra);
     return row;
@@ -337,18 +341,18 @@ TDetailRow* TDetailRow::ForTrack(const TDetailTrack& track, QWidget* parent)
 TDetailRow* TDetailRow::ForDisc(const TDetailDisc& disc, QWidget* parent)
 {
     auto* row = new TDetailRow(TKind::Disc, parent);
-    row->FValue = disc.Caption;
+    row->FValue = disc.Heading;
     row->FExtra = disc.Length;
-    row->setAccessibleName(disc.Caption + u", "_s + disc.Length);
+    row->setAccessibleName(disc.Heading + u", "_s + disc.Length);
     return row;
 }
 
 TDetailRow* TDetailRow::ForCredit(const TDetailCredit& credit, QWidget* parent)
 {
     auto* row = new TDetailRow(TKind::Credit, parent);
-    row->FLabel = credit.Role;
-    row->FValue = credit.Name;
-    row->setAccessibleName(credit.Name + u", "_s + credit.Role);
+    row->FLabel = credit.Credit;
+    row->FValue = credit.Musician;
+    row->setAccessibleName(credit.Musician + u", "_s + credit.Credit);
     return row;
 }
 
@@ -394,9 +398,7 @@ void TDetailRow::paintEvent(QPaintEvent*)
 {
     const TTheme& theme = CurrentTheme();
     QPainter painter(this);
-    if (FPlaying)
-        painter.fillRect(rect(), theme.AccentSoft);
-    else if (FKind == TKind::Track && underMouse())
+    if (FKind == TKind::Track && underMouse())
         painter.fillRect(rect(), theme.Hover);
     painter.setFont(ThemeFont(fsBody));
     FKind == TKind::Field || FKind == TKind::Credit ? PaintField(painter) : PaintColumns(painter);
@@ -422,8 +424,6 @@ void TDetailRow::PaintField(QPainter& painter) const
                          static_cast<int>(mirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::TextWordWrap, FValue);
         return;
     }
-    if (!FCode.isEmpty())
-        x += DrawPill(painter, QPointF(mirrored ? width() - x - 26 : x, height() / 2.0), FCode, theme) + 7;
     painter.setPen(FIsLink ? theme.AccentFill : theme.Text);
     const int wanted = painter.fontMetrics().horizontalAdvance(FValue) + 1;
     const qreal room = right - x - (FIsLink ? 20 : 0);
@@ -433,10 +433,6 @@ void TDetailRow::PaintField(QPainter& painter) const
     if (FIsLink)
         DrawIcon(painter, QRectF(mirrored ? width() - x - 14 : x, height() / 2.0 - 7, 14, 14), u"ext"_s,
                  theme.AccentFill);
-    if (!FExtra.isEmpty() && x < right) {
-        painter.setPen(theme.Text3);
-        DrawElided(painter, place(x, right - x), u"· "_s + FExtra, side);
-    }
 }
 
 void TDetailRow::PaintColumns(QPainter& painter) const
@@ -451,10 +447,7 @@ void TDetailRow::PaintColumns(QPainter& painter) const
     const qreal right = width() - PanePadding;
     const qreal extraWidth = FExtra.isEmpty() ? 0 : painter.fontMetrics().horizontalAdvance(FExtra) + 2;
     painter.setPen(theme.Text2);
-    if (FPlaying)
-        DrawIcon(painter, QRectF(place(RowIndent + 1, 13).left(), height() / 2.0 - 6.5, 13, 13), u"play"_s, theme.Text2);
-    else
-        DrawElided(painter, place(RowIndent, 32), FLabel, near);
+    DrawElided(painter, place(RowIndent, 32), FLabel, near);
     DrawElided(painter, place(right - extraWidth, extraWidth), FExtra, far);
     if (FKind == TKind::Disc)
         painter.setFont(ThemeFont(fsBodyBold));

@@ -5,6 +5,7 @@
 
 #include <QAbstractButton>
 #include <QImage>
+#include <QPixmap>
 #include <QWidget>
 
 #include <functional>
@@ -22,7 +23,7 @@ class TDetailHead : public QWidget {
 public:
     explicit TDetailHead(QWidget* parent = nullptr);
 
-    void SetData(const TDetailData& data);
+    void SetData(const TDetailData& detail);
     void SetActions(const QList<QAction*>& actions);
     /// Lays the parts out for a width and the height of the pane; returns the height that it takes.
     int ArrangeFor(int width, int paneHeight);
@@ -79,20 +80,19 @@ private:
     int ValueLeft() const;
 
     TKind FKind;
-    QString FLabel, FValue, FExtra, FCode;
+    QString FLabel, FValue, FExtra;
     bool FIsLink = false;
-    bool FPlaying = false;
 };
 
 /// Thumbnails of the other pictures, 64 dip high, in lines.
 class TPictureStrip : public QWidget {
     Q_OBJECT
 public:
-    TPictureStrip(const std::vector<TDetailPicture>& pictures, QWidget* parent);
+    TPictureStrip(std::vector<QByteArray> pictures, QWidget* parent);
     int HeightFor(int width) const;
 
 Q_SIGNALS:
-    void activated(qint64 id);
+    void activated(int picture);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -101,8 +101,11 @@ protected:
 
 private:
     QRect CellRect(int index, int width) const;
+    void MakePixmaps();
 
-    std::vector<TDetailPicture> FPictures;
+    std::vector<QByteArray> FPictures;
+    std::vector<QPixmap> FPixmaps; // finished for FPixmapKey
+    QString FPixmapKey;
     int FCurrent = 0;
 };
 
