@@ -94,6 +94,7 @@ TMainWindow::TMainWindow(TKRNMainForm& form, TThemeController& theme, bool debug
 
 TMainWindow::~TMainWindow()
 {
+    delete FPages; // the views paint with members of this window
     if (FDebug)
         SetDebugLogSink({});
 }

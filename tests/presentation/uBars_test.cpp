@@ -152,7 +152,7 @@ TEST(Ribbon, AltLettersReachATabAndThenAButton)
 {
     TRibbonStage stage;
     stage.Window.setFocus();
-    QTest::keyPress(&stage.Window, Qt::Key_Alt, Qt::AltModifier);
+    QTest::keyPress(&stage.Window, Qt::Key_Alt);
     QTest::keyRelease(&stage.Window, Qt::Key_Alt);
     auto* tips = stage.Window.findChild<TKeyTips*>();
     ASSERT_TRUE(tips);
@@ -179,6 +179,7 @@ TEST(ChipRow, WhatDoesNotFitIsCountedAndKeysRemoveAndMove)
     row.SetChips({{u"a"_s, u"Status"_s, u"In collection"_s}, {u"b"_s, u"Artist"_s, u"B"_s}, {u"c"_s, u"Genre"_s, u"Folk"_s}});
     row.show();
     row.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&row));
     EXPECT_EQ(row.Hidden(), 0);
     const QList<TChip*> chips = row.findChildren<TChip*>();
     ASSERT_EQ(chips.size(), 3);

@@ -61,6 +61,7 @@ protected:
         FWindow->activateWindow();
         QSignalSpy shown(FWindow.get(), &TMainWindow::shownFirst);
         shown.wait(1000);
+        FWindow->resize(1440, 900);
         QApplication::processEvents();
     }
 

@@ -114,6 +114,7 @@ TEST(AlbumTable, HeadingsTellTheLogicAndCellsHaveACursor)
     table.resize(1200, 400);
     table.show();
     table.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&table));
     table.setFocus();
     table.ApplyBestFit();
     QSignalSpy sorted(&table, &TAlbumTable::sortRequested);

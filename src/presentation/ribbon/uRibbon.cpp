@@ -119,7 +119,11 @@ TRibbon::TRibbon(QWidget* parent)
     SetFolded(false);
 }
 
-TRibbon::~TRibbon() { qApp->removeEventFilter(this); }
+TRibbon::~TRibbon()
+{
+    qApp->removeEventFilter(this);
+    disconnect(qApp, nullptr, this, nullptr); // children that go take the keyboard with them
+}
 
 void TRibbon::SetTable(std::vector<TRibbonTab> table, TActionFinder finder)
 {
