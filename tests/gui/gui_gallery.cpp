@@ -1,20 +1,26 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Shows the parts of the windows with invented data and writes them as pictures: gui_gallery FOLDER
 // [light|dark|contrast]
+#include "dmMain.h"
 #include "uAlbumTable.h"
 #include "uCoverCache.h"
+#include "uDefaults.h"
 #include "uDetailPane.h"
 #include "uEmptyPage.h"
 #include "uFilterBar.h"
 #include "uGalleryData.h"
 #include "uLetterBar.h"
+#include "uMainWindow.h"
 #include "uMessageBars.h"
 #include "uProgressWindow.h"
+#include "uReleaseRoles.h"
 #include "uRibbon.h"
+#include "uScriptedPrompt.h"
 #include "uSearchBox.h"
 #include "uSegments.h"
 #include "uSplash.h"
 #include "uStatusLine.h"
+#include "uTestFiles.h"
 #include "uThemeController.h"
 #include "uThumbsPainter.h"
 #include "uTileView.h"
@@ -24,6 +30,7 @@
 #include <QDir>
 #include <QMenu>
 #include <QHeaderView>
+#include <QTest>
 #include <QTextStream>
 #include <QVBoxLayout>
 
@@ -179,6 +186,45 @@ public:
         return detail;
     }
 
+    // The whole window over a collection file made for it.
+    void Program() const
+    {
+        Kit::TTempDir folder;
+        Kit::TScriptedPrompt prompt;
+        TDataModuleMain collection(prompt);
+        Defaults() = MakeDefaults();
+        Defaults().DBPath = folder.File(u"records.db"_s);
+        Defaults().ThemeIndex = FLook == "dark"_L1 ? 1 : FLook == "contrast"_L1 ? 2 : 0;
+        Defaults().InfoPaneLocation = 1;
+        collection.CreateNewDB(Defaults().DBPath, collection.GetNewDatabaseSQL());
+        collection.ConnectToDB(Defaults().DBPath);
+        const Kit::TSampleModel samples(60);
+        for (int row = 0; row < 60; ++row) {
+            const QModelIndex index = samples.index(row, 0);
+            TAlbumRelease release;
+            release.SetItem2(u"Artist"_s, index.data(rrArtist).toString());
+            release.SetItem2(u"ReleaseName"_s, index.data(rrTitle).toString());
+            release.SetItem2(u"ReleaseYear"_s, index.data(rrYear).toString());
+            release.SetItem2(u"MediaType"_s, index.data(rrMediaType).toString());
+            release.SetItem2(u"CountryCode"_s, index.data(rrCountry).toString());
+            collection.AddAlbumReleaseToDB(release, true);
+        }
+        TKRNMainForm form(collection, prompt);
+        TThemeController theme;
+        TMainWindow window(form, theme, false);
+        window.ShowRestored();
+        window.resize(1440, 900);
+        window.activateWindow();
+        for (int round = 0; round < 30; ++round)
+            QTest::qWait(10);
+        Save(window, u"program-thumbs"_s);
+        form.LetterClick(u"S"_s);
+        form.SortBy(u"ReleaseYear"_s, false);
+        form.SetCurrentView(mvAlbums);
+        QTest::qWait(200);
+        Save(window, u"program-table"_s);
+    }
+
     void Pane() const
     {
         QObject owner;
@@ -236,6 +282,8 @@ int RunGallery(const QStringList& arguments)
     TThemeController theme;
     theme.Apply(look == "dark"_L1 ? 1 : look == "contrast"_L1 ? 2 : 0, 0);
     const TGallery gallery(folder, look);
+    gallery.Program();
+    theme.Apply(look == "dark"_L1 ? 1 : look == "contrast"_L1 ? 2 : 0, 0);
     gallery.Pane();
     gallery.Table();
     gallery.Dialogs();

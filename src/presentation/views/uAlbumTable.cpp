@@ -34,7 +34,6 @@ bool IsRightAligned(int kind) { return kind == ckNumber; }
 
 TTableHeader::TTableHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent)
 {
-    setSectionsClickable(true);
     setSectionsMovable(true);
     setFirstSectionMovable(true);
     setHighlightSections(false);
@@ -91,6 +90,7 @@ TAlbumTable::TAlbumTable(TCoverCache* covers, QWidget* parent) :
     QTreeView(parent), FHeader(new TTableHeader(this)), FDelegate(new TCellDelegate(covers, this))
 {
     setHeader(FHeader);
+    FHeader->setSectionsClickable(true); // taking the header over switched it off
     setItemDelegate(FDelegate);
     setFrameShape(NoFrame);
     setUniformRowHeights(true);
