@@ -47,9 +47,10 @@ constexpr QSize SmallestSize(800, 560);
 constexpr int FoldedUpTo = 1024; // a window this narrow starts with the ribbon folded
 
 // The columns of the table before the user chooses: presets may hide and show more.
-const QStringList FirstColumns = {u"No"_s,          u"ThumbPicture"_s, u"Artist"_s,      u"ReleaseName"_s, u"ReleaseYear"_s,
-                                  u"MediaType"_s,   u"Label"_s,        u"CatalogNO"_s,   u"CountryCode"_s, u"DiscCount"_s,
-                                  u"Rating_Calc"_s, u"Status"_s,       u"Genre"_s,       u"Location"_s};
+const QStringList FirstColumns = {u"No"_s,          u"ThumbPicture"_s, u"Artist"_s,      u"ReleaseName"_s,
+                                  u"ReleaseYear"_s, u"MediaType"_s,    u"Label"_s,       u"CatalogNO"_s,
+                                  u"CountryCode"_s, u"DiscCount"_s,    u"Rating_Calc"_s, u"Status"_s,
+                                  u"Genre"_s,       u"Location"_s};
 
 int FirstWidthOf(const QString& field)
 {
@@ -59,8 +60,8 @@ int FirstWidthOf(const QString& field)
         return 220;
     if (field == "ThumbPicture"_L1)
         return 36;
-    if (field == "No"_L1 || field == "DiscCount"_L1 || field == "CountryCode"_L1 || field == "ReleaseYear"_L1)
-        return 72;
+    if (field == "No"_L1 || field == "DiscCount"_L1 || field == "CountryCode"_L1)
+        return 76;
     return 112;
 }
 
@@ -187,8 +188,8 @@ void TMainWindow::BuildMenus()
                                 {GetLanguageString(u"cSGuiSizeSmall"_s), GetLanguageString(u"cSGuiSizeMedium"_s),
                                  GetLanguageString(u"cSGuiSizeLarge"_s)});
     QList<QAction*> views;
-    for (const QString& name : {u"actThumbView"_s, u"actCardsView"_s, u"actShelveView"_s, u"actAlbumTableView"_s,
-                                u"actTracksView"_s})
+    for (const QString& name :
+         {u"actThumbView"_s, u"actCardsView"_s, u"actShelveView"_s, u"actAlbumTableView"_s, u"actTracksView"_s})
         if (QAction* action = FActions->Find(name); action && action->isVisible())
             views << action;
     FFilters->Views()->SetActions(views);
@@ -225,9 +226,8 @@ void TMainWindow::ConnectForm()
     connect(&FForm, &TKRNMainForm::addFilesStarted, this, &TMainWindow::OpenAddFiles);
     connect(&FForm, &TKRNMainForm::closeRequested, this, &QWidget::close);
     connect(&FForm, &TKRNMainForm::searchFocusRequested, this, [this] { FRibbon->SearchBox()->FocusEditor(); });
-    connect(&FForm, &TKRNMainForm::selectionRequested, this, [this](bool all) {
-        all ? FTiles->selectAll() : FTiles->clearSelection();
-    });
+    connect(&FForm, &TKRNMainForm::selectionRequested, this,
+            [this](bool all) { all ? FTiles->selectAll() : FTiles->clearSelection(); });
     connect(&FForm, &TKRNMainForm::barRaised, this,
             [this](TBarKind kind, const QString& bold, const QString& sentence) {
                 FBars->Show({kind, bold, sentence, {}, {}});

@@ -42,8 +42,8 @@ namespace {
 
 constexpr int LeastPaneWidth = 280;
 constexpr double PaneShare = 0.24;
-constexpr int PaneHidesBelow = 860;    // width of a window with the pane at its side
-constexpr int LettersHideBelow = 600;  // height of a window
+constexpr int PaneHidesBelow = 860;   // width of a window with the pane at its side
+constexpr int LettersHideBelow = 600; // height of a window
 
 QString DaysText(double days)
 {
@@ -83,8 +83,8 @@ void TMainWindow::ShowOpenFailure()
     if (FForm.OpenFailure().isEmpty())
         return;
     TBarMessage bar{bkError, FForm.OpenFailure(), Defaults().DBPath, {}, {}};
-    bar.Actions.push_back({GetLanguageString(u"cSGuiOpenOther"_s),
-                           [this] { FForm.Actions().Trigger(u"actOpenDatabase"_s); }});
+    bar.Actions.push_back(
+        {GetLanguageString(u"cSGuiOpenOther"_s), [this] { FForm.Actions().Trigger(u"actOpenDatabase"_s); }});
     FBars->Show(std::move(bar));
 }
 
@@ -113,16 +113,13 @@ void TMainWindow::ShowPage()
             const bool missing = !QFileInfo::exists(path);
             recent.push_back({path, missing ? GetLanguageString(u"cSGuiNotFound"_s) : QString(), missing});
         }
-        FEmpty->ShowNoCollection({card(u"cSGuiCardNew"_s, u"actNewDatabase"_s),
-                                  card(u"cSGuiCardOpen"_s, u"actOpenDatabase"_s)},
-                                 recent);
+        FEmpty->ShowNoCollection(
+            {card(u"cSGuiCardNew"_s, u"actNewDatabase"_s), card(u"cSGuiCardOpen"_s, u"actOpenDatabase"_s)}, recent);
     } else if (figures.Total == 0) {
-        FEmpty->ShowEmptyCollection({card(u"cSGuiCardBarcode"_s, u"actAddByBarcode"_s),
-                                     card(u"cSGuiCardDisc"_s, u"actAddByCDROM"_s),
-                                     card(u"cSGuiCardFolder"_s, u"actAddMP3"_s),
-                                     card(u"cSGuiCardImport"_s, u"actImport"_s),
-                                     card(u"cSGuiCardSearch"_s, u"actAddMusic"_s),
-                                     card(u"cSGuiCardHand"_s, u"actAddReleaseManually"_s)});
+        FEmpty->ShowEmptyCollection(
+            {card(u"cSGuiCardBarcode"_s, u"actAddByBarcode"_s), card(u"cSGuiCardDisc"_s, u"actAddByCDROM"_s),
+             card(u"cSGuiCardFolder"_s, u"actAddMP3"_s), card(u"cSGuiCardImport"_s, u"actImport"_s),
+             card(u"cSGuiCardSearch"_s, u"actAddMusic"_s), card(u"cSGuiCardHand"_s, u"actAddReleaseManually"_s)});
     }
     const bool empty = !hasData || figures.Total == 0;
     FPages->setCurrentWidget(empty ? static_cast<QWidget*>(FEmpty) : FSplitter);
@@ -152,9 +149,9 @@ void TMainWindow::ShowSort()
     for (const TSortItem& item : sort)
         if (const int column = FModel->ColumnOf(item.Column); column >= 0)
             marks.push_back({column, !item.Descending});
-    const QString caption =
-        marks.empty() ? GetLanguageString(u"cSGuiUnsorted"_s)
-                      : FModel->headerData(marks.front().Column, Qt::Horizontal, Qt::DisplayRole).toString();
+    const QString caption = marks.empty()
+                                ? GetLanguageString(u"cSGuiUnsorted"_s)
+                                : FModel->headerData(marks.front().Column, Qt::Horizontal, Qt::DisplayRole).toString();
     FFilters->SetSort(caption, marks.empty() || marks.front().Ascending, FSortMenu);
     FTable->SetSortMarks(std::move(marks));
 }
@@ -169,8 +166,9 @@ void TMainWindow::ShowFigures()
     else
         facts << GetLanguageString(u"cSGuiFigureOf"_s)
                      .arg(locale.toString(figures.Shown), locale.toString(figures.Total));
-    facts << (figures.Selected == 0 ? GetLanguageString(u"cSGuiFigureNone"_s)
-                                    : GetLanguageString(u"cSGuiFigureSelected"_s).arg(locale.toString(figures.Selected)));
+    facts << (figures.Selected == 0
+                  ? GetLanguageString(u"cSGuiFigureNone"_s)
+                  : GetLanguageString(u"cSGuiFigureSelected"_s).arg(locale.toString(figures.Selected)));
     if (figures.Tracks >= 0 && !figures.FileName.isEmpty())
         facts << GetLanguageString(u"cSGuiFigureTracks"_s).arg(locale.toString(figures.Tracks))
               << DaysText(figures.TracksLength);
@@ -295,8 +293,8 @@ void TMainWindow::OpenContextMenu(const QPoint& globalPosition)
     QMenu menu(this);
     FActions->Fill(menu, {u"actEditItem"_s, u"actDuplicate"_s, u"actMultiEdit"_s, QString(), u"actAddToPlaylist"_s,
                           u"actLoanSelected"_s, u"actDownloadCoverImagesForSelection"_s, QString(),
-                          u"actCopySelectedCell"_s, u"actCopySelectedRows"_s, u"actSelectAll"_s,
-                          u"actClearSelection"_s, QString(), u"actRefresh"_s, QString(), u"actRemoveSelected"_s});
+                          u"actCopySelectedCell"_s, u"actCopySelectedRows"_s, u"actSelectAll"_s, u"actClearSelection"_s,
+                          QString(), u"actRefresh"_s, QString(), u"actRemoveSelected"_s});
     if (!menu.isEmpty())
         menu.exec(globalPosition);
 }
@@ -307,16 +305,18 @@ void TMainWindow::FocusRelease(qint64 id)
     if (!index.isValid())
         return;
     auto* view = FForm.CurrentView() == mvAlbums ? static_cast<QAbstractItemView*>(FTable) : FTiles;
-    if (FTiles->currentIndex().row() != index.row())
-        FTiles->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
-                                                             QItemSelectionModel::Rows);
+    const QItemSelectionModel* selection = FTiles->selectionModel();
+    if (FTiles->currentIndex().row() != index.row() || !selection->isRowSelected(index.row(), {}))
+        FTiles->selectionModel()->setCurrentIndex(index,
+                                                  QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
     view->scrollTo(index);
 }
 
-// A reset of the model loses the current row: the focused release comes back where it is now, else the first row.
+// A reset of the model loses the selection: the focused release comes back where it is now, else the first row. A view
+// that has the keyboard may have made the first row current by itself, without selecting it.
 void TMainWindow::RestoreCurrent()
 {
-    if (FTiles->currentIndex().isValid() || FModel->rowCount() == 0)
+    if (FTiles->selectionModel()->hasSelection() || FModel->rowCount() == 0)
         return;
     const QModelIndex again = FModel->IndexOfId(FForm.Detail().ID);
     FocusRelease(FModel->IdOf(again.isValid() ? again : FModel->index(0, 0)));
@@ -352,8 +352,7 @@ void TMainWindow::OpenAddFiles()
         window->AddLogLine(file + u": "_s + sentence, true);
     });
     connect(run, &TAddFilesRun::finished, window, [this, run, window] {
-        const QString stored =
-            GetLanguageString(u"cSGuiAddedFiles"_s).arg(run->Releases()).arg(run->Files());
+        const QString stored = GetLanguageString(u"cSGuiAddedFiles"_s).arg(run->Releases()).arg(run->Files());
         window->Finish(run->Error().isEmpty() ? stored : run->Error() + u' ' + stored, !run->Error().isEmpty());
         FStatus->HideProgress();
     });

@@ -28,8 +28,8 @@
 #include <QAction>
 #include <QApplication>
 #include <QDir>
-#include <QMenu>
 #include <QHeaderView>
+#include <QMenu>
 #include <QTest>
 #include <QTextStream>
 #include <QVBoxLayout>
@@ -173,11 +173,14 @@ public:
                              {u"Link"_s, u"Link"_s, u"example.org/release/5c1e"_s, u"https://example.org"_s}}},
                            {u"Comments"_s,
                             u"Comments"_s,
-                            {{u"Comments"_s, {}, u"Bought in a shop that smelled of rain. The sleeve is worn along "
-                                                 u"the spine, the record itself plays without a click."_s,
+                            {{u"Comments"_s,
+                              {},
+                              u"Bought in a shop that smelled of rain. The sleeve is worn along "
+                              u"the spine, the record itself plays without a click."_s,
                               {}}}}};
         detail.TracksSummary = u"6 · 38:42"_s;
-        detail.Discs = {{u"Side A"_s, u"20:05"_s,
+        detail.Discs = {{u"Side A"_s,
+                         u"20:05"_s,
                          {{u"A1"_s, u"Low Lamps"_s, {}, u"6:42"_s},
                           {u"A2"_s, u"Corner of Vane and Fourth"_s, {}, u"5:18"_s},
                           {u"A3"_s, u"Hask’s Errand"_s, {}, u"8:05"_s}}}};
@@ -196,6 +199,7 @@ public:
         Defaults().DBPath = folder.File(u"records.db"_s);
         Defaults().ThemeIndex = FLook == "dark"_L1 ? 1 : FLook == "contrast"_L1 ? 2 : 0;
         Defaults().InfoPaneLocation = 1;
+        Defaults().MainFormMaximized = false;
         collection.CreateNewDB(Defaults().DBPath, collection.GetNewDatabaseSQL());
         collection.ConnectToDB(Defaults().DBPath);
         const Kit::TSampleModel samples(60);

@@ -176,7 +176,8 @@ TEST(ChipRow, WhatDoesNotFitIsCountedAndKeysRemoveAndMove)
 {
     TChipRow row;
     row.resize(600, 30);
-    row.SetChips({{u"a"_s, u"Status"_s, u"In collection"_s}, {u"b"_s, u"Artist"_s, u"B"_s}, {u"c"_s, u"Genre"_s, u"Folk"_s}});
+    row.SetChips(
+        {{u"a"_s, u"Status"_s, u"In collection"_s}, {u"b"_s, u"Artist"_s, u"B"_s}, {u"c"_s, u"Genre"_s, u"Folk"_s}});
     row.show();
     row.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&row));

@@ -118,6 +118,7 @@ TEST_F(MainWindow, LetterSearchAndChipsFilterTheList)
     EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 1);
     QApplication::processEvents();
     EXPECT_EQ(FocusedTitle(), u"Salt Atlas 001"_s);
+    EXPECT_EQ(FForm->Selection().size(), 1u) << "the focused release is selected again after a filter";
     QList<TChip*> chips;
     for (TChip* chip : FWindow->Filters()->findChildren<TChip*>())
         if (chip->isVisible())

@@ -37,8 +37,8 @@ TEST(StarsEdit, MouseHalvesAndKeys)
     const struct {
         int Key;
         int Rating;
-    } keys[] = {{Qt::Key_Right, 3}, {Qt::Key_9, 9}, {Qt::Key_Right, 10}, {Qt::Key_Right, 10},
-                {Qt::Key_Left, 9},  {Qt::Key_Delete, 0}, {Qt::Key_Left, 0}, {Qt::Key_5, 5}};
+    } keys[] = {{Qt::Key_Right, 3}, {Qt::Key_9, 9},      {Qt::Key_Right, 10}, {Qt::Key_Right, 10},
+                {Qt::Key_Left, 9},  {Qt::Key_Delete, 0}, {Qt::Key_Left, 0},   {Qt::Key_5, 5}};
     for (const auto& key : keys) {
         QTest::keyClick(&stars, Qt::Key(key.Key));
         EXPECT_EQ(stars.Rating(), key.Rating);
@@ -63,8 +63,9 @@ TEST(DetailPane, ShowsSectionsInOrderAndRemembersTheFoldedOnes)
     TDetailData detail;
     detail.ID = 7;
     detail.Title = u"Low Lamps"_s;
-    detail.Sections = {{u"General"_s, u"General"_s, {{u"Link"_s, u"Link"_s, u"example.org"_s, u"https://example.org"_s}}},
-                       {u"Comments"_s, u"Comments"_s, {{u"Comments"_s, {}, QString(u"word "_s).repeated(60), {}}}}};
+    detail.Sections = {
+        {u"General"_s, u"General"_s, {{u"Link"_s, u"Link"_s, u"example.org"_s, u"https://example.org"_s}}},
+        {u"Comments"_s, u"Comments"_s, {{u"Comments"_s, {}, QString(u"word "_s).repeated(60), {}}}}};
     detail.Discs = {{{}, {}, {{u"1"_s, u"One"_s, {}, u"3:00"_s}, {u"2"_s, u"Two"_s, {}, u"4:00"_s}}}};
     detail.Pictures = {Kit::SampleCover(0, 100), QByteArray("broken")};
     TDetailPane pane;

@@ -134,13 +134,11 @@ void TCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         break;
     case ckPlaying:
         if (!text.isEmpty())
-            DrawIcon(*painter, QRectF(box.center().x() - 7, box.center().y() - 7, 14, 14), u"play"_s,
-                     theme.AccentFill);
+            DrawIcon(*painter, QRectF(box.center().x() - 7, box.center().y() - 7, 14, 14), u"play"_s, theme.AccentFill);
         break;
     case ckNumber: DrawElided(*painter, box, text, Qt::AlignRight | Qt::AlignVCenter); break;
     default:
-        DrawElided(*painter, box, text,
-                   QStyle::visualAlignment(option.direction, Qt::AlignLeft) | Qt::AlignVCenter);
+        DrawElided(*painter, box, text, QStyle::visualAlignment(option.direction, Qt::AlignLeft) | Qt::AlignVCenter);
     }
     if (option.state.testFlag(QStyle::State_HasFocus))
         DrawFocusRing(*painter, QRectF(option.rect).adjusted(0, 0, 0, -1), RadiusCover, theme);

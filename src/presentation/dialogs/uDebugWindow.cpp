@@ -32,7 +32,8 @@ void TDebugWindow::AddLine(const QString& line)
     if (QThread::currentThread() == thread())
         FLines->appendPlainText(line);
     else
-        QMetaObject::invokeMethod(FLines, [this, line] { FLines->appendPlainText(line); }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            FLines, [this, line] { FLines->appendPlainText(line); }, Qt::QueuedConnection);
 }
 
 QString TDebugWindow::Text() const { return FLines->toPlainText(); }

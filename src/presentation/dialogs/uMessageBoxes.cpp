@@ -55,11 +55,10 @@ bool AskYesNo(QWidget* parent, const QString& text, bool defaultNo)
 
 TAnswer AskYesNoCancel(QWidget* parent, const QString& text)
 {
-    switch (RunBox(parent, QMessageBox::Question, text,
-                   {{QMessageBox::Yes, u"cSGuiYes"_s},
-                    {QMessageBox::No, u"cSGuiNo"_s},
-                    {QMessageBox::Cancel, u"cSGuiCancel"_s}},
-                   QMessageBox::Yes, QMessageBox::Cancel)) {
+    switch (RunBox(
+        parent, QMessageBox::Question, text,
+        {{QMessageBox::Yes, u"cSGuiYes"_s}, {QMessageBox::No, u"cSGuiNo"_s}, {QMessageBox::Cancel, u"cSGuiCancel"_s}},
+        QMessageBox::Yes, QMessageBox::Cancel)) {
     case QMessageBox::Yes: return anYes;
     case QMessageBox::No: return anNo;
     default: return anCancel;

@@ -23,9 +23,12 @@ constexpr int WindowPadding = 20;
 
 } // namespace
 
-TProgressWindow::TProgressWindow(const QString& title, QWidget* parent) :
-    QDialog(parent), FTitle(title), FBar(new QProgressBar(this)), FLog(new QPlainTextEdit(this)),
-    FButton(new QPushButton(GetLanguageString(u"cSGuiCancel"_s), this))
+TProgressWindow::TProgressWindow(const QString& title, QWidget* parent)
+    : QDialog(parent),
+      FTitle(title),
+      FBar(new QProgressBar(this)),
+      FLog(new QPlainTextEdit(this)),
+      FButton(new QPushButton(GetLanguageString(u"cSGuiCancel"_s), this))
 {
     setWindowTitle(title);
     FBar->setTextVisible(false);

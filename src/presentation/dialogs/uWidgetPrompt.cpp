@@ -63,8 +63,7 @@ QString TWidgetPrompt::AskSaveFile(const TFileDialogRequest& request)
 
 QString TWidgetPrompt::AskFolder(const QString& title, const QString& folder)
 {
-    const QString start =
-        folder.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::MusicLocation) : folder;
+    const QString start = folder.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::MusicLocation) : folder;
     return QFileDialog::getExistingDirectory(FWindow, title, start);
 }
 

@@ -12,8 +12,8 @@ class QWidget;
 
 namespace Kestrune {
 
-/// The QActions of the program's action table: one for each, with caption, icon and shortcut, following the logic's rules.
-/// An action that is not bound is invisible.
+/// The QActions of the program's action table: one for each, with caption, icon and shortcut, following the logic's
+/// rules. An action that is not bound is invisible.
 class TActionSet : public QObject {
     Q_OBJECT
 public:

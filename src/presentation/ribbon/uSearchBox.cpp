@@ -66,7 +66,8 @@ void TSearchBox::SetFields(std::vector<TSearchBoxField> fields)
 
 void TSearchBox::SetCurrentField(const QString& name)
 {
-    const auto it = std::find_if(FFields.begin(), FFields.end(), [&](const TSearchBoxField& f) { return f.Name == name; });
+    const auto it =
+        std::find_if(FFields.begin(), FFields.end(), [&](const TSearchBoxField& f) { return f.Name == name; });
     if (it != FFields.end())
         ShowField(std::size_t(it - FFields.begin()));
 }

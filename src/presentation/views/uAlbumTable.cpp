@@ -53,7 +53,8 @@ QSize TTableHeader::sizeHint() const { return {QHeaderView::sizeHint().width(), 
 QSize TTableHeader::sectionSizeFromContents(int logicalIndex) const
 {
     const QString text = model()->headerData(logicalIndex, Qt::Horizontal).toString();
-    return {QFontMetrics(HeaderFont()).horizontalAdvance(text) + 2 * HeaderPadding + SortMarkWidth, sizeHint().height()};
+    return {QFontMetrics(HeaderFont()).horizontalAdvance(text) + 2 * HeaderPadding + SortMarkWidth,
+            sizeHint().height()};
 }
 
 void TTableHeader::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const
@@ -66,8 +67,8 @@ void TTableHeader::paintSection(QPainter* painter, const QRect& rect, int logica
     painter->setFont(HeaderFont());
     painter->setPen(theme.Text2);
     const QString text = model()->headerData(logicalIndex, Qt::Horizontal).toString();
-    const auto mark = std::find_if(FMarks.begin(), FMarks.end(),
-                                   [&](const TSortMark& m) { return m.Column == logicalIndex; });
+    const auto mark =
+        std::find_if(FMarks.begin(), FMarks.end(), [&](const TSortMark& m) { return m.Column == logicalIndex; });
     const bool sorted = mark != FMarks.end();
     const QString order = sorted && FMarks.size() > 1 ? QString::number(mark - FMarks.begin() + 1) : QString();
     const QFontMetrics metrics(painter->font());
@@ -86,8 +87,8 @@ void TTableHeader::paintSection(QPainter* painter, const QRect& rect, int logica
     painter->restore();
 }
 
-TAlbumTable::TAlbumTable(TCoverCache* covers, QWidget* parent) :
-    QTreeView(parent), FHeader(new TTableHeader(this)), FDelegate(new TCellDelegate(covers, this))
+TAlbumTable::TAlbumTable(TCoverCache* covers, QWidget* parent)
+    : QTreeView(parent), FHeader(new TTableHeader(this)), FDelegate(new TCellDelegate(covers, this))
 {
     setHeader(FHeader);
     FHeader->setSectionsClickable(true); // taking the header over switched it off

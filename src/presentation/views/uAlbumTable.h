@@ -18,8 +18,8 @@ struct TSortMark {
     bool Ascending = true;
 };
 
-/// The headings of a table: bold and quiet, right-aligned over numbers, with an arrow and, when there is more than one, the
-/// place in the sort order.
+/// The headings of a table: bold and quiet, right-aligned over numbers, with an arrow and, when there is more than one,
+/// the place in the sort order.
 class TTableHeader : public QHeaderView {
     Q_OBJECT
 public:

@@ -24,8 +24,7 @@ constexpr double CoverShare = 0.40;
 
 } // namespace
 
-TDetailPane::TDetailPane(QWidget* parent) :
-    QScrollArea(parent), FContent(new QWidget), FHead(new TDetailHead(FContent))
+TDetailPane::TDetailPane(QWidget* parent) : QScrollArea(parent), FContent(new QWidget), FHead(new TDetailHead(FContent))
 {
     setFrameShape(NoFrame);
     setWidget(FContent);
@@ -138,8 +137,8 @@ void TDetailPane::AddPictures()
 {
     if (FData.Pictures.empty())
         return;
-    TDetailBlock* block = AddBlock(u"pictures"_s, GetLanguageString(u"cSGuiOtherPictures"_s),
-                                   QString::number(FData.Pictures.size()));
+    TDetailBlock* block =
+        AddBlock(u"pictures"_s, GetLanguageString(u"cSGuiOtherPictures"_s), QString::number(FData.Pictures.size()));
     auto* strip = new TPictureStrip(FData.Pictures, block);
     connect(strip, &TPictureStrip::activated, this, &TDetailPane::pictureActivated);
     block->Add(strip);

@@ -35,7 +35,8 @@ constexpr int LargestCover = 640;
 
 class TBlockHeading : public QAbstractButton {
 public:
-    TBlockHeading(const QString& caption, QString extra, QWidget* parent) : QAbstractButton(parent), FExtra(std::move(extra))
+    TBlockHeading(const QString& caption, QString extra, QWidget* parent)
+        : QAbstractButton(parent), FExtra(std::move(extra))
     {
         setText(caption);
         setAccessibleName(caption);
@@ -83,8 +84,8 @@ private:
 
 } // namespace
 
-TDetailHead::TDetailHead(QWidget* parent) :
-    QWidget(parent), FStars(new TStarsEdit(this)), FButtons(new QWidget(this)), FButtonRow(new QHBoxLayout(FButtons))
+TDetailHead::TDetailHead(QWidget* parent)
+    : QWidget(parent), FStars(new TStarsEdit(this)), FButtons(new QWidget(this)), FButtonRow(new QHBoxLayout(FButtons))
 {
     FButtonRow->setContentsMargins(0, 0, 0, 0);
     FButtonRow->setSpacing(10);
@@ -143,10 +144,9 @@ QPixmap TDetailHead::CoverPixmap(qreal ratio)
     if (key == FCoverKey)
         return FCover;
     FCoverKey = key;
-    FCover = FPicture.isNull()
-                 ? DrawnCover(FCoverRect.width(), ratio, FTitle, FArtist, FMediaType, CurrentTheme())
-                 : FinishCover(FPicture.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation), ratio,
-                               CurrentTheme());
+    FCover = FPicture.isNull() ? DrawnCover(FCoverRect.width(), ratio, FTitle, FArtist, FMediaType, CurrentTheme())
+                               : FinishCover(FPicture.scaled(pixels, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
+                                             ratio, CurrentTheme());
     return FCover;
 }
 
@@ -176,8 +176,8 @@ void TDetailHead::mouseReleaseEvent(QMouseEvent* event)
         Q_EMIT coverActivated();
 }
 
-TPictureStrip::TPictureStrip(std::vector<QByteArray> pictures, QWidget* parent) :
-    QWidget(parent), FPictures(std::move(pictures))
+TPictureStrip::TPictureStrip(std::vector<QByteArray> pictures, QWidget* parent)
+    : QWidget(parent), FPictures(std::move(pictures))
 {
     setFocusPolicy(Qt::TabFocus);
     setAccessibleName(GetLanguageString(u"cSGuiOtherPictures"_s));
@@ -220,9 +220,9 @@ void TPictureStrip::paintEvent(QPaintEvent*)
             FillRounded(painter, cell, RadiusCover, theme.Sunken);
         } else {
             const QSizeF size = FPixmaps[i].deviceIndependentSize();
-            painter.drawPixmap(QPointF(cell.left() + (PictureSide - size.width()) / 2,
-                                       cell.top() + PictureSide - size.height()),
-                               FPixmaps[i]);
+            painter.drawPixmap(
+                QPointF(cell.left() + (PictureSide - size.width()) / 2, cell.top() + PictureSide - size.height()),
+                FPixmaps[i]);
         }
         if (hasFocus() && static_cast<int>(i) == FCurrent)
             DrawFocusRing(painter, QRectF(cell).adjusted(-3, -3, 3, 3), RadiusControl, theme);
@@ -247,15 +247,16 @@ void TPictureStrip::keyPressEvent(QKeyEvent* event)
         FCurrent = std::clamp(FCurrent + (event->key() == Qt::Key_Right ? 1 : -1), 0, std::max(0, last));
         return update();
     }
-    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space) && last >= 0) {
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space) &&
+        last >= 0) {
         Q_EMIT activated(FCurrent);
         return;
     }
     QWidget::keyPressEvent(event);
 }
 
-TDetailBlock::TDetailBlock(QString id, const QString& caption, const QString& extra, QWidget* parent) :
-    QWidget(parent), FId(std::move(id)), FHeading(new TBlockHeading(caption, extra, this))
+TDetailBlock::TDetailBlock(QString id, const QString& caption, const QString& extra, QWidget* parent)
+    : QWidget(parent), FId(std::move(id)), FHeading(new TBlockHeading(caption, extra, this))
 {
     FHeading->setChecked(true);
     connect(FHeading, &QAbstractButton::clicked, this, [this] {
