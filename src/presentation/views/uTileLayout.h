@@ -13,7 +13,7 @@ struct TTileLayout {
     int Count = 0;        ///< number of cells
     int Width = 0;        ///< width of the view in dip
     QSize Cell{1, 1};     ///< smallest size of a cell
-    int Margin = 10;      ///< free space left and right
+    int Margin = 8;       ///< free space left and right
     int TopMargin = 0;    ///< free space above the first and below the last row
     int ColumnGap = 0;    ///< least space between columns
     int RowGap = 0;       ///< space between rows
