@@ -135,7 +135,8 @@ TEST(MP3Release, OptionsChooseThePictures)
         options.ThumbHeight = 50;
         track.Cover = row.Cover;
         QStringList shown;
-        for (const auto& picture : CreateReleaseFromTracks({track}, options)->Pictures)
+        const auto release = CreateReleaseFromTracks({track}, options);
+        for (const auto& picture : release->Pictures)
             shown += u"%1:%2"_s.arg(static_cast<int>(picture->PictureType())).arg(picture->Size().width());
         EXPECT_EQ(shown.join(u' '), QString::fromUtf8(row.Expected));
     }
