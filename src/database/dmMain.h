@@ -83,6 +83,13 @@ public:
     /// The default of a field where `value` is null, zero, empty or false; else the value itself.
     static TVariant ApplyDefaultValue(const TVariant& value, const QString& fieldName);
 
+    /// A name as the article settings show it, for the fields that they cover; any other text as it is.
+    static QString DisplayText(const QString& fieldName, const QString& text);
+
+    /// Adds the number of tracks with an ID in (from, to] to `count` and gives the sum of their lengths in days.
+    double SumTrackLengths(qint64 from, qint64 to, qint64& count);
+    qint64 LastTrackID();
+
     /// Called after qReleaseInfo has posted.
     std::function<void(TDataset&)> OnReleaseInfoAfterPost;
 

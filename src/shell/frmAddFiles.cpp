@@ -27,9 +27,8 @@ TAddFilesRun::TAddFilesRun(TDataModuleMain& data, const QStringList& paths)
         ++FReleases;
         Q_EMIT releaseStored(id, name);
     });
-    FImporter->SetOnFileError([this](TKRNImporter&, const QString& file, const QString& error) {
-        Q_EMIT fileFailed(file, error);
-    });
+    FImporter->SetOnFileError(
+        [this](TKRNImporter&, const QString& file, const QString& error) { Q_EMIT fileFailed(file, error); });
     FImporter->SetOnDone([this](TKRNImporter&, int releases, int files) {
         FReleases = releases;
         FFiles = files;

@@ -48,7 +48,8 @@ void TKRNMainForm::FormCreate(const std::function<void()>& createDebugWindow)
     RefreshDetail();
     FData.OnReleaseInfoAfterPost = [this](TDataset& releaseInfo) { RefreshFocusedRow(releaseInfo); };
     // A number of a view that this window does not have leaves the first one.
-    if (const int view = Defaults().CurrentView; view == static_cast<int>(mvThumbs) || view == static_cast<int>(mvAlbums))
+    if (const int view = Defaults().CurrentView;
+        view == static_cast<int>(mvThumbs) || view == static_cast<int>(mvAlbums))
         FView = static_cast<TMainView>(view);
     FActions.Update();
 }

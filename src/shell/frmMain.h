@@ -4,7 +4,7 @@
 #include "dmMain.h"
 #include "uActions.h"
 #include "uDetailView.h"
-#include "uDictionaries.h"
+#include "uSearch.h"
 
 #include <QObject>
 #include <QRect>
@@ -23,14 +23,6 @@ class TPrompt;
 enum class TMainView : int { mvThumbs, mvCards, mvShelf, mvAlbums, mvTracks };
 using enum TMainView;
 
-/// A column that the search box can search in.
-struct TSearchField {
-    QString Column;
-    QString Caption;
-    bool IsList = false;               ///< a value chosen from a list: searched by equality
-    std::vector<TValueAndText> Items;  ///< what the list offers
-};
-
 /// An active filter, as a removable chip shows it.
 enum class TFilterChipKind : quint8 { fckStatus, fckLetter, fckKeyword };
 using enum TFilterChipKind;
@@ -45,7 +37,7 @@ struct TStatusFigures {
     int Shown = 0;
     int Total = 0;
     int Selected = 0;
-    qint64 Tracks = -1;       ///< -1 while they are being counted
+    qint64 Tracks = -1;        ///< -1 while they are being counted
     double TracksLength = 0.0; ///< days
     QString FileName;
     bool ReadOnly = false;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmMain.h"
-
 #include "frmAddFiles.h"
+#include "frmMain.h"
 #include "uDefaults.h"
 #include "uPrompt.h"
 #include "uTHStrings.h"
@@ -29,16 +28,23 @@ void TKRNMainForm::BindFileActions()
             AddFolders(folder.isEmpty() ? QStringList() : QStringList{folder});
         },
         canWrite);
-    FActions.Bind(u"actNewDatabase"_s, [this] { NewDatabase(); }, idle);
-    FActions.Bind(u"actOpenDatabase"_s, [this] { OpenDatabase(); }, idle);
-    FActions.Bind(u"actSaveDatabase"_s, [this] { FData.CommitTransaction(); }, hasData);
+    FActions.Bind(
+        u"actNewDatabase"_s, [this] { NewDatabase(); }, idle);
+    FActions.Bind(
+        u"actOpenDatabase"_s, [this] { OpenDatabase(); }, idle);
+    FActions.Bind(
+        u"actSaveDatabase"_s, [this] { FData.CommitTransaction(); }, hasData);
     FActions.Bind(u"actExit"_s, [this] { Q_EMIT closeRequested(); });
-    FActions.Bind(u"actRefresh"_s, [this] {
-        FData.RefreshAll();
-        RefreshDetail();
-    }, hasData);
-    FActions.Bind(u"actRemoveSelected"_s, [this] { RemoveSelected(); },
-                  [this, canWrite] { return canWrite() && !SelectedOrFocused().empty(); });
+    FActions.Bind(
+        u"actRefresh"_s,
+        [this] {
+            FData.RefreshAll();
+            RefreshDetail();
+        },
+        hasData);
+    FActions.Bind(
+        u"actRemoveSelected"_s, [this] { RemoveSelected(); },
+        [this, canWrite] { return canWrite() && !SelectedOrFocused().empty(); });
     FActions.Bind(
         u"actVacuumDB"_s,
         [this] {
@@ -55,12 +61,14 @@ void TKRNMainForm::BindViewActions()
 {
     const auto hasData = [this] { return FData.HasData(); };
     const auto bindView = [&](const QString& name, TMainView view) {
-        FActions.Bind(name, [this, view] { SetCurrentView(view); }, hasData, [this, view] { return FView == view; });
+        FActions.Bind(
+            name, [this, view] { SetCurrentView(view); }, hasData, [this, view] { return FView == view; });
     };
     bindView(u"actThumbView"_s, mvThumbs);
     bindView(u"actAlbumTableView"_s, mvAlbums);
-    FActions.Bind(u"actThumbSize"_s, [this] { SetThumbSize((ThumbSize() + 1) % 3); },
-                  [this] { return FData.HasData() && FView == mvThumbs; });
+    FActions.Bind(
+        u"actThumbSize"_s, [this] { SetThumbSize((ThumbSize() + 1) % 3); },
+        [this] { return FData.HasData() && FView == mvThumbs; });
     const auto bindPane = [this](const QString& name, int location) {
         FActions.Bind(
             name,
@@ -73,10 +81,12 @@ void TKRNMainForm::BindViewActions()
     bindPane(u"actDetailPanelBottom"_s, 0);
     bindPane(u"actDetailPanelRight"_s, 1);
     bindPane(u"actDetailPanelTop"_s, 2);
-    FActions.Bind(u"actHideDetailPanel"_s, [this] { SetPaneClosed(!PaneClosed()); }, {}, [this] { return PaneClosed(); });
-    FActions.Bind(u"actSelectAll"_s, [this] { Q_EMIT selectionRequested(true); }, hasData);
-    FActions.Bind(u"actClearSelection"_s, [this] { Q_EMIT selectionRequested(false); },
-                  [this] { return !FSelection.empty(); });
+    FActions.Bind(
+        u"actHideDetailPanel"_s, [this] { SetPaneClosed(!PaneClosed()); }, {}, [this] { return PaneClosed(); });
+    FActions.Bind(
+        u"actSelectAll"_s, [this] { Q_EMIT selectionRequested(true); }, hasData);
+    FActions.Bind(
+        u"actClearSelection"_s, [this] { Q_EMIT selectionRequested(false); }, [this] { return !FSelection.empty(); });
 }
 
 void TKRNMainForm::BindFilterActions()
@@ -84,10 +94,14 @@ void TKRNMainForm::BindFilterActions()
     const auto hasData = [this] { return FData.HasData(); };
     const auto filtered = [this] { return !FilterChips().empty(); };
     const auto sorted = [this] { return FData.HasData() && !FData.qReleasesMain.Sort().empty(); };
-    FActions.Bind(u"actSearch"_s, [this] { Search(); }, hasData);
-    FActions.Bind(u"actStatusFilter"_s, [] {}, hasData);
-    FActions.Bind(u"actFilterStatusAll"_s, [this] { RemoveFilter(fckStatus); }, hasData);
-    FActions.Bind(u"actFilterStatusOther"_s, [this] { ResetFilters(); }, filtered);
+    FActions.Bind(
+        u"actSearch"_s, [this] { Search(); }, hasData);
+    FActions.Bind(
+        u"actStatusFilter"_s, [] {}, hasData);
+    FActions.Bind(
+        u"actFilterStatusAll"_s, [this] { RemoveFilter(fckStatus); }, hasData);
+    FActions.Bind(
+        u"actFilterStatusOther"_s, [this] { ResetFilters(); }, filtered);
     const auto direction = [this](bool descending) {
         auto sort = FData.qReleasesMain.Sort();
         for (TSortItem& item : sort)
@@ -95,12 +109,17 @@ void TKRNMainForm::BindFilterActions()
         FData.qReleasesMain.SetSort(sort);
         Q_EMIT sortChanged();
     };
-    FActions.Bind(u"actSortAsc"_s, [direction] { direction(false); }, sorted);
-    FActions.Bind(u"actSortDesc"_s, [direction] { direction(true); }, sorted);
-    FActions.Bind(u"actClearSorting"_s, [this] {
-        FData.qReleasesMain.SetSort({});
-        Q_EMIT sortChanged();
-    }, sorted);
+    FActions.Bind(
+        u"actSortAsc"_s, [direction] { direction(false); }, sorted);
+    FActions.Bind(
+        u"actSortDesc"_s, [direction] { direction(true); }, sorted);
+    FActions.Bind(
+        u"actClearSorting"_s,
+        [this] {
+            FData.qReleasesMain.SetSort({});
+            Q_EMIT sortChanged();
+        },
+        sorted);
 }
 
 namespace {

@@ -25,18 +25,26 @@ struct TSectionDef {
 const std::vector<TSectionDef>& SectionDefs()
 {
     static const std::vector<TSectionDef> defs{
-        {u"General", u"cSSectionGeneral",
-         {u"ReleaseYear", u"ReleaseDate", u"OriginalReleaseYear", u"MediaType", u"DiscCount", u"Genre", u"Genres",
-          u"Label", u"CatalogNO", u"CountryCode", u"Barcode", u"Status", u"Location", u"No", u"SeqNo", u"Quantity",
-          u"Condition", u"ConditionMedia", u"Packaging", u"MediaColor", u"Channels", u"Spars", u"Sides", u"Artists",
-          u"IsLive", u"IsRare", u"IsReissue", u"IsCompilation", u"IsPromo", u"IsSplit", u"ASIN", u"DiscogsID",
-          u"MusicBrainzID", u"DataProvider", u"Link", u"BuyNowLink", u"FolderPath", u"DateAdded", u"LastModified"}},
-        {u"Purchase", u"cSSectionPurchase",
+        {u"General", u"cSSectionGeneral", {u"ReleaseYear",   u"ReleaseDate", u"OriginalReleaseYear",
+                                           u"MediaType",     u"DiscCount",   u"Genre",
+                                           u"Genres",        u"Label",       u"CatalogNO",
+                                           u"CountryCode",   u"Barcode",     u"Status",
+                                           u"Location",      u"No",          u"SeqNo",
+                                           u"Quantity",      u"Condition",   u"ConditionMedia",
+                                           u"Packaging",     u"MediaColor",  u"Channels",
+                                           u"Spars",         u"Sides",       u"Artists",
+                                           u"IsLive",        u"IsRare",      u"IsReissue",
+                                           u"IsCompilation", u"IsPromo",     u"IsSplit",
+                                           u"ASIN",          u"DiscogsID",   u"MusicBrainzID",
+                                           u"DataProvider",  u"Link",        u"BuyNowLink",
+                                           u"FolderPath",    u"DateAdded",   u"LastModified"}},
+        {u"Purchase",
+         u"cSSectionPurchase",
          {u"Price", u"PriceValue", u"SellingPrice", u"DatePurchased", u"PurchaseStore", u"OwnerId", u"PurchasedFrom",
           u"BorrowedFrom"}},
-        {u"Classical", u"cSSectionClassical",
-         {u"Composer", u"Composition", u"Conductor", u"Orchestra", u"Chorus"}},
-        {u"Custom", u"cSSectionCustom",
+        {u"Classical", u"cSSectionClassical", {u"Composer", u"Composition", u"Conductor", u"Orchestra", u"Chorus"}},
+        {u"Custom",
+         u"cSSectionCustom",
          {u"Custom1", u"Custom2", u"Custom3", u"Custom4", u"Custom5", u"Custom6", u"Custom7", u"Custom8", u"Custom9",
           u"Custom10"}},
         {u"Comments", u"cSSectionComments", {u"Comments"}},
@@ -67,8 +75,9 @@ QString ShownValue(TDataModuleMain& data, const TFieldDef& field, const TVariant
     }
     switch (field.Kind) {
     case fkBoolean: return VarToBool(value) ? GetLanguageString(u"cSYes"_s) : QString();
-    case fkDate: return value.typeId() == QMetaType::QDate ? QLocale().toString(value.toDate(), QLocale::ShortFormat)
-                                                           : VarToStr(value);
+    case fkDate:
+        return value.typeId() == QMetaType::QDate ? QLocale().toString(value.toDate(), QLocale::ShortFormat)
+                                                  : VarToStr(value);
     case fkFloat: {
         const QString amount = QLocale().toString(value.toDouble(), 'f', 2);
         const QString currency = VarToStr(data.qReleaseInfo.Value(u"Currency"_s));
@@ -164,14 +173,16 @@ void AddTracks(TDetailData& detail, const std::vector<TTrackRow>& rows)
             lengths.push_back(0.0);
         }
         before = &row;
-        detail.Discs.back().Tracks.push_back({Position(row, severalDiscs), row.Title, row.Artist, LengthText(row.Length)});
+        detail.Discs.back().Tracks.push_back(
+            {Position(row, severalDiscs), row.Title, row.Artist, LengthText(row.Length)});
         lengths.back() += row.Length;
         total += row.Length;
     }
     for (size_t i = 0; i < detail.Discs.size(); ++i)
         detail.Discs[i].Length = LengthText(lengths[i]);
     if (!rows.empty())
-        detail.TracksSummary = total > 0 ? u"%1 · %2"_s.arg(rows.size()).arg(LengthText(total)) : QString::number(rows.size());
+        detail.TracksSummary =
+            total > 0 ? u"%1 · %2"_s.arg(rows.size()).arg(LengthText(total)) : QString::number(rows.size());
 }
 
 } // namespace
@@ -213,7 +224,8 @@ TDetailData BuildDetailData(TDataModuleMain& data)
             detail.Pictures.push_back(bytes);
     }
     for (int row = 0; row < data.qOtherPictures.RecordCount(); ++row)
-        detail.Pictures.push_back(data.qOtherPictures.ValueAt(row, data.qOtherPictures.FieldIndex(u"Picture"_s)).toByteArray());
+        detail.Pictures.push_back(
+            data.qOtherPictures.ValueAt(row, data.qOtherPictures.FieldIndex(u"Picture"_s)).toByteArray());
     return detail;
 }
 

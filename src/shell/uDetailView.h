@@ -44,13 +44,13 @@ struct TDetailCredit {
 
 /// Everything that the detail pane shows of one release.
 struct TDetailData {
-    qint64 ID = 0; ///< 0: no release is selected
+    qint64 ID = 0;    ///< 0: no release is selected
     QByteArray Cover; ///< encoded, as stored; empty without one
     QString Title;
     QString Artist;
-    int Rating = 0; ///< half stars, 0 for unrated
+    int Rating = 0;                       ///< half stars, 0 for unrated
     std::vector<TDetailSection> Sections; ///< only those with at least one field that has a value
-    QString TracksSummary; ///< "6 · 38:42"
+    QString TracksSummary;                ///< "6 · 38:42"
     std::vector<TDetailDisc> Discs;
     std::vector<TDetailCredit> Credits;
     std::vector<QByteArray> Pictures; ///< encoded

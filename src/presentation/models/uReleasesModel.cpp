@@ -39,9 +39,8 @@ TReleasesModel::TReleasesModel(TDataModuleMain& data, QObject* parent) : QAbstra
         beginResetModel();
         endResetModel();
     });
-    connect(&FData.qReleasesMain, &TDataset::recordChanged, this, [this](int row) {
-        Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
-    });
+    connect(&FData.qReleasesMain, &TDataset::recordChanged, this,
+            [this](int row) { Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1)); });
     connect(&FData.qLoans, &TDataset::dataReset, this, [this] {
         ReadLoans();
         if (rowCount() > 0)
@@ -126,7 +125,8 @@ QVariant TReleasesModel::RoleData(int row, int role) const
     case rrOverdue: return FLoans.value(id).Overdue;
     case rrCountry: return VarToStr(Value(row, u"CountryCode"_s));
     case rrLastModified: return VarToStr(Value(row, u"LastModified"_s));
-    case rrHasThumb: return !FData.qReleasesMain.ReadBlob(row, FData.qReleasesMain.FieldIndex(u"ThumbPicture"_s)).isEmpty();
+    case rrHasThumb:
+        return !FData.qReleasesMain.ReadBlob(row, FData.qReleasesMain.FieldIndex(u"ThumbPicture"_s)).isEmpty();
     case rrThumbBytes: return FData.qReleasesMain.ReadBlob(row, FData.qReleasesMain.FieldIndex(u"ThumbPicture"_s));
     default: return {};
     }
@@ -147,8 +147,9 @@ QVariant TReleasesModel::DisplayData(int row, int field) const
     switch (def.Kind) {
     case fkBoolean: return VarToBool(value) ? GetLanguageString(u"cSYes"_s) : QString();
     case fkFloat: return QLocale().toString(value.toDouble(), 'f', 2);
-    case fkDate: return value.typeId() == QMetaType::QDate ? QLocale().toString(value.toDate(), QLocale::ShortFormat)
-                                                           : VarToStr(value);
+    case fkDate:
+        return value.typeId() == QMetaType::QDate ? QLocale().toString(value.toDate(), QLocale::ShortFormat)
+                                                  : VarToStr(value);
     default: return VarToStr(value);
     }
 }
@@ -160,7 +161,8 @@ QVariant TReleasesModel::data(const QModelIndex& index, int role) const
     if (role > Qt::UserRole)
         return RoleData(index.row(), role);
     if (role == Qt::DisplayRole || role == Qt::AccessibleTextRole)
-        return index.column() == 0 ? RoleData(index.row(), rrTitle) : DisplayData(index.row(), FFields[index.column() - 1]);
+        return index.column() == 0 ? RoleData(index.row(), rrTitle)
+                                   : DisplayData(index.row(), FFields[index.column() - 1]);
     if (role == Qt::TextAlignmentRole && KindOf(index.column()) == ckNumber)
         return QVariant::fromValue(Qt::AlignRight | Qt::AlignVCenter);
     return {};
@@ -177,7 +179,8 @@ TCellKind TReleasesModel::KindOf(int column) const
         return ckStatus;
     if (field.Name == "CountryCode"_L1)
         return ckCountry;
-    const bool number = field.Kind == fkInteger || field.Kind == fkFloat || field.Kind == fkDate || field.Kind == fkDateTime;
+    const bool number =
+        field.Kind == fkInteger || field.Kind == fkFloat || field.Kind == fkDate || field.Kind == fkDateTime;
     return number ? ckNumber : ckText;
 }
 
