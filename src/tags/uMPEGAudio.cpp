@@ -168,7 +168,7 @@ void DeriveTimes(TMPEGInfo& info, qint64 audioEnd)
     if (info.FrameCount == 0) {
         info.BitRate = frame.BitRate;
         info.PlayTime = static_cast<double>(audioSize) * 8 / frame.BitRate;
-        info.SampleCount = std::llround(info.PlayTime * frame.SampleRate);
+        info.SampleCount = SampleCountOf(info.PlayTime, frame.SampleRate);
         return;
     }
     info.SampleCount = static_cast<qint64>(info.FrameCount) * frame.Samples;
