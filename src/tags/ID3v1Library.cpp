@@ -36,9 +36,11 @@ qint64 Digits(QByteArrayView bytes)
 qint64 ID3v1TagSize(TByteSource& source)
 {
     char magic[3];
-    const bool there = source.Size() >= TagSize && source.ReadAt(source.Size() - TagSize, magic, 3) == 3 &&
-                       QByteArrayView(magic, 3) == "TAG";
-    return there ? TagSize : 0;
+    const qint64 start = source.Size() - TagSize;
+    if (start < 0 || source.ReadAt(start, magic, 3) != 3 || QByteArrayView(magic, 3) != "TAG")
+        return 0;
+    // The mark of an APEv2 tag holds these letters, too: its header may stand just here.
+    return source.Read(start - 3, 8) == "APETAGEX" ? 0 : TagSize;
 }
 
 void TID3v1Tag::Clear()
