@@ -363,12 +363,16 @@ TEST(TagsFormats, EveryPrefixOfEveryFormatIsReadWithoutHarm)
         SCOPED_TRACE(testing::Message() << seed.Reader << " " << seed.FileName);
         TTags whole;
         const QString name = QString::fromUtf8(seed.FileName);
-        LoadAll(whole, dir.Write(name, seed.Bytes));
+        const QString path = dir.Write(name, seed.Bytes);
+        LoadAll(whole, path);
         EXPECT_GT(whole.Count() + whole.SourceAudioAttributes().Channels(), 0);
         int most = 0;
-        for (qsizetype length = 0; length < seed.Bytes.size(); length += length < 600 ? 1 : 17) {
+        for (qsizetype length = seed.Bytes.size(); length-- > 0;) {
+            if (length > 600 && length % 17 != 0)
+                continue;
+            std::filesystem::resize_file(path.toStdString(), static_cast<std::uintmax_t>(length));
             TTags tags;
-            ASSERT_EQ(LoadAll(tags, dir.Write(name, seed.Bytes.left(length))), 0);
+            ASSERT_EQ(LoadAll(tags, path), 0);
             for (const auto& tag : tags.Tags()) {
                 const int index = whole.Exists(tag->Name);
                 // a value that was cut must be a beginning of the whole one, not something else
@@ -376,7 +380,7 @@ TEST(TagsFormats, EveryPrefixOfEveryFormatIsReadWithoutHarm)
             }
             most = std::max(most, tags.Count());
         }
-        if (!seed.Bytes.endsWith("sound") && qstrcmp(seed.Reader, "id3v2") == 0) {
+        if (whole.Count() > 1 && qstrcmp(seed.Reader, "id3v2") == 0) {
             EXPECT_GT(most, 0) << "what came before the cut is kept";
         }
     }
