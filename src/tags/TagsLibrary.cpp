@@ -20,7 +20,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <ranges>
 
 namespace Kestrune {
 
@@ -175,8 +174,8 @@ void TTags::LoadSpecialAttributes(TByteSource& source, const QString& extension)
 
 void TTags::LoadTags()
 {
-    for (const TTagType type : std::views::reverse(TagLoadPriority))
-        LoadEntry(type);
+    for (auto type = TagLoadPriority.rbegin(); type != TagLoadPriority.rend(); ++type)
+        LoadEntry(*type);
 }
 
 TTagBatch TTags::BatchOfType(TTagType type) const

@@ -14,8 +14,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 FooterSize = 32; // of header and footer alike
-constexpr QByteArrayView Magic("APETAGEX", 8);
+constexpr qint64 ApeFooterSize = 32; // of header and footer alike
+constexpr QByteArrayView ApeMagic("APETAGEX", 8);
 constexpr quint32 HasHeaderFlag = 0x80000000;
 constexpr quint32 IsHeaderFlag = 0x20000000;
 
@@ -28,11 +28,11 @@ struct TAPEFooter {
 
 bool ReadFooter(TByteSource& source, qint64 position, TAPEFooter& footer)
 {
-    char bytes[FooterSize];
-    if (position < 0 || source.ReadAt(position, bytes, FooterSize) != FooterSize)
+    char bytes[ApeFooterSize];
+    if (position < 0 || source.ReadAt(position, bytes, ApeFooterSize) != ApeFooterSize)
         return false;
-    TByteReader reader(QByteArrayView(bytes, FooterSize));
-    if (reader.Bytes(8) != Magic)
+    TByteReader reader(QByteArrayView(bytes, ApeFooterSize));
+    if (reader.Bytes(8) != ApeMagic)
         return false;
     footer = {reader.U32LE(), reader.U32LE(), reader.U32LE(), reader.U32LE()};
     return true;
@@ -84,7 +84,7 @@ int TAPEv2Tag::Load(TByteSource& source)
     if (result != TagResultNoTag || !ReadFooter(source, 0, header) || (header.Flags & IsHeaderFlag) == 0)
         return result;
     Version = static_cast<int>(header.Version);
-    ReadItems(source.Read(FooterSize, header.Size), header.Count);
+    ReadItems(source.Read(ApeFooterSize, header.Size), header.Count);
     Loaded = true;
     return TagResultOk;
 }
@@ -92,14 +92,14 @@ int TAPEv2Tag::Load(TByteSource& source)
 int TAPEv2Tag::LoadEndingAt(TByteSource& source, qint64 end)
 {
     TAPEFooter footer;
-    if (!ReadFooter(source, end - FooterSize, footer) || (footer.Flags & IsHeaderFlag) != 0)
+    if (!ReadFooter(source, end - ApeFooterSize, footer) || (footer.Flags & IsHeaderFlag) != 0)
         return TagResultNoTag;
     // Without its true size a tag's start is unknown, and the items cannot be told from the sound.
-    if (footer.Size < FooterSize || footer.Size > end)
+    if (footer.Size < ApeFooterSize || footer.Size > end)
         return TagResultCorrupt;
     Version = static_cast<int>(footer.Version);
-    ReadItems(source.Read(end - footer.Size, footer.Size - FooterSize), footer.Count);
-    Size = footer.Size + ((footer.Flags & HasHeaderFlag) != 0 ? FooterSize : 0);
+    ReadItems(source.Read(end - footer.Size, footer.Size - ApeFooterSize), footer.Count);
+    Size = footer.Size + ((footer.Flags & HasHeaderFlag) != 0 ? ApeFooterSize : 0);
     Size = std::min(Size, end);
     Loaded = true;
     return TagResultOk;

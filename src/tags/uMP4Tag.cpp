@@ -16,9 +16,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr quint32 TypeUtf8 = 1;
-constexpr quint32 TypeUtf16 = 2;
-constexpr quint32 TypePicture[] = {12, 13, 14, 27}; // GIF, JPEG, PNG, BMP
+constexpr quint32 MP4TypeUtf8 = 1;
+constexpr quint32 MP4TypeUtf16 = 2;
+constexpr quint32 MP4TypePicture[] = {12, 13, 14, 27}; // GIF, JPEG, PNG, BMP
 
 quint64 BigEndianNumber(QByteArrayView bytes)
 {
@@ -38,11 +38,11 @@ bool IsPlainText(QByteArrayView bytes)
 QString TextOfData(const TMP4Data& data)
 {
     const QByteArrayView bytes(data.Bytes);
-    if (data.Type == TypeUtf8)
+    if (data.Type == MP4TypeUtf8)
         return DecodeText(bytes, teUTF8);
-    if (data.Type == TypeUtf16)
+    if (data.Type == MP4TypeUtf16)
         return DecodeText(bytes, teUTF16BE);
-    if (std::ranges::find(TypePicture, data.Type) != std::end(TypePicture))
+    if (std::ranges::find(MP4TypePicture, data.Type) != std::end(MP4TypePicture))
         return {};
     const bool isNumber =
         bytes.size() == 1 || bytes.size() == 2 || bytes.size() == 3 || bytes.size() == 4 || bytes.size() == 8;

@@ -7,12 +7,12 @@ namespace Kestrune {
 
 namespace {
 
-constexpr int SampleRates[] = {44100, 48000, 37800, 32000};
-constexpr qint64 SamplesPerFrame = 1152;
+constexpr int MusepackRates[] = {44100, 48000, 37800, 32000};
+constexpr qint64 MusepackFrameSamples = 1152;
 constexpr qint64 DecoderDelay = 576; // half a frame that no stream before the exact ones accounts for
 
 // Number of SV8: seven bits a byte, most significant first.
-quint64 ReadNumber(TByteReader& reader)
+quint64 ReadMusepackNumber(TByteReader& reader)
 {
     quint64 value = 0;
     for (int i = 0; i < 9; ++i) {
@@ -54,21 +54,21 @@ bool TMPEGplus::LoadSV8(TByteSource& source, qint64 position)
         const QByteArray bytes = source.Read(position, 64);
         TByteReader reader(bytes);
         const QByteArrayView key = reader.Bytes(2);
-        const quint64 size = ReadNumber(reader);
+        const quint64 size = ReadMusepackNumber(reader);
         if (reader.Failed() || size < static_cast<quint64>(reader.Position()) ||
             size > static_cast<quint64>(source.Size() - position))
             return false;
         if (key == "SH") {
             reader.Skip(4);
             StreamVersion = reader.U8();
-            const quint64 samples = ReadNumber(reader);
-            const quint64 silence = ReadNumber(reader);
+            const quint64 samples = ReadMusepackNumber(reader);
+            const quint64 silence = ReadMusepackNumber(reader);
             const quint8 rate = reader.U8();
             const quint8 channels = reader.U8();
-            if (reader.Failed() || rate >> 5 >= static_cast<int>(std::size(SampleRates)))
+            if (reader.Failed() || rate >> 5 >= static_cast<int>(std::size(MusepackRates)))
                 return false;
             Audio.SampleCount = static_cast<qint64>(std::min<quint64>(samples - std::min(samples, silence), INT64_MAX));
-            Audio.SamplesPerSec = SampleRates[rate >> 5];
+            Audio.SamplesPerSec = MusepackRates[rate >> 5];
             Audio.Channels = (channels >> 4) + 1;
             return true;
         }
@@ -90,11 +90,11 @@ bool TMPEGplus::LoadSV7(QByteArrayView header)
     const quint32 last = reader.U32LE();
     if (reader.Failed() || StreamVersion < 7)
         return false;
-    Audio.SamplesPerSec = SampleRates[flags >> 16 & 3];
+    Audio.SamplesPerSec = MusepackRates[flags >> 16 & 3];
     Audio.Channels = 2;
     const bool exact = (last & 0x80000000) != 0;
-    Audio.SampleCount = exact ? (static_cast<qint64>(frames) - 1) * SamplesPerFrame + (last >> 20 & 0x7FF)
-                              : static_cast<qint64>(frames) * SamplesPerFrame - DecoderDelay;
+    Audio.SampleCount = exact ? (static_cast<qint64>(frames) - 1) * MusepackFrameSamples + (last >> 20 & 0x7FF)
+                              : static_cast<qint64>(frames) * MusepackFrameSamples - DecoderDelay;
     Audio.SampleCount = std::max<qint64>(Audio.SampleCount, 0);
     return true;
 }
@@ -115,7 +115,7 @@ bool TMPEGplus::LoadSV4To6(QByteArrayView header)
         frames = std::max<qint64>(frames - 1, 0);
     Audio.SamplesPerSec = 44100;
     Audio.Channels = 2;
-    Audio.SampleCount = std::max<qint64>(frames * SamplesPerFrame - DecoderDelay, 0);
+    Audio.SampleCount = std::max<qint64>(frames * MusepackFrameSamples - DecoderDelay, 0);
     Audio.BitRate = static_cast<qint64>(first >> 23 & 0x1FF) * 1000;
     return true;
 }

@@ -9,14 +9,14 @@ namespace Kestrune {
 
 namespace {
 
-constexpr qint64 BlockHeaderSize = 32;
+constexpr qint64 WavPackHeaderSize = 32;
 constexpr quint32 FlagMono = 0x4;
 constexpr quint32 FlagHybrid = 0x8;
 constexpr quint32 FlagInitial = 0x800;
 constexpr quint32 FlagFinal = 0x1000;
 constexpr quint32 FlagDSD = 0x80000000;
-constexpr int SampleRates[] = {6000,  8000,  9600,  11025, 12000, 16000, 22050, 24000,
-                               32000, 44100, 48000, 64000, 88200, 96000, 192000};
+constexpr int WavPackRates[] = {6000,  8000,  9600,  11025, 12000, 16000, 22050, 24000,
+                                32000, 44100, 48000, 64000, 88200, 96000, 192000};
 
 struct TWavPackBlock {
     qint64 Body = 0;
@@ -28,12 +28,12 @@ struct TWavPackBlock {
     quint32 Flags = 0;
 };
 
-std::optional<TWavPackBlock> ReadBlock(TByteSource& source, qint64 position)
+std::optional<TWavPackBlock> ReadWavPackBlock(TByteSource& source, qint64 position)
 {
-    char bytes[BlockHeaderSize];
-    if (source.ReadAt(position, bytes, BlockHeaderSize) != BlockHeaderSize)
+    char bytes[WavPackHeaderSize];
+    if (source.ReadAt(position, bytes, WavPackHeaderSize) != WavPackHeaderSize)
         return std::nullopt;
-    TByteReader reader(QByteArrayView(bytes, BlockHeaderSize));
+    TByteReader reader(QByteArrayView(bytes, WavPackHeaderSize));
     if (reader.Bytes(4) != "wvpk")
         return std::nullopt;
     TWavPackBlock block;
@@ -45,13 +45,13 @@ std::optional<TWavPackBlock> ReadBlock(TByteSource& source, qint64 position)
     const quint32 index = reader.U32LE();
     block.Samples = reader.U32LE();
     block.Flags = reader.U32LE();
-    if (block.Version < 0x402 || block.Version > 0x410 || size < BlockHeaderSize - 8)
+    if (block.Version < 0x402 || block.Version > 0x410 || size < WavPackHeaderSize - 8)
         return std::nullopt;
     // 40 bits; one high step is 2^32 - 1, since all ones below mean an unknown total
     if (total != 0xFFFFFFFF)
         block.TotalSamples = total + (static_cast<qint64>(totalHigh) << 32) - totalHigh;
     block.Index = index + (static_cast<qint64>(indexHigh) << 32);
-    block.Body = position + BlockHeaderSize;
+    block.Body = position + WavPackHeaderSize;
     block.End = position + 8 + size;
     return block;
 }
@@ -62,7 +62,7 @@ struct TWavPackExtra {
 };
 
 // Sub-blocks with a sampling rate outside the table and with the factor of a DSD rate.
-TWavPackExtra ReadSubBlocks(TByteSource& source, const TWavPackBlock& block)
+TWavPackExtra ReadWavPackSubBlocks(TByteSource& source, const TWavPackBlock& block)
 {
     constexpr qint64 far = 4096; // the small ones come first
     TWavPackExtra extra;
@@ -92,7 +92,7 @@ qint64 SamplesFromEnd(TByteSource& source, qint64 end)
     const qint64 start = std::max<qint64>(0, end - far);
     const QByteArray bytes = source.Read(start, end - start);
     for (qsizetype at = bytes.lastIndexOf("wvpk"); at >= 0; at = at > 0 ? bytes.lastIndexOf("wvpk", at - 1) : -1)
-        if (const auto block = ReadBlock(source, start + at); block && block->Samples > 0)
+        if (const auto block = ReadWavPackBlock(source, start + at); block && block->Samples > 0)
             return block->Index + block->Samples;
     return 0;
 }
@@ -102,15 +102,15 @@ qint64 SamplesFromEnd(TByteSource& source, qint64 end)
 bool TWAVPackfile::Load(TByteSource& source, qint64 tagSize)
 {
     *this = {};
-    const auto first = ReadBlock(source, 0);
+    const auto first = ReadWavPackBlock(source, 0);
     if (!first)
         return false;
     Version = first->Version;
     IsDSD = (first->Flags & FlagDSD) != 0;
     IsHybrid = (first->Flags & FlagHybrid) != 0;
-    const TWavPackExtra extra = ReadSubBlocks(source, *first);
+    const TWavPackExtra extra = ReadWavPackSubBlocks(source, *first);
     const quint32 rateIndex = first->Flags >> 23 & 15;
-    Audio.SamplesPerSec = rateIndex < std::size(SampleRates) ? SampleRates[rateIndex] : extra.Rate;
+    Audio.SamplesPerSec = rateIndex < std::size(WavPackRates) ? WavPackRates[rateIndex] : extra.Rate;
     Audio.BitsPerSample = static_cast<int>((first->Flags & 3) + 1) * 8 - static_cast<int>(first->Flags >> 13 & 31);
     // More than two channels stand in several blocks of one or two each.
     auto block = first;
@@ -118,7 +118,7 @@ bool TWAVPackfile::Load(TByteSource& source, qint64 tagSize)
         Audio.Channels += (block->Flags & FlagMono) != 0 ? 1 : 2;
         if ((block->Flags & FlagFinal) != 0)
             break;
-        block = ReadBlock(source, block->End);
+        block = ReadWavPackBlock(source, block->End);
         if (block && (block->Flags & FlagInitial) != 0)
             break;
     }

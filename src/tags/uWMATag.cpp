@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // Object identifiers in the order of their bytes.
-constexpr QByteArrayView HeaderObject("\x30\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C", 16);
+constexpr QByteArrayView AsfHeaderObject("\x30\x26\xB2\x75\x8E\x66\xCF\x11\xA6\xD9\x00\xAA\x00\x62\xCE\x6C", 16);
 constexpr QByteArrayView FilePropertiesObject("\xA1\xDC\xAB\x8C\x47\xA9\xCF\x11\x8E\xE4\x00\xC0\x0C\x20\x53\x65", 16);
 constexpr QByteArrayView StreamPropertiesObject("\x91\x07\xDC\xB7\xB7\xA9\xCF\x11\x8E\xE6\x00\xC0\x0C\x20\x53\x65", 16);
 constexpr QByteArrayView AudioMedia("\x40\x9E\x69\xF8\x4D\x5B\xCF\x11\xA8\xFD\x00\x80\x5F\x5C\x44\x2B", 16);
@@ -24,11 +24,11 @@ constexpr QByteArrayView ExtendedContentObject("\x40\xA4\xD0\xD2\x07\xE3\xD2\x11
 constexpr QByteArrayView MetadataObject("\xEA\xCB\xF8\xC5\xAF\x5B\x77\x48\x84\x67\xAA\x8C\x44\xFA\x4C\xCA", 16);
 constexpr QByteArrayView MetadataLibraryObject("\x94\x1C\x23\x44\x98\x94\xD1\x49\xA1\x41\x1D\x13\x4E\x45\x70\x54", 16);
 
-constexpr qint64 HeaderSize = 30;       // of the header object, before its objects
+constexpr qint64 AsfHeaderSize = 30;    // of the header object, before its objects
 constexpr qint64 ObjectHeaderSize = 24; // identifier and size
 
-constexpr quint16 TypeText = 0;
-constexpr quint16 TypeBytes = 1;
+constexpr quint16 AsfTypeText = 0;
+constexpr quint16 AsfTypeBytes = 1;
 
 QString TextOfBytes(QByteArrayView bytes)
 {
@@ -50,7 +50,7 @@ QString NumberOfBytes(QByteArrayView bytes)
 
 } // namespace
 
-bool IsASF(TByteSource& source) { return source.Read(0, 16) == HeaderObject; }
+bool IsASF(TByteSource& source) { return source.Read(0, 16) == AsfHeaderObject; }
 
 void TWMATag::Clear()
 {
@@ -74,7 +74,7 @@ int TWMATag::Load(TByteSource& source)
     const QByteArray head = source.Read(16, 8);
     const quint64 stated = TByteReader(head).U64LE();
     const auto size = static_cast<qint64>(std::min<quint64>(stated, static_cast<quint64>(source.Size())));
-    const QByteArray body = source.Read(HeaderSize, size - HeaderSize);
+    const QByteArray body = source.Read(AsfHeaderSize, size - AsfHeaderSize);
     ReadObjects(body, 0);
     Audio.PlayTime = static_cast<double>(Duration) / 1000;
     Audio.SampleCount = SampleCountOf(Audio.PlayTime, Audio.SamplesPerSec);
@@ -142,7 +142,7 @@ void TWMATag::ReadContentDescription(QByteArrayView bytes)
         size = reader.U16LE();
     static constexpr QStringView names[] = {u"Title", u"Author", u"Copyright", u"Description", u"Rating"};
     for (int i = 0; i < 5; ++i)
-        AddAttribute(names[i].toString(), TypeText, reader.Bytes(std::min<qint64>(sizes[i], reader.Left())));
+        AddAttribute(names[i].toString(), AsfTypeText, reader.Bytes(std::min<qint64>(sizes[i], reader.Left())));
 }
 
 void TWMATag::ReadExtendedContent(QByteArrayView bytes)
@@ -177,12 +177,12 @@ void TWMATag::ReadMetadata(QByteArrayView bytes)
 
 void TWMATag::AddAttribute(const QString& name, quint16 type, QByteArrayView value)
 {
-    if (type == TypeBytes) {
+    if (type == AsfTypeBytes) {
         if (name == u"WM/Picture"_s && ParseCoverArts)
             AddPicture(value);
         return;
     }
-    const QString text = type == TypeText ? TextOfBytes(value) : NumberOfBytes(value);
+    const QString text = type == AsfTypeText ? TextOfBytes(value) : NumberOfBytes(value);
     if (!name.isEmpty() && !text.isEmpty())
         Attributes.push_back({name, text});
 }
