@@ -6,6 +6,7 @@
 #include <QDateTime>
 
 #include <algorithm>
+#include <span>
 
 namespace Kestrune {
 
@@ -68,6 +69,30 @@ TVariant ConvertToKind(const TVariant& value, TFieldKind kind)
     return {};
 }
 
+struct TDefaultRow {
+    QLatin1StringView Field;
+    TVariant (*Value)(const TDefaultValues& values);
+};
+
+constexpr TDefaultRow DefaultRows[] = {
+    {"Currency"_L1, [](const TDefaultValues& values) { return TVariant(values.Currency); }},
+    {"Quantity"_L1, [](const TDefaultValues& values) { return TVariant(values.Quantity); }},
+    {"CountryCode"_L1, [](const TDefaultValues& values) { return TVariant(values.Country); }},
+    {"MediaType"_L1, [](const TDefaultValues& values) { return TVariant(values.MediaType); }},
+    {"Rating_Calc"_L1, [](const TDefaultValues& values) { return TVariant(values.Rating / 2.0); }},
+    {"Condition"_L1, [](const TDefaultValues& values) { return TVariant(values.Condition); }},
+    {"ConditionMedia"_L1, [](const TDefaultValues& values) { return TVariant(values.MediaCondition); }},
+    {"Status"_L1, [](const TDefaultValues& values) { return TVariant(values.Status); }},
+    {"OwnerId"_L1, [](const TDefaultValues& values) { return TVariant(values.Owner); }},
+    {"Channels"_L1, [](const TDefaultValues& values) { return TVariant(values.Channels); }},
+    {"Genre"_L1, [](const TDefaultValues& values) { return TVariant(values.Genre); }},
+    {"Spars"_L1, [](const TDefaultValues& values) { return TVariant(values.Spars); }},
+    {"PurchaseStore"_L1, [](const TDefaultValues& values) { return TVariant(values.PurchaseStore); }},
+    {"Location"_L1, [](const TDefaultValues& values) { return TVariant(values.Location); }},
+    {"IsLive"_L1, [](const TDefaultValues& values) { return TVariant(values.IsLive); }},
+    {"IsRare"_L1, [](const TDefaultValues& values) { return TVariant(values.IsRare); }},
+};
+
 bool CountsAsEmpty(const TVariant& value)
 {
     if (VarIsNullOrEmpty(value))
@@ -95,27 +120,9 @@ TVariant TDataModuleMain::ApplyDefaultValue(const TVariant& value, const QString
 {
     if (!CountsAsEmpty(value))
         return value;
-    const TDefaultValues& values = Defaults().Values;
-    const std::pair<QLatin1StringView, TVariant> rows[] = {
-        {"Currency"_L1, values.Currency},
-        {"Quantity"_L1, values.Quantity},
-        {"CountryCode"_L1, values.Country},
-        {"MediaType"_L1, values.MediaType},
-        {"Rating_Calc"_L1, values.Rating / 2.0},
-        {"Condition"_L1, values.Condition},
-        {"ConditionMedia"_L1, values.MediaCondition},
-        {"Status"_L1, values.Status},
-        {"OwnerId"_L1, values.Owner},
-        {"Channels"_L1, values.Channels},
-        {"Genre"_L1, values.Genre},
-        {"Spars"_L1, values.Spars},
-        {"PurchaseStore"_L1, values.PurchaseStore},
-        {"Location"_L1, values.Location},
-        {"IsLive"_L1, values.IsLive},
-        {"IsRare"_L1, values.IsRare},
-    };
-    const auto* row = std::ranges::find(rows, fieldName, [](const auto& entry) { return QString(entry.first); });
-    return row == std::end(rows) ? value : row->second;
+    const auto rows = std::span(DefaultRows);
+    const auto row = std::ranges::find_if(rows, [&](const TDefaultRow& entry) { return fieldName == entry.Field; });
+    return row == rows.end() ? value : row->Value(Defaults().Values);
 }
 
 QByteArray TDataModuleMain::ThumbnailOf(const QByteArray& largePicture) const

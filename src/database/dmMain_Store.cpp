@@ -2,6 +2,9 @@
 #include "dmMain.h"
 #include "uThreads.h"
 
+#include <array>
+#include <span>
+
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
@@ -54,24 +57,47 @@ void CopyPictures(const TAlbumRelease& release, TDataset& cursor, std::span<cons
     }
 }
 
-void FillTrack(TDataset& cursor, const TAlbumTrack& track, const TAlbumRelease& release)
+// The fields of the track cursor, looked up once for all tracks of a release.
+struct TTrackFieldIndex {
+    explicit TTrackFieldIndex(const TDataset& cursor)
+    {
+        const auto at = [&](const char16_t* name) { return cursor.FieldIndex(QString::fromUtf16(name)); };
+        Artist = at(u"Artist");
+        TrackNo = at(u"TrackNo");
+        DiscNo = at(u"DiscNo");
+        TrackLength = at(u"TrackLength");
+        Bitrate = at(u"Bitrate");
+        Rating = at(u"Rating");
+        Genre = at(u"Genre");
+        BPM = at(u"BPM");
+        for (size_t i = 0; i < std::size(TrackTexts); ++i)
+            Texts[i] = at(TrackTexts[i].Column);
+        for (size_t i = 0; i < std::size(TrackFlags); ++i)
+            Flags[i] = at(TrackFlags[i].Column);
+    }
+    int Artist, TrackNo, DiscNo, TrackLength, Bitrate, Rating, Genre, BPM;
+    std::array<int, std::size(TrackTexts)> Texts;
+    std::array<int, std::size(TrackFlags)> Flags;
+};
+
+void FillTrack(TDataset& cursor, const TTrackFieldIndex& fields, const TAlbumTrack& track, const QString& releaseArtist,
+               const QString& releaseGenre)
 {
-    const QString artist = track.TrackArtist.isEmpty() ? VarToStr(release.GetItem2(u"Artist"_s)) : track.TrackArtist;
-    cursor.SetValue(u"Artist"_s, TextOrNull(artist));
-    cursor.SetValue(u"TrackNo"_s, track.TrackNo);
-    cursor.SetValue(u"DiscNo"_s, track.DiscNo);
-    for (const TTrackText& text : TrackTexts)
-        cursor.SetValue(QString::fromUtf16(text.Column), TextOrNull(track.*text.Field));
-    for (const TTrackFlag& flag : TrackFlags)
-        cursor.SetValue(QString::fromUtf16(flag.Column), track.*flag.Field);
-    cursor.SetValue(u"TrackLength"_s, track.DurationFrac > 0 ? track.DurationFrac : track.DurationSec / 86400.0);
+    cursor.SetValue(fields.Artist, TextOrNull(track.TrackArtist.isEmpty() ? releaseArtist : track.TrackArtist));
+    cursor.SetValue(fields.TrackNo, track.TrackNo);
+    cursor.SetValue(fields.DiscNo, track.DiscNo);
+    for (size_t i = 0; i < std::size(TrackTexts); ++i)
+        cursor.SetValue(fields.Texts[i], TextOrNull(track.*TrackTexts[i].Field));
+    for (size_t i = 0; i < std::size(TrackFlags); ++i)
+        cursor.SetValue(fields.Flags[i], track.*TrackFlags[i].Field);
+    cursor.SetValue(fields.TrackLength, track.DurationFrac > 0 ? track.DurationFrac : track.DurationSec / 86400.0);
     if (track.Bitrate > 0)
-        cursor.SetValue(u"Bitrate"_s, track.Bitrate);
-    cursor.SetValue(u"Rating"_s,
-                    track.Rating >= 1 ? track.Rating : TDataModuleMain::ApplyDefaultValue(0, u"Rating"_s).toInt());
-    const TVariant genre = TDataModuleMain::ApplyDefaultValue(release.GetItem2(u"Genre"_s), u"Genre"_s);
-    cursor.SetValue(u"Genre"_s, TextOrNull(track.TrackGenre.isEmpty() ? VarToStr(genre) : track.TrackGenre));
-    cursor.SetValue(u"BPM"_s, track.BPM != 0 ? track.BPM : TDataModuleMain::ApplyDefaultValue(TVariant(), u"BPM"_s));
+        cursor.SetValue(fields.Bitrate, track.Bitrate);
+    cursor.SetValue(fields.Rating,
+                    track.Rating >= 1 ? TVariant(track.Rating) : TDataModuleMain::ApplyDefaultValue(0, u"Rating"_s));
+    cursor.SetValue(fields.Genre, TextOrNull(track.TrackGenre.isEmpty() ? releaseGenre : track.TrackGenre));
+    cursor.SetValue(fields.BPM,
+                    track.BPM != 0 ? TVariant(track.BPM) : TDataModuleMain::ApplyDefaultValue(TVariant(), u"BPM"_s));
 }
 
 } // namespace
@@ -185,9 +211,12 @@ void TDataModuleMain::StoreTracks(const TAlbumRelease& release)
     if (release.Tracks.empty())
         return;
     qMusiciansPerTrack.SetMaster(&qTracksDetail);
+    const TTrackFieldIndex fields(qTracksDetail);
+    const QString artist = VarToStr(release.GetItem2(u"Artist"_s));
+    const QString genre = VarToStr(ApplyDefaultValue(release.GetItem2(u"Genre"_s), u"Genre"_s));
     for (const TAlbumTrack& track : release.Tracks) {
         qTracksDetail.Append();
-        FillTrack(qTracksDetail, track, release);
+        FillTrack(qTracksDetail, fields, track, artist, genre);
         qTracksDetail.Post();
         StoreCredits(qMusiciansPerTrack, track.Credits);
     }

@@ -213,22 +213,39 @@ void TDataset::Post()
         AfterPost(*this);
 }
 
+bool TDataset::IsWritten(size_t field) const
+{
+    const TFieldDef& def = FDef.Fields[field];
+    return !def.ReadOnly && !def.AutoIncrement && !def.Expression.isEmpty();
+}
+
+const QString& TDataset::InsertSQL(const std::vector<bool>& columns)
+{
+    QString& sql = FInsertSQL[columns];
+    if (!sql.isEmpty())
+        return sql;
+    QStringList names;
+    for (size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i])
+            names.append(Quoted(FDef.Fields[i].Name));
+    }
+    const QString marks = QString(u"?,"_s).repeated(names.size()).chopped(1);
+    sql = names.isEmpty() ? u"INSERT INTO %1 DEFAULT VALUES"_s.arg(FDef.Table)
+                          : u"INSERT INTO %1 (%2) VALUES (%3)"_s.arg(FDef.Table, names.join(u','), marks);
+    return sql;
+}
+
 void TDataset::InsertRecord()
 {
-    QStringList columns;
+    // Columns without a value are left out, so that the file's own defaults stand.
+    std::vector<bool> columns(FDef.Fields.size());
     std::vector<TVariant> values;
-    for (const TFieldDef& field : FDef.Fields) {
-        const TVariant& value = FBuffer[static_cast<size_t>(FieldIndex(field.Name))];
-        // Columns without a value are left out, so that the file's own defaults stand.
-        if (VarIsNull(value) || field.ReadOnly || field.AutoIncrement || field.Expression.isEmpty())
-            continue;
-        columns.append(Quoted(field.Name));
-        values.push_back(value);
+    for (size_t i = 0; i < FDef.Fields.size(); ++i) {
+        columns[i] = IsWritten(i) && !VarIsNull(FBuffer[i]);
+        if (columns[i])
+            values.push_back(FBuffer[i]);
     }
-    const QString marks = QString(u"?,"_s).repeated(columns.size()).chopped(1);
-    const QString sql = columns.isEmpty()
-                            ? u"INSERT INTO %1 DEFAULT VALUES"_s.arg(FDef.Table)
-                            : u"INSERT INTO %1 (%2) VALUES (%3)"_s.arg(FDef.Table, columns.join(u','), marks);
+    const QString& sql = InsertSQL(columns);
     TSQLiteStatement& statement = FConnection.Cached(sql);
     statement.BindAll(values);
     statement.Execute();
@@ -256,7 +273,7 @@ void TDataset::UpdateRecord()
     std::vector<TVariant> values;
     for (size_t i = 0; i < FDef.Fields.size(); ++i) {
         const TFieldDef& field = FDef.Fields[i];
-        if (!FChanged[i] || field.ReadOnly || field.AutoIncrement || field.Expression.isEmpty())
+        if (!FChanged[i] || !IsWritten(i))
             continue;
         terms.append(Quoted(field.Name) + u"=?"_s);
         values.push_back(FBuffer[i]);

@@ -11,6 +11,7 @@
 #include <QString>
 
 #include <functional>
+#include <map>
 #include <vector>
 
 namespace Kestrune {
@@ -132,6 +133,8 @@ protected:
 
 private:
     TVariant Computed(const TRecord& record, int field) const;
+    bool IsWritten(size_t field) const;
+    const QString& InsertSQL(const std::vector<bool>& columns);
     void InsertRecord();
     void UpdateRecord();
 
@@ -147,6 +150,7 @@ private:
     int FControlsDisabled = 0;
     TRecord FBuffer;
     std::vector<bool> FChanged;
+    std::map<std::vector<bool>, QString> FInsertSQL; // by the columns that have a value
 };
 
 /// A cursor that holds all its records: the children of one release, the friends, the loans. With a master it

@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr size_t MaxCachedStatements = 200;
-constexpr sqlite3_int64 MapSize = sqlite3_int64(8) << 30;
+constexpr qint64 MapSize = 0x7fff0000; // the most that the engine maps
 
 [[noreturn]] void ThrowEngineError(sqlite3* connection, int code, const QString& what)
 {
@@ -255,12 +255,8 @@ void TSQLiteConnection::BackupTo(const QString& path)
 
 void TSQLiteConnection::ReleaseFileMap()
 {
-    if (!FConnection)
-        return;
-    sqlite3_int64 size = 0;
-    sqlite3_file_control(FConnection, "main", SQLITE_FCNTL_MMAP_SIZE, &size);
-    size = MapSize;
-    sqlite3_file_control(FConnection, "main", SQLITE_FCNTL_MMAP_SIZE, &size);
+    if (FConnection)
+        Exec(u"PRAGMA mmap_size = 0; PRAGMA mmap_size = %1"_s.arg(MapSize));
 }
 
 TSQLiteTransaction::TSQLiteTransaction(TSQLiteConnection& connection)
