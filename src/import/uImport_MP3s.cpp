@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uImport_MP3s.h"
 
-#include "uCueSheet.h"
-#include "uDebugLog.h"
 #include "uDefaults.h"
-#include "uFolderNames.h"
 #include "uFolderScan.h"
-#include "uMP3File.h"
-#include "uMP3Release.h"
+#include "uMP3Folder.h"
 #include "uTHStrings.h"
 
-#include <algorithm>
-#include <exception>
-#include <optional>
+#include <future>
+#include <vector>
 
 namespace Kestrune {
 
@@ -54,105 +49,49 @@ QString TKRNImporter_MP3s::GetSelectSourceDescription()
 void TKRNImporter_MP3s::Import()
 {
     const TControlsOff controlsOff(*this);
+    FOptions.Pictures = JobType() == ijtImport;
     TFolderLists lists = CollectFolderFiles(InputPath(), StopToken());
     MergeDiscFolders(lists);
     for (const QStringList& list : lists)
         FFilesCount += static_cast<int>(list.size());
-    for (const QStringList& list : lists) {
-        if (Terminated())
-            break;
-        ImportFolder(list);
+    // While the main thread stores one folder, a helper reads the next.
+    const auto read = [&](size_t i) { return ReadFolder(lists[i], FOptions); };
+    std::future<std::vector<TFolderStep>> ahead;
+    for (size_t i = 0; i < lists.size() && !Terminated(); ++i) {
+        const std::vector<TFolderStep> steps = ahead.valid() ? ahead.get() : read(i);
+        if (i + 1 < lists.size())
+            ahead = std::async(std::launch::async, read, i + 1);
+        for (const TFolderStep& step : steps)
+            TakeStep(step);
     }
     DoOnImportDone(FReleasesCount, FPosition);
 }
 
-// Of all pictures of a folder the first is shown, and the others would only fill the memory. A cue sheet may start
-// with any of the files, so that each keeps its picture until the sheet is applied.
-bool TKRNImporter_MP3s::TFolder::WantsCover() const
+void TKRNImporter_MP3s::TakeStep(const TFolderStep& step)
 {
-    return !CueFile.isEmpty() || std::ranges::all_of(Tracks, [](const auto& track) { return track.Cover.isEmpty(); });
+    if (step.Release)
+        TakeRelease(*step.Release);
+    if (!step.FailedFile.isEmpty())
+        DoOnFileError(step.FailedFile, step.Failure);
+    if (!step.Text.isEmpty())
+        FLastText = step.Text;
+    if (step.FileDone)
+        DoOnProgress(++FPosition, FFilesCount, false, FLastText);
 }
 
-void TKRNImporter_MP3s::ImportFolder(const QStringList& files)
+void TKRNImporter_MP3s::TakeRelease(const TAlbumRelease& release)
 {
-    TFolder folder;
-    for (const QString& path : files) {
-        if (IsDiscImage(path))
-            ImportImage(path);
-        else
-            ScanFile(path, folder);
-    }
-    // The sheet inside a file speaks for the whole album only when that file is the whole album.
-    if (files.size() > 1)
-        folder.EmbeddedCue.clear();
-    AddRelease(CutByCueSheet(folder));
-}
-
-void TKRNImporter_MP3s::ImportImage(const QString& image)
-{
-    TKRN_MP3_Tracks tracks;
-    try {
-        if (FOptions.ReadDiscImage)
-            tracks = FOptions.ReadDiscImage(image);
-    } catch (const std::exception& failure) {
-        DebugLog(u"ProcessISO error: "_s + QString::fromUtf8(failure.what()));
-        DoOnFileError(image, QString::fromUtf8(failure.what()));
-    }
-    AddRelease(tracks);
-    MoveProgress(FileNameOf(image));
-}
-
-void TKRNImporter_MP3s::ScanFile(const QString& path, TFolder& folder)
-{
-    try {
-        auto result = ProcessFile(path, FOptions, folder.WantsCover());
-        if (auto* file = std::get_if<TScannedFile>(&result)) {
-            TKRN_MP3_Track& track = file->Track;
-            if (track.DiscNo == 0)
-                track.DiscNo = DiscNumberFromFolderName(FileNameOf(FolderOf(path)));
-            FLastText = u"%1 - %2 - %3"_s.arg(track.Artist, track.Album, track.Title);
-            if (folder.Tracks.empty())
-                folder.CueFile = FindCueSheet(path);
-            folder.EmbeddedCue = std::move(file->CueSheet);
-            folder.Tracks.push_back(std::move(track));
-        } else {
-            DoOnFileError(path, std::get<TFileFailure>(result).Sentence);
-        }
-    } catch (const std::exception& failure) {
-        DebugLog(u"ProcessFile error: "_s + QString::fromUtf8(failure.what()));
-        DoOnFileError(path, QString::fromUtf8(failure.what()));
-    }
-    MoveProgress(FLastText);
-}
-
-TKRN_MP3_Tracks TKRNImporter_MP3s::CutByCueSheet(TFolder& folder)
-{
-    std::optional<TCueSheet> sheet;
-    if (!folder.CueFile.isEmpty())
-        sheet = LoadCueSheet(folder.CueFile);
-    else if (!folder.EmbeddedCue.isEmpty())
-        sheet = ParseCueSheet(folder.EmbeddedCue);
-    if (sheet && sheet->Tracks.size() >= 2) {
-        if (TKRN_MP3_Tracks cut = ApplyCueSheet(*sheet, folder.Tracks); !cut.empty())
-            return cut;
-    }
-    return std::move(folder.Tracks);
-}
-
-void TKRNImporter_MP3s::AddRelease(const TKRN_MP3_Tracks& tracks)
-{
-    if (tracks.empty() || !IsWanted(ReleaseFolderOf(tracks.front())))
+    const TVariant key = release[u"FolderPath"_s];
+    if (!IsWanted(key))
         return;
-    if (JobType() == ijtGetReleasesList) {
-        const TKRN_MP3_Track& first = tracks.front();
-        DoOnReleaseFound(ReleaseFolderOf(first), ReleaseArtistOf(tracks, FOptions.VariousArtists), first.Album,
-                         first.Year > 0 ? QString::number(first.Year) : QString(), static_cast<int>(tracks.size()));
+    if (JobType() == ijtImport) {
+        StoreRelease(release, true);
     } else {
-        StoreRelease(*CreateReleaseFromTracks(tracks, FOptions), true);
+        const QString year = VarToStr(release[u"ReleaseYear"_s]);
+        DoOnReleaseFound(key, VarToStr(release[u"Artist"_s]), VarToStr(release[u"ReleaseName"_s]),
+                         year == "0"_L1 ? QString() : year, static_cast<int>(release.Tracks.size()));
     }
     ++FReleasesCount;
 }
-
-void TKRNImporter_MP3s::MoveProgress(const QString& text) { DoOnProgress(++FPosition, FFilesCount, false, text); }
 
 } // namespace Kestrune

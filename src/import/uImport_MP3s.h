@@ -5,11 +5,12 @@
 #include "uMP3Options.h"
 
 #include <QString>
-#include <QStringList>
 
 #include <utility>
 
 namespace Kestrune {
+
+struct TFolderStep;
 
 /// Folders of audio files: each folder becomes a release, disc folders of one parent one release together. The input
 /// is one or more folders and files, joined by "|". A listing job names the releases with their folders as keys.
@@ -35,20 +36,8 @@ protected:
     void Import() override;
 
 private:
-    // What one folder has given so far.
-    struct TFolder {
-        TKRN_MP3_Tracks Tracks;
-        QString CueFile;     // beside the first track
-        QString EmbeddedCue; // text of the last file's own sheet
-        bool WantsCover() const;
-    };
-
-    void ImportFolder(const QStringList& files);
-    void ImportImage(const QString& image);
-    void ScanFile(const QString& path, TFolder& folder);
-    static TKRN_MP3_Tracks CutByCueSheet(TFolder& folder);
-    void AddRelease(const TKRN_MP3_Tracks& tracks);
-    void MoveProgress(const QString& text);
+    void TakeStep(const TFolderStep& step);
+    void TakeRelease(const TAlbumRelease& release);
 
     TMP3ScanOptions FOptions;
     // Worker thread only.

@@ -16,6 +16,7 @@ using TStreamLengthReader = std::function<double(const QString& file)>;
 
 /// What a folder scan must know of the settings and the language: a copy, since both belong to the main thread.
 struct TMP3ScanOptions {
+    bool Pictures = true; ///< false leaves all pictures out, as for a list
     bool FindCovers = true;
     bool BackCover = true;
     bool MediaCover = true;

@@ -19,6 +19,22 @@ namespace {
 // A scan of a whole poster has some tens of megabytes; beyond that a file named like a picture is something else.
 constexpr qint64 LargestCover = 64 * 1024 * 1024;
 
+// The folder of the first track, or the one above when that is a disc folder.
+QString ReleaseFolderOf(const TKRN_MP3_Track& firstTrack)
+{
+    const QString folder = FolderOf(firstTrack.FilePath);
+    return DiscNumberFromFolderName(FileNameOf(folder)) > 0 ? FolderOf(folder) : folder;
+}
+
+// Upper and lower case make different artists.
+QString ReleaseArtistOf(const TKRN_MP3_Tracks& tracks, const QString& various)
+{
+    const QString& first = tracks.front().Artist;
+    const bool mixed =
+        std::ranges::any_of(tracks, [&](const auto& t) { return !t.Artist.isEmpty() && t.Artist != first; });
+    return mixed ? various : first;
+}
+
 void SetFields(TAlbumRelease& release, const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options)
 {
     const TKRN_MP3_Track& first = tracks.front();
@@ -108,28 +124,8 @@ void AddFoundPictures(TAlbumRelease& release, const TMP3ScanOptions& options)
     }
 }
 
-} // namespace
-
-QString ReleaseFolderOf(const TKRN_MP3_Track& firstTrack)
+void AddPictures(TAlbumRelease& release, const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options)
 {
-    const QString folder = FolderOf(firstTrack.FilePath);
-    return DiscNumberFromFolderName(FileNameOf(folder)) > 0 ? FolderOf(folder) : folder;
-}
-
-QString ReleaseArtistOf(const TKRN_MP3_Tracks& tracks, const QString& various)
-{
-    const QString& first = tracks.front().Artist;
-    const bool mixed =
-        std::ranges::any_of(tracks, [&](const auto& t) { return !t.Artist.isEmpty() && t.Artist != first; });
-    return mixed ? various : first;
-}
-
-std::optional<TAlbumRelease> CreateReleaseFromTracks(const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options)
-{
-    if (tracks.empty())
-        return std::nullopt;
-    TAlbumRelease release;
-    SetFields(release, tracks, options);
     const auto covered = std::ranges::find_if(tracks, [](const auto& t) { return !t.Cover.isEmpty(); });
     if (covered != tracks.end())
         AddPicture(release, cptFrontLarge, covered->Cover);
@@ -137,6 +133,18 @@ std::optional<TAlbumRelease> CreateReleaseFromTracks(const TKRN_MP3_Tracks& trac
         AddFoundPictures(release, options);
     if (const TCoverPicture* front = release.GetPicByType(cptFrontLarge))
         AddPicture(release, cptFrontThumb, MakeThumbnail(front->Bytes(), options.ThumbHeight));
+}
+
+} // namespace
+
+std::optional<TAlbumRelease> CreateReleaseFromTracks(const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options)
+{
+    if (tracks.empty())
+        return std::nullopt;
+    TAlbumRelease release;
+    SetFields(release, tracks, options);
+    if (options.Pictures)
+        AddPictures(release, tracks, options);
     release.Tracks.reserve(tracks.size());
     for (const TKRN_MP3_Track& track : tracks)
         release.Tracks.push_back(AlbumTrackOf(track));

@@ -9,12 +9,6 @@
 
 namespace Kestrune {
 
-/// The folder of a release: that of its first track, or the one above when that is a disc folder.
-QString ReleaseFolderOf(const TKRN_MP3_Track& firstTrack);
-
-/// The artist of all tracks, or `various` when one has another than the first (upper and lower case differ).
-QString ReleaseArtistOf(const TKRN_MP3_Tracks& tracks, const QString& various);
-
 /// The release that the tracks of one folder make, with pictures from the tags and from beside the files, and with
 /// the thumbnail of its front. None for no tracks.
 std::optional<TAlbumRelease> CreateReleaseFromTracks(const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options);

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 TagSize = 128;
+constexpr qint64 ID3v1Size = 128;
 constexpr qint64 LyricsMarkSize = 9;   // "LYRICSEND", "LYRICS200"
 constexpr qint64 LyricsBeginSize = 11; // "LYRICSBEGIN"
 constexpr qint64 Lyrics1Limit = 5100;  // the most text that a Lyrics3 version 1 tag may hold
@@ -36,9 +36,11 @@ qint64 Digits(QByteArrayView bytes)
 qint64 ID3v1TagSize(TByteSource& source)
 {
     char magic[3];
-    const bool there = source.Size() >= TagSize && source.ReadAt(source.Size() - TagSize, magic, 3) == 3 &&
-                       QByteArrayView(magic, 3) == "TAG";
-    return there ? TagSize : 0;
+    const qint64 start = source.Size() - ID3v1Size;
+    if (start < 0 || source.ReadAt(start, magic, 3) != 3 || QByteArrayView(magic, 3) != "TAG")
+        return 0;
+    // The mark of an APEv2 tag holds these letters, too: its header may stand just here.
+    return source.Read(start - 3, 8) == "APETAGEX" ? 0 : ID3v1Size;
 }
 
 void TID3v1Tag::Clear()
@@ -73,8 +75,8 @@ int TID3v1Tag::Load(TByteSource& source)
     FFileSize = source.Size();
     if (ID3v1TagSize(source) == 0)
         return TagResultNoTag;
-    const QByteArray tag = source.Read(FFileSize - TagSize, TagSize);
-    if (tag.size() != TagSize)
+    const QByteArray tag = source.Read(FFileSize - ID3v1Size, ID3v1Size);
+    if (tag.size() != ID3v1Size)
         return TagResultNoTag;
     const QByteArrayView view(tag);
     Title = FieldText(view.sliced(3, 30));
@@ -99,7 +101,7 @@ int TID3v1Tag::LoadLyricsTag(TByteSource& source)
 {
     LyricsFrames.clear();
     FLyricsTagSize = 0;
-    const qint64 end = source.Size() - TagSize;
+    const qint64 end = source.Size() - ID3v1Size;
     const QByteArray mark = source.Read(end - LyricsMarkSize, LyricsMarkSize);
     if (mark == "LYRICSEND")
         return LoadLyrics1(source, end);

@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 HeaderSize = 10;
+constexpr qint64 ID3v2HeaderSize = 10;
 
 struct TTagHeader {
     int Major = 0;
@@ -22,12 +22,12 @@ struct TTagHeader {
     qint64 BodySize = 0; ///< as stated
 
     bool HasFooter() const { return Major == 4 && (Flags & 0x10) != 0; }
-    qint64 FullSize() const { return HeaderSize + BodySize + (HasFooter() ? HeaderSize : 0); }
+    qint64 FullSize() const { return ID3v2HeaderSize + BodySize + (HasFooter() ? ID3v2HeaderSize : 0); }
 };
 
 std::optional<TTagHeader> ParseHeader(QByteArrayView bytes)
 {
-    if (bytes.size() < HeaderSize || !bytes.startsWith("ID3"))
+    if (bytes.size() < ID3v2HeaderSize || !bytes.startsWith("ID3"))
         return std::nullopt;
     TTagHeader header;
     header.Major = static_cast<quint8>(bytes[3]);
@@ -72,10 +72,10 @@ bool IsForeign(TByteSource& source, qint64 position)
 
 qint64 ID3v2TagSize(TByteSource& source, qint64 position)
 {
-    char bytes[HeaderSize];
-    if (source.ReadAt(position, bytes, HeaderSize) != HeaderSize)
+    char bytes[ID3v2HeaderSize];
+    if (source.ReadAt(position, bytes, ID3v2HeaderSize) != ID3v2HeaderSize)
         return 0;
-    const auto header = ParseHeader(QByteArrayView(bytes, HeaderSize));
+    const auto header = ParseHeader(QByteArrayView(bytes, ID3v2HeaderSize));
     return header ? std::min(header->FullSize(), source.Size() - position) : 0;
 }
 
@@ -123,7 +123,7 @@ int TID3v2Tag::Load(TByteSource& source)
 // Looks for a tag behind junk at the start of the file.
 int TID3v2Tag::LoadTagAt(TByteSource& source)
 {
-    const QByteArray head = source.Read(0, BeginningSearchLength + HeaderSize);
+    const QByteArray head = source.Read(0, BeginningSearchLength + ID3v2HeaderSize);
     for (qsizetype at = head.indexOf("ID3"); at >= 0; at = head.indexOf("ID3", at + 1)) {
         const auto header = ParseHeader(QByteArrayView(head).sliced(at));
         if (!header || header->Major < 2 || header->Major > 4 || at + header->FullSize() > FFileSize)
@@ -159,10 +159,10 @@ bool TID3v2Tag::SkipExtendedHeader(QByteArrayView& body) const
 
 int TID3v2Tag::LoadTag(TByteSource& source, qint64 position, qint64 end)
 {
-    char bytes[HeaderSize];
-    if (position > end - HeaderSize || source.ReadAt(position, bytes, HeaderSize) != HeaderSize)
+    char bytes[ID3v2HeaderSize];
+    if (position > end - ID3v2HeaderSize || source.ReadAt(position, bytes, ID3v2HeaderSize) != ID3v2HeaderSize)
         return TagResultNoTag;
-    const auto header = ParseHeader(QByteArrayView(bytes, HeaderSize));
+    const auto header = ParseHeader(QByteArrayView(bytes, ID3v2HeaderSize));
     if (!header)
         return TagResultNoTag;
     if (header->Major < 2 || header->Major > 4)
@@ -178,8 +178,9 @@ int TID3v2Tag::LoadTag(TByteSource& source, qint64 position, qint64 end)
     // Version 2 names a compression that was never defined: such a tag is to be passed over.
     if (Compressed)
         return TagResultNotSupported;
-    QByteArray body = source.Read(position + HeaderSize, std::min(header->BodySize, end - position - HeaderSize));
-    Size = HeaderSize + body.size() + (FooterPresent ? HeaderSize : 0);
+    QByteArray body =
+        source.Read(position + ID3v2HeaderSize, std::min(header->BodySize, end - position - ID3v2HeaderSize));
+    Size = ID3v2HeaderSize + body.size() + (FooterPresent ? ID3v2HeaderSize : 0);
     if (Unsynchronised && MajorVersion < 4 && LooksUnsynchronised(body))
         body = UndoUnsynchronisation(body);
     QByteArrayView rest(body);

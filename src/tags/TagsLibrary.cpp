@@ -4,14 +4,22 @@
 #include "ID3v1Library.h"
 #include "ID3v2Library.h"
 #include "TagsLibrary_p.h"
+#include "uAPEv2Tag.h"
 #include "uByteReader.h"
 #include "uDebugLog.h"
 #include "uFilePath.h"
 #include "uFlacTag.h"
+#include "uMP4Tag.h"
+#include "uMPEGplus.h"
+#include "uMonkey.h"
+#include "uOggTag.h"
+#include "uStreamSniffer.h"
+#include "uWAVPackfile.h"
+#include "uWAVTag.h"
+#include "uWMATag.h"
 
 #include <algorithm>
 #include <filesystem>
-#include <ranges>
 
 namespace Kestrune {
 
@@ -65,9 +73,14 @@ int TCoverArt::GetIndex() const
 }
 
 TTags::TTags()
-    : FFlacTag(std::make_unique<TFlacTag>()),
+    : FAPEv2Tag(std::make_unique<TAPEv2Tag>()),
+      FFlacTag(std::make_unique<TFlacTag>()),
       FID3v1Tag(std::make_unique<TID3v1Tag>()),
       FID3v2Tag(std::make_unique<TID3v2Tag>()),
+      FMP4Tag(std::make_unique<TMP4Tag>()),
+      FOggVorbisAndOpusTag(std::make_unique<TOpusTag>()),
+      FWAVTag(std::make_unique<TWAVTag>()),
+      FWMATag(std::make_unique<TWMATag>()),
       FSourceAudioAttributes(*this)
 {}
 
@@ -77,9 +90,17 @@ void TTags::Clear()
 {
     DeleteAllTags();
     DeleteAllCoverArts();
+    FAPEv2Tag->Clear();
     FFlacTag->Clear();
     FID3v1Tag->Clear();
     FID3v2Tag->Clear();
+    FMP4Tag->Clear();
+    FOggVorbisAndOpusTag->Clear();
+    FWAVTag->Clear();
+    FWMATag->Clear();
+    FSourceAudioAttributes.WAVPackAttributes.reset();
+    FSourceAudioAttributes.MusePackAttributes.reset();
+    FSourceAudioAttributes.MonkeyAttributes.reset();
     FFileName.clear();
     FLoaded = false;
 }
@@ -96,48 +117,92 @@ int TTags::LoadFromFile(const QString& fileName)
         DebugLog(u"[Tags] cannot open %1"_s.arg(fileName));
     } else {
         const qsizetype dot = fileName.lastIndexOf(u'.');
-        LoadFormats(*source, dot > fileName.lastIndexOf(u'/') ? fileName.sliced(dot).toUpper() : QString());
+        LoadFormats(*source);
+        LoadSpecialAttributes(*source, dot > fileName.lastIndexOf(u'/') ? fileName.sliced(dot).toUpper() : QString());
     }
     FFileName = fileName;
     LoadTags();
     return TagResultOk;
 }
 
-void TTags::LoadFormats(TByteSource& source, const QString&)
+void TTags::LoadFormats(TByteSource& source)
 {
+    FAPEv2Tag->ParseCoverArts = ParseCoverArts;
+    FAPEv2Tag->Load(source);
     FFlacTag->ParseCoverArts = ParseCoverArts;
     FFlacTag->Load(source);
     FID3v1Tag->Load(source);
     FID3v2Tag->ParseAudioAttributes = ParseAudioAttributes;
     FID3v2Tag->ParseCoverArts = ParseCoverArts;
+    FID3v2Tag->APEv2TagSize = FAPEv2Tag->Size;
     FID3v2Tag->LyricsTagSize = FID3v1Tag->LyricsTagSize();
     FID3v2Tag->Load(source);
     FID3v2Tag->RemoveUnsynchronisationOnAllFrames();
     FID3v2Tag->DeCompressAllFrames();
-    FLoaded = FFlacTag->Loaded || FID3v1Tag->Loaded || FID3v2Tag->Loaded;
+    FMP4Tag->ParseAudioAttributes = ParseAudioAttributes;
+    FMP4Tag->ParseCoverArts = ParseCoverArts;
+    FMP4Tag->Load(source);
+    FOggVorbisAndOpusTag->ParseCoverArts = ParseCoverArts;
+    FOggVorbisAndOpusTag->Load(source);
+    FWAVTag->Load(source);
+    // A file without the header of Windows Media gives that reader nothing, so the sniffer need not be asked about it.
+    FWMATag->ParseCoverArts = ParseCoverArts;
+    if (IsASF(source) && !FID3v2Tag->Loaded && !FWAVTag->Loaded && SniffStream(source) == stUnknown)
+        FWMATag->Load(source);
+    FLoaded = FAPEv2Tag->Loaded || FFlacTag->Loaded || FID3v1Tag->Loaded || FID3v2Tag->Loaded || FMP4Tag->Loaded ||
+              FOggVorbisAndOpusTag->Loaded || FWAVTag->Loaded || FWMATag->Loaded;
+}
+
+void TTags::LoadSpecialAttributes(TByteSource& source, const QString& extension)
+{
+    const qint64 head = FID3v2Tag->Loaded ? FID3v2Tag->Size : 0;
+    const qint64 tail = FAPEv2Tag->Size + (FID3v1Tag->Loaded ? 128 : 0);
+    if (ParseWavPackAudioAttributes && extension == u".WV"_s) {
+        auto attributes = std::make_unique<TWAVPackfile>();
+        if (attributes->Load(source, FAPEv2Tag->Size))
+            FSourceAudioAttributes.WAVPackAttributes = std::move(attributes);
+    } else if (ParseMusePackAudioAttributes && extension == u".MPC"_s) {
+        auto attributes = std::make_unique<TMPEGplus>();
+        if (attributes->Load(source, head, tail))
+            FSourceAudioAttributes.MusePackAttributes = std::move(attributes);
+    } else if (ParseMonkeyAudioAttributes && extension == u".APE"_s) {
+        auto attributes = std::make_unique<TMonkey>();
+        if (attributes->Load(source, head, tail))
+            FSourceAudioAttributes.MonkeyAttributes = std::move(attributes);
+    }
 }
 
 void TTags::LoadTags()
 {
-    for (const TTagType type : std::views::reverse(TagLoadPriority))
-        LoadEntry(type);
+    for (auto type = TagLoadPriority.rbegin(); type != TagLoadPriority.rend(); ++type)
+        LoadEntry(*type);
+}
+
+TTagBatch TTags::BatchOfType(TTagType type) const
+{
+    switch (type) {
+    case ttAPEv2: return FAPEv2Tag->Loaded ? BatchOf(*FAPEv2Tag) : TTagBatch();
+    case ttFlac: return FFlacTag->Loaded ? BatchOf(*FFlacTag) : TTagBatch();
+    case ttID3v1: return FID3v1Tag->Loaded && !OnlyParseCoverArts ? BatchOf(*FID3v1Tag) : TTagBatch();
+    case ttID3v2: return FID3v2Tag->Loaded ? BatchOf(*FID3v2Tag) : TTagBatch();
+    case ttMP4: return FMP4Tag->Loaded ? BatchOf(*FMP4Tag) : TTagBatch();
+    case ttOpusVorbis: return FOggVorbisAndOpusTag->Loaded ? BatchOf(*FOggVorbisAndOpusTag) : TTagBatch();
+    case ttWAV: return FWAVTag->Loaded && !OnlyParseCoverArts ? BatchOf(*FWAVTag) : TTagBatch();
+    case ttWMA: return FWMATag->Loaded ? BatchOf(*FWMATag) : TTagBatch();
+    case ttNone:
+    case ttAutomatic:
+    case ttMP4Xtra:
+    case ttLyrics2: break;
+    }
+    return {};
 }
 
 void TTags::LoadEntry(TTagType type)
 {
-    TTagBatch batch;
-    if (type == ttFlac && FFlacTag->Loaded) {
-        batch = BatchOf(*FFlacTag);
-    } else if (type == ttID3v1 && FID3v1Tag->Loaded && !OnlyParseCoverArts) {
-        batch = BatchOf(*FID3v1Tag);
-    } else if (type == ttID3v2 && FID3v2Tag->Loaded) {
-        if (!OnlyParseCoverArts)
-            for (const TFrameID id : {TFrameID("SESC"), TFrameID("SEFC"), TFrameID("SEBR")})
-                FID3v2Tag->Frames.DeleteAllFrames(id);
-        batch = BatchOf(*FID3v2Tag);
-    } else {
-        return;
-    }
+    if (type == ttID3v2 && !OnlyParseCoverArts)
+        for (const TFrameID id : {TFrameID("SESC"), TFrameID("SEFC"), TFrameID("SEBR")})
+            FID3v2Tag->Frames.DeleteAllFrames(id);
+    TTagBatch batch = BatchOfType(type);
     Apply(batch);
 }
 

@@ -12,11 +12,19 @@
 
 namespace Kestrune {
 
+class TAPEv2Tag;
 class TByteSource;
 class TFlacTag;
 class TID3v1Tag;
 class TID3v2Tag;
+class TMonkey;
+class TMP4Tag;
+class TMPEGplus;
+class TOpusTag;
 class TTags;
+class TWAVPackfile;
+class TWAVTag;
+class TWMATag;
 struct TTagBatch;
 
 enum class TTagType : quint8 {
@@ -84,7 +92,8 @@ QString CoverTypeText(int coverType);
 /// Facts about the audio stream, from the reader that knows the file best. Computed on request.
 class TSourceAudioAttributes {
 public:
-    explicit TSourceAudioAttributes(const TTags& parent) : FParent(parent) {}
+    explicit TSourceAudioAttributes(const TTags& parent);
+    ~TSourceAudioAttributes();
 
     int Channels() const;
     int SamplesPerSec() const;
@@ -93,9 +102,16 @@ public:
     qint64 SampleCount() const; ///< per channel
     qint64 BitRate() const;     ///< bits per second
 
+    /// Present for a ".wv", ".mpc" or ".ape" file that was read with the option of that kind; the one that is there
+    /// answers alone.
+    std::unique_ptr<TWAVPackfile> WAVPackAttributes;
+    std::unique_ptr<TMPEGplus> MusePackAttributes;
+    std::unique_ptr<TMonkey> MonkeyAttributes;
+
     const TTags& Parent() const { return FParent; }
 
 private:
+    const TAudioAttributes* Special() const;
     template <typename T>
     T ByPriority(T TAudioAttributes::*field) const;
 
@@ -156,20 +172,33 @@ public:
     void Clear();
     void ReSetAlreadyParsedState();
 
+    // The format objects, for what only they know.
+    const TAPEv2Tag& APEv2Tag() const { return *FAPEv2Tag; }
     const TFlacTag& FlacTag() const { return *FFlacTag; }
     const TID3v1Tag& ID3v1Tag() const { return *FID3v1Tag; }
     const TID3v2Tag& ID3v2Tag() const { return *FID3v2Tag; }
+    const TMP4Tag& MP4Tag() const { return *FMP4Tag; }
+    const TOpusTag& OggVorbisAndOpusTag() const { return *FOggVorbisAndOpusTag; }
+    const TWAVTag& WAVTag() const { return *FWAVTag; }
+    const TWMATag& WMATag() const { return *FWMATag; }
 
 private:
-    void LoadFormats(TByteSource& source, const QString& extension);
+    void LoadFormats(TByteSource& source);
+    void LoadSpecialAttributes(TByteSource& source, const QString& extension);
+    TTagBatch BatchOfType(TTagType type) const;
     void LoadEntry(TTagType type);
     void Apply(TTagBatch& batch);
     void AddPicture(const TTagPicture& picture);
     void DeleteAllNamed(const QString& name);
 
+    std::unique_ptr<TAPEv2Tag> FAPEv2Tag;
     std::unique_ptr<TFlacTag> FFlacTag;
     std::unique_ptr<TID3v1Tag> FID3v1Tag;
     std::unique_ptr<TID3v2Tag> FID3v2Tag;
+    std::unique_ptr<TMP4Tag> FMP4Tag;
+    std::unique_ptr<TOpusTag> FOggVorbisAndOpusTag;
+    std::unique_ptr<TWAVTag> FWAVTag;
+    std::unique_ptr<TWMATag> FWMATag;
     std::vector<std::unique_ptr<TTag>> FTags;
     std::vector<std::unique_ptr<TCoverArt>> FCoverArts;
     TSourceAudioAttributes FSourceAudioAttributes;

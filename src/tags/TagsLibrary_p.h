@@ -3,6 +3,8 @@
 
 #include "TagsLibrary.h"
 
+#include <QStringList>
+
 namespace Kestrune {
 
 class TID3v2Frame;
@@ -31,6 +33,11 @@ struct TTagBatch {
 TTagBatch BatchOf(const TID3v1Tag& tag);
 TTagBatch BatchOf(const TID3v2Tag& tag);
 TTagBatch BatchOf(const TFlacTag& tag);
+TTagBatch BatchOf(const TAPEv2Tag& tag);
+TTagBatch BatchOf(const TOpusTag& tag);
+TTagBatch BatchOf(const TMP4Tag& tag);
+TTagBatch BatchOf(const TWAVTag& tag);
+TTagBatch BatchOf(const TWMATag& tag);
 
 bool EqualsNoCase(const QString& a, QStringView b);
 

@@ -47,9 +47,9 @@ void DeriveWAVTimes(TWAVInfo& info, quint32 bytesPerSec, quint64 factSamples)
         audio.SampleCount = static_cast<qint64>(std::min<quint64>(factSamples, INT64_MAX));
     } else if (bytesPerSec > 0) {
         audio.PlayTime = static_cast<double>(info.DataSize) / bytesPerSec;
-        audio.SampleCount = std::llround(audio.PlayTime * audio.SamplesPerSec);
+        audio.SampleCount = SampleCountOf(audio.PlayTime, audio.SamplesPerSec);
     }
-    audio.BitRate = static_cast<qint64>(bytesPerSec) * 8;
+    audio.BitRate = bytesPerSec > 0 ? static_cast<qint64>(bytesPerSec) * 8 : BitRateOf(info.DataSize, audio.PlayTime);
 }
 
 qint64 DataSizeOf(const TChunk& chunk, quint64 size64)
@@ -120,7 +120,7 @@ void DeriveDFFTimes(TDFFInfo& info, qint64 dsdSize, qint64 dstSize, double dstSe
     audio.BitsPerSample = 1;
     if (dstSeconds > 0) {
         audio.PlayTime = dstSeconds;
-        audio.SampleCount = std::llround(dstSeconds * audio.SamplesPerSec);
+        audio.SampleCount = SampleCountOf(dstSeconds, audio.SamplesPerSec);
         audio.BitRate = BitRateOf(dstSize, dstSeconds);
         return;
     }
@@ -192,6 +192,12 @@ bool ReadWAVInfo(TByteSource& source, qint64 position, TWAVInfo& info)
                 walker.SkipTo(chunk.Offset + info.DataSize + info.DataSize % 2);
         } else if (chunk.ID == TFourCC("id3 ") || chunk.ID == TFourCC("ID3 ")) {
             info.ID3 = {chunk.Offset, chunk.Size};
+        } else if (chunk.ID == TFourCC("bext")) {
+            info.Bext = {chunk.Offset, chunk.Size};
+        } else if (chunk.ID == TFourCC("cart")) {
+            info.Cart = {chunk.Offset, chunk.Size};
+        } else if (chunk.ID == TFourCC("LIST") && chunk.Size > 4 && source.Read(chunk.Offset, 4) == "INFO") {
+            info.InfoLists.push_back({chunk.Offset, chunk.Size});
         }
     }
     DeriveWAVTimes(info, bytesPerSec, factSamples);

@@ -33,7 +33,10 @@ struct TWAVInfo {
     quint16 FormatTag = 0;
     TAudioAttributes Audio;
     qint64 DataSize = 0;
-    TTagPlace ID3; ///< chunk "id3 " or "ID3 "
+    TTagPlace ID3;                    ///< chunk "id3 " or "ID3 "
+    std::vector<TTagPlace> InfoLists; ///< LIST chunks of the type INFO, with these four bytes
+    TTagPlace Bext;
+    TTagPlace Cart;
 };
 
 /// COMM chunk of AIFF and AIFF-C files.

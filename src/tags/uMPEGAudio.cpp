@@ -11,7 +11,7 @@ namespace Kestrune {
 namespace {
 
 // Kilobits per second by [MPEG 1 layers 1, 2, 3; MPEG 2 layer 1; MPEG 2 layers 2 and 3][index]; 0 is free format.
-constexpr int BitRates[5][16] = {
+constexpr int MPEGBitRates[5][16] = {
     {0, 32, 64, 96, 128, 160, 192, 224, 256, 288, 320, 352, 384, 416, 448, -1},
     {0, 32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384, -1},
     {0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, -1},
@@ -19,7 +19,7 @@ constexpr int BitRates[5][16] = {
     {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160, -1},
 };
 
-constexpr int SampleRates[3] = {44100, 48000, 32000};
+constexpr int MPEGSampleRates[3] = {44100, 48000, 32000};
 
 int BitRateRow(TMPEGVersion version, int layer)
 {
@@ -168,7 +168,7 @@ void DeriveTimes(TMPEGInfo& info, qint64 audioEnd)
     if (info.FrameCount == 0) {
         info.BitRate = frame.BitRate;
         info.PlayTime = static_cast<double>(audioSize) * 8 / frame.BitRate;
-        info.SampleCount = std::llround(info.PlayTime * frame.SampleRate);
+        info.SampleCount = SampleCountOf(info.PlayTime, frame.SampleRate);
         return;
     }
     info.SampleCount = static_cast<qint64>(info.FrameCount) * frame.Samples;
@@ -229,14 +229,14 @@ bool ParseMPEGFrame(quint32 header, TMPEGFrame& frame)
     const quint32 rateIndex = header >> 10 & 3;
     if (header >> 21 != 0x7FF || version == tmpegvUnknown || layer == 4 || rateIndex == 3)
         return false;
-    const int bitRate = BitRates[BitRateRow(version, layer)][header >> 12 & 15];
+    const int bitRate = MPEGBitRates[BitRateRow(version, layer)][header >> 12 & 15];
     if (bitRate <= 0)
         return false;
     frame.Version = version;
     frame.Layer = layer == 1 ? tmpegl1 : layer == 2 ? tmpegl2 : tmpegl3;
     frame.Protected = (header >> 16 & 1) == 0;
     frame.BitRate = bitRate * 1000;
-    frame.SampleRate = SampleRates[rateIndex] / (version == tmpegv1 ? 1 : version == tmpegv2 ? 2 : 4);
+    frame.SampleRate = MPEGSampleRates[rateIndex] / (version == tmpegv1 ? 1 : version == tmpegv2 ? 2 : 4);
     frame.Padding = (header >> 9 & 1) != 0;
     frame.ChannelMode = ChannelModeFromBits(header >> 6 & 3);
     frame.ModeExtension =

@@ -42,7 +42,14 @@ qint64 BitRateOf(qint64 bytes, double seconds)
     // Below a millisecond a lying header could make the quotient anything.
     if (bytes <= 0 || !(seconds > 0.001))
         return 0;
-    return static_cast<qint64>(std::llround(static_cast<double>(bytes) * 8 / seconds));
+    const double rate = static_cast<double>(bytes) * 8 / seconds;
+    return rate < 1e18 ? static_cast<qint64>(std::llround(rate)) : 0;
+}
+
+qint64 SampleCountOf(double seconds, int rate)
+{
+    const double count = seconds * rate;
+    return count > 0 && count < 1e18 ? static_cast<qint64>(std::llround(count)) : 0;
 }
 
 } // namespace Kestrune

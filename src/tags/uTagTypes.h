@@ -57,6 +57,9 @@ struct TAudioAttributes {
 /// A file's unsigned number as an int; one that does not fit gives 0, since no field here means that much.
 inline int CheckedInt(quint64 value) { return value <= 0x7FFFFFFF ? static_cast<int>(value) : 0; }
 
+/// Samples in `seconds` at a rate, rounded; 0 when that is out of all range.
+qint64 SampleCountOf(double seconds, int rate);
+
 /// `bytes` in `seconds` as bits per second, rounded; 0 when there is no time.
 qint64 BitRateOf(qint64 bytes, double seconds);
 

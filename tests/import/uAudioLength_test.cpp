@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uAudioLength.h"
 #include "uByteReader.h"
-#include "uTestFiles.h"
+#include "uTagBuilders.h"
 
 #include <gtest/gtest.h>
 
@@ -9,22 +9,14 @@ namespace Kestrune {
 
 namespace {
 
-QByteArray LE(quint64 value, int count)
-{
-    QByteArray bytes;
-    for (int i = 0; i < count; ++i)
-        bytes += static_cast<char>(value >> (8 * i) & 0xFF);
-    return bytes;
-}
-
 QByteArray TTA(quint32 rate, quint32 samples)
 {
-    return "TTA1" + LE(1, 2) + LE(2, 2) + LE(16, 2) + LE(rate, 4) + LE(samples, 4);
+    return "TTA1" + Kit::LE16(1) + Kit::LE16(2) + Kit::LE16(16) + Kit::LE32(rate) + Kit::LE32(samples);
 }
 
 QByteArray Page(quint64 granule)
 {
-    return QByteArray("OggS") + QByteArray(2, '\0') + LE(granule, 8) + QByteArray(14, 'x');
+    return QByteArray("OggS") + QByteArray(2, '\0') + Kit::LE64(granule) + QByteArray(14, 'x');
 }
 
 } // namespace

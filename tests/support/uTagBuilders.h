@@ -4,6 +4,7 @@
 #include <QByteArray>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
 #include <initializer_list>
 #include <utility>
@@ -69,5 +70,63 @@ QByteArray AiffComm(int channels, quint32 frames, int bits, int rate, const QByt
 QByteArray Dsf(int channels, int rate, quint64 samples, const QByteArray& sound, const QByteArray& id3 = {});
 QByteArray DffChunk(const QByteArray& id, const QByteArray& content);
 QByteArray Dff(int channels, int rate, const QByteArray& sound, const QByteArray& id3 = {});
+
+// APEv2
+
+/// One item; flags 0 is text, 2 binary, 4 an address.
+QByteArray ApeItem(const QByteArray& key, const QByteArray& value, quint32 flags = 0);
+/// A tag with header and footer. `sizeDelta` falsifies the stated size.
+QByteArray ApeTag(const QList<QByteArray>& items, int sizeDelta = 0);
+
+// Ogg
+
+constexpr quint8 OggContinued = 1, OggFirst = 2, OggLast = 4;
+/// One page that holds the bytes as one packet (`complete`) or as the piece of one.
+QByteArray OggPage(quint8 flags, quint64 granule, quint32 serial, const QByteArray& packet, bool complete = true);
+/// A stream of identification, comments (over as many pages as they need) and a last page with a granule position.
+QByteArray OggStream(const QByteArray& identification, const QByteArray& comments, quint64 granule, quint32 serial = 7);
+QByteArray VorbisIdentification(int channels, int rate, int nominal);
+QByteArray OpusIdentification(int channels, int preSkip);
+QByteArray OggVorbis(const QList<QByteArray>& comments);
+QByteArray OggOpus(const QList<QByteArray>& comments);
+
+// MP4
+
+QByteArray Mp4Atom(const QByteArray& name, const QByteArray& content);
+QByteArray Mp4Data(quint32 type, const QByteArray& value);
+/// A "----" atom with one text.
+QByteArray Mp4FreeForm(const QByteArray& name, const QByteArray& text);
+/// A file of one second of AAC by its headers, with this item list and further user data.
+QByteArray Mp4File(const QByteArray& items, const QByteArray& userData = {}, bool movieLast = false);
+QByteArray Mp4Xtra(const QByteArray& name, quint16 type, const QByteArray& value);
+
+// ASF
+
+QByteArray AsfObject(const char* id, const QByteArray& content);
+/// Objects by the first bytes of their identifiers, as in the file.
+QByteArray AsfContent(const QStringList& titleAuthorCopyrightDescriptionRating);
+QByteArray AsfExtended(const QList<QByteArray>& attributes, quint16 count);
+QByteArray AsfAttribute(const QString& name, quint16 type, const QByteArray& value);
+QByteArray AsfMetadata(const QString& name, quint16 type, const QByteArray& value);
+QByteArray AsfPicture(int type, const QString& mime, const QString& description, const QByteArray& picture);
+/// A file of 2.5 s, stereo, 44,100 Hz, 64,000 bits a second by its headers.
+QByteArray AsfFile(const QByteArray& objects);
+
+// WavPack, Musepack, Monkey's Audio
+
+QByteArray WavPackBlock(quint32 total, quint32 index, quint32 samples, quint32 flags, const QByteArray& body);
+QByteArray Musepack8(quint32 samples, quint32 silence, const QByteArray& sound);
+QByteArray Musepack7(quint32 frames, int rateIndex, int lastFrame, const QByteArray& sound);
+QByteArray Musepack6(int version, quint32 frames, int kilobits, const QByteArray& sound);
+QByteArray MonkeyNew(quint32 frames, quint32 blocks, quint32 finalBlocks, int bits, int channels, int rate);
+QByteArray MonkeyOld(int version, int level, int channels, int rate, quint32 frames, quint32 finalBlocks);
+
+/// A small file for one reader, with as many of the format's features as fit.
+struct TTagSeed {
+    const char* Reader; ///< as in the name of its fuzz target: "ape", "flac", "id3v1", "id3v2", "mp4", ...
+    const char* FileName;
+    QByteArray Bytes;
+};
+QList<TTagSeed> TagSeeds();
 
 } // namespace Kestrune::Kit

@@ -46,7 +46,9 @@ TEST(ID3v1Tag, UnknownGenresAreOtherOnlyOnDemand)
 TEST(ID3v1Tag, FilesWithoutATagGiveNone)
 {
     TID3v1Tag tag;
-    for (const QByteArray& bytes : {QByteArray(), QByteArray("TAG"), QByteArray(128, 'x'), Kit::Id3v1({}).chopped(1)}) {
+    const QByteArray apeMark = "APETAGEX" + QByteArray(123, 'x');
+    for (const QByteArray& bytes :
+         {QByteArray(), apeMark, QByteArray("TAG"), QByteArray(128, 'x'), Kit::Id3v1({}).chopped(1)}) {
         TMemorySource source(bytes);
         EXPECT_EQ(tag.Load(source), TagResultNoTag);
         EXPECT_FALSE(tag.Loaded);

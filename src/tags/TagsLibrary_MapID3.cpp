@@ -152,10 +152,11 @@ TTag* TTagBatch::Add(const QString& name, const QString& value)
 {
     if (value.isEmpty())
         return nullptr;
-    TItem& item = Items.emplace_back(std::make_unique<TTag>());
-    item.Tag->Name = name;
-    item.Tag->Value = value;
-    return item.Tag.get();
+    auto tag = std::make_unique<TTag>();
+    tag->Name = name;
+    tag->Value = value;
+    Items.push_back({std::move(tag), false});
+    return Items.back().Tag.get();
 }
 
 void TTagBatch::AddNumberOfTotal(const QString& value, const QString& numberName, const QString& totalName)

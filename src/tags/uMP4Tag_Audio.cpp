@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uMP4Tag_p.h"
+
+#include <algorithm>
+
+namespace Kestrune {
+
+namespace {
+
+// Length of a descriptor (ISO/IEC 14496-1, section 8.3.3): seven bits a byte, at most four.
+quint32 DescriptorLength(TByteReader& reader)
+{
+    quint32 length = 0;
+    for (int i = 0; i < 4; ++i) {
+        const quint8 byte = reader.U8();
+        length = length << 7 | (byte & 0x7F);
+        if ((byte & 0x80) == 0)
+            break;
+    }
+    return length;
+}
+
+// Average bit rate of an "esds" atom; 0 when it states none.
+qint64 ElementaryStreamRate(QByteArrayView bytes)
+{
+    TByteReader reader(bytes);
+    reader.Skip(4);
+    if (reader.U8() != 3)
+        return 0;
+    DescriptorLength(reader);
+    reader.Skip(2);
+    const quint8 flags = reader.U8();
+    reader.Skip((flags & 0x80) != 0 ? 2 : 0);
+    if ((flags & 0x40) != 0)
+        reader.Skip(reader.U8());
+    reader.Skip((flags & 0x20) != 0 ? 2 : 0);
+    if (reader.U8() != 4)
+        return 0;
+    DescriptorLength(reader);
+    reader.Skip(1 + 1 + 3); // kind, stream type, buffer size
+    reader.U32BE();         // highest bit rate
+    return reader.U32BE();
+}
+
+void ReadAlacCookie(QByteArrayView bytes, TAudioAttributes& audio)
+{
+    TByteReader reader(bytes);
+    reader.Skip(4 + 4 + 1);
+    const quint8 bits = reader.U8();
+    reader.Skip(3);
+    const quint8 channels = reader.U8();
+    reader.Skip(2 + 4);
+    const quint32 bitRate = reader.U32BE();
+    const quint32 rate = reader.U32BE();
+    if (reader.Failed())
+        return;
+    audio.BitsPerSample = bits;
+    audio.Channels = channels;
+    audio.BitRate = CheckedInt(bitRate);
+    audio.SamplesPerSec = CheckedInt(rate);
+}
+
+// The first sample description of a sound track. QuickTime has longer forms (versions 1 and 2) of the same head.
+void ReadSampleEntry(TByteSource& source, const TMP4Box& stsd, TAudioAttributes& audio)
+{
+    TMP4Walker walker(source, stsd.Offset + 8, stsd.End);
+    TMP4Box entry;
+    if (!walker.Next(entry))
+        return;
+    const QByteArray bytes = source.Read(entry.Offset, std::min<qint64>(entry.End - entry.Offset, 64));
+    TByteReader reader(bytes);
+    reader.Skip(8);
+    const quint16 version = reader.U16BE();
+    reader.Skip(6);
+    audio.Channels = reader.U16BE();
+    audio.BitsPerSample = reader.U16BE();
+    reader.Skip(4);
+    audio.SamplesPerSec = reader.U16BE();
+    const qint64 extra = version == 1 ? 16 : version == 2 ? 36 : 0;
+    const qint64 inner = entry.Offset + 28 + extra;
+    if (entry.Name == TFourCC("alac")) {
+        if (const auto cookie = FindMP4Box(source, inner, entry.End, "alac"))
+            ReadAlacCookie(source.Read(cookie->Offset, 28), audio);
+        return;
+    }
+    auto descriptor = FindMP4Box(source, inner, entry.End, "esds");
+    if (!descriptor) {
+        if (const auto wave = FindMP4Box(source, inner, entry.End, "wave"))
+            descriptor = FindMP4Box(source, wave->Offset, wave->End, "esds");
+    }
+    if (descriptor)
+        audio.BitRate = ElementaryStreamRate(source.Read(descriptor->Offset, 64));
+}
+
+// Bytes of all samples of a track, from its sample size table; 0 when it does not tell or is unreasonably long.
+qint64 SampleBytes(TByteSource& source, const TMP4Box& stsz)
+{
+    constexpr qint64 mostTable = 8 * 1024 * 1024;
+    const QByteArray head = source.Read(stsz.Offset, 12);
+    TByteReader reader(head);
+    reader.Skip(4);
+    const quint32 size = reader.U32BE();
+    const quint32 count = reader.U32BE();
+    if (reader.Failed())
+        return 0;
+    if (size != 0) // two lies multiply beyond any file
+        return static_cast<qint64>(
+            std::min<quint64>(static_cast<quint64>(size) * count, static_cast<quint64>(source.Size())));
+    const qint64 length = std::min<qint64>(static_cast<qint64>(count) * 4, stsz.End - stsz.Offset - 12);
+    if (length > mostTable)
+        return 0;
+    const QByteArray table = source.Read(stsz.Offset + 12, length);
+    TByteReader sizes(table);
+    qint64 sum = 0;
+    while (sizes.Left() >= 4)
+        sum += sizes.U32BE();
+    return sum;
+}
+
+} // namespace
+
+bool TMP4Walker::Next(TMP4Box& box)
+{
+    if (FPosition < 0 || FPosition > FEnd - 8 || FBudget-- <= 0)
+        return false;
+    char bytes[16];
+    const qint64 count = FSource.ReadAt(FPosition, bytes, 16);
+    TByteReader reader(QByteArrayView(bytes, std::max<qint64>(count, 0)));
+    quint64 size = reader.U32BE();
+    box.Name = TFourCC(reader.Bytes(4));
+    qint64 header = 8;
+    if (size == 1) {
+        size = reader.U64BE();
+        header = 16;
+    }
+    const qint64 left = FEnd - FPosition;
+    if (size == 0) // the last atom of a file may reach to its end
+        size = static_cast<quint64>(left);
+    if (reader.Failed() || size < static_cast<quint64>(header) || header > left)
+        return false;
+    box.Offset = FPosition + header;
+    box.End = size > static_cast<quint64>(left) ? FEnd : FPosition + static_cast<qint64>(size);
+    FPosition = box.End;
+    return true;
+}
+
+std::optional<TMP4Box> FindMP4Box(TByteSource& source, qint64 start, qint64 end, TFourCC name)
+{
+    TMP4Walker walker(source, start, end);
+    for (TMP4Box box; walker.Next(box);)
+        if (box.Name == name)
+            return box;
+    return std::nullopt;
+}
+
+double ReadMP4Time(TByteSource& source, const TMP4Box& box, quint32& timeScale)
+{
+    const QByteArray bytes = source.Read(box.Offset, 32);
+    TByteReader reader(bytes);
+    const bool wide = reader.U8() == 1;
+    reader.Skip(3 + (wide ? 16 : 8));
+    timeScale = reader.U32BE();
+    const quint64 duration = wide ? reader.U64BE() : reader.U32BE();
+    const bool unknown = duration == (wide ? ~quint64(0) : quint64(0xFFFFFFFF));
+    return reader.Failed() || timeScale == 0 || unknown ? 0 : static_cast<double>(duration) / timeScale;
+}
+
+std::optional<TAudioAttributes> ReadMP4Track(TByteSource& source, const TMP4Box& track)
+{
+    const auto media = FindMP4Box(source, track.Offset, track.End, "mdia");
+    const auto handler = media ? FindMP4Box(source, media->Offset, media->End, "hdlr") : std::nullopt;
+    if (!handler || source.Read(handler->Offset + 8, 4) != "soun")
+        return std::nullopt;
+    TAudioAttributes audio;
+    quint32 timeScale = 0;
+    if (const auto header = FindMP4Box(source, media->Offset, media->End, "mdhd"))
+        audio.PlayTime = ReadMP4Time(source, *header, timeScale);
+    const auto info = FindMP4Box(source, media->Offset, media->End, "minf");
+    const auto table = info ? FindMP4Box(source, info->Offset, info->End, "stbl") : std::nullopt;
+    if (table) {
+        if (const auto description = FindMP4Box(source, table->Offset, table->End, "stsd"))
+            ReadSampleEntry(source, *description, audio);
+        const auto sizes = audio.BitRate == 0 ? FindMP4Box(source, table->Offset, table->End, "stsz") : std::nullopt;
+        if (sizes)
+            audio.BitRate = BitRateOf(SampleBytes(source, *sizes), audio.PlayTime);
+    }
+    // Rates above 65,535 do not fit into the description; the units of time count samples.
+    if (audio.SamplesPerSec == 0)
+        audio.SamplesPerSec = CheckedInt(timeScale);
+    return audio;
+}
+
+} // namespace Kestrune
