@@ -6,6 +6,7 @@
 #include "frmMain.h"
 #include "uDefaults.h"
 #include "uMainWindow.h"
+#include "uRibbon.h"
 #include "uThemeController.h"
 #include "uWidgetPrompt.h"
 
@@ -50,17 +51,20 @@ int main(int argc, char** argv)
     const QString look = arguments.value(3, u"light"_s);
     const QStringList size = arguments.value(4, u"1440x900"_s).split(u'x');
     Defaults().DBPath = arguments[1];
+    Defaults().ThemeIndex = look == "dark"_L1 ? 1 : 0;
     Defaults().MainFormMaximized = false;
     Defaults().MainFormWidth = size.value(0).toInt();
     Defaults().MainFormHeight = size.value(1).toInt();
     TWidgetPrompt prompt;
     TThemeController theme;
-    theme.Apply(look == "dark"_L1 ? 1 : 0, 0);
+    theme.Apply(Defaults().ThemeIndex, Defaults().ColorSchemeAccentIndex);
     TDataModuleMain data(prompt);
     TKRNMainForm form(data, prompt);
     TMainWindow window(form, theme, false);
     window.ShowRestored();
+    // The offscreen desktop is small, so the window has started as on a small screen.
     window.resize(size.value(0).toInt(), size.value(1).toInt());
+    window.Ribbon()->SetFolded(size.value(0).toInt() <= 1024);
     const std::pair<TMainView, QString> views[] = {{mvThumbs, u"thumbs"_s}, {mvAlbums, u"albums"_s}};
     bool saved = QDir().mkpath(arguments[2]);
     for (const auto& [view, name] : views) {

@@ -142,7 +142,7 @@ void TKRNMainForm::AfterCollectionChange()
     FKeywordText.clear();
     FSelection.clear();
     FFocused = FData.qReleasesMain.CurrentKey();
-    FTotal = FData.qReleasesMain.RecordCount();
+    CountReleases();
     FTracks = -1;
     if (FFormShown)
         StartCounting();
@@ -218,7 +218,7 @@ void TKRNMainForm::RemoveSelected()
     FData.qReleasesMain.DeleteKeys(keys);
     FData.qTracksAll.Refresh();
     FData.qLoans.Refresh();
-    FTotal -= static_cast<int>(keys.size());
+    CountReleases();
     FSelection.clear();
     FFocused = FData.qReleasesMain.KeyAt(std::min(row, FData.qReleasesMain.RecordCount() - 1));
     RefreshDetail();
@@ -226,6 +226,11 @@ void TKRNMainForm::RemoveSelected()
         Q_EMIT focusRequested(FFocused);
     StartCounting();
     Q_EMIT figuresChanged();
+}
+
+void TKRNMainForm::CountReleases()
+{
+    FTotal = FData.HasData() ? static_cast<int>(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2"_s)) : 0;
 }
 
 void TKRNMainForm::StartCounting()
@@ -273,6 +278,7 @@ void TKRNMainForm::AddFolders(const QStringList& paths)
     connect(FAddFiles.get(), &TAddFilesRun::releaseStored, this, [this] { ++FTotal; });
     connect(FAddFiles.get(), &TAddFilesRun::finished, this, [this] {
         RefreshDetail();
+        CountReleases();
         StartCounting();
         Q_EMIT addFilesFinished();
         FAddFiles.release()->deleteLater();

@@ -158,6 +158,7 @@ private:
     void Search();
     void RefreshDetail();
     void RefreshFocusedRow(TDataset& releaseInfo);
+    void CountReleases();
     void StartCounting();
     void CountTracks();
     std::vector<qint64> SelectedOrFocused() const;

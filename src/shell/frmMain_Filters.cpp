@@ -43,8 +43,8 @@ void TKRNMainForm::LetterClick(const QString& caption)
 void TKRNMainForm::SetLetterField(int index)
 {
     FLetterField = index;
-    if (!FLetter.isEmpty())
-        LetterClick(FLetter);
+    if (const QString letter = FLetter; !letter.isEmpty())
+        LetterClick(letter);
     else
         Q_EMIT filtersChanged();
 }

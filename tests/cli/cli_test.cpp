@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The command-line program as a user runs it: as a process of its own, with settings of its own.
+#include "uSQLite.h"
+#include "uTestFiles.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct TCliResult {
+    int Code = -1;
+    QByteArray Out;
+    QByteArray Err;
+    QJsonDocument Json() const { return QJsonDocument::fromJson(Out); }
+};
+
+class Cli : public testing::Test {
+protected:
+    void Prepare(QProcess& process, const QStringList& arguments)
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"XDG_CONFIG_HOME"_s, FDir.File(u"config"_s));
+        environment.insert(u"XDG_DATA_HOME"_s, FDir.File(u"data"_s));
+        process.setProcessEnvironment(environment);
+        process.setProgram(QString::fromUtf8(KESTRUNE_CLI));
+        process.setArguments(arguments);
+    }
+    TCliResult Run(const QStringList& arguments)
+    {
+        QProcess process;
+        Prepare(process, arguments);
+        process.start();
+        process.waitForFinished(120000);
+        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
+                process.readAllStandardError()};
+    }
+    // Copies one encoded clip under many names: each folder is a release by its name.
+    QString MakeMusic(int folders, int filesEach)
+    {
+        const QString clip = FDir.File(u"clip.mp3"_s);
+        EXPECT_TRUE(Kit::RunProgram(
+            u"ffmpeg"_s, {u"-v"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s, u"sine=duration=1"_s, u"-y"_s, clip}));
+        const QByteArray bytes = Kit::ReadAll(clip);
+        for (int folder = 0; folder < folders; ++folder)
+            for (int file = 1; file <= filesEach; ++file)
+                FDir.Write(
+                    u"music/Artist %1 - Album %1 (2001)/%2 - Song.mp3"_s.arg(folder).arg(file, 2, 10, QChar(u'0')),
+                    bytes);
+        return FDir.File(u"music"_s);
+    }
+
+    Kit::TTempDir FDir;
+    QString FPath = FDir.File(u"x.db"_s);
+};
+
+} // namespace
+
+TEST_F(Cli, HelpAndVersionAtEveryLevel)
+{
+    const std::pair<QStringList, QByteArray> cases[] = {{{u"--help"_s}, "add-folder"},
+                                                        {{u"--version"_s}, "kestrune-cli "},
+                                                        {{u"list"_s, u"--help"_s}, "--letter"},
+                                                        {{u"new"_s, u"--version"_s}, "kestrune-cli "}};
+    for (const auto& [arguments, text] : cases) {
+        const TCliResult result = Run(arguments);
+        EXPECT_EQ(result.Code, 0) << arguments.join(u' ').toStdString();
+        EXPECT_TRUE(result.Out.contains(text)) << arguments.join(u' ').toStdString();
+    }
+}
+
+TEST_F(Cli, ExitCodesTellFailureFromWrongUsage)
+{
+    ASSERT_EQ(Run({u"new"_s, FPath}).Code, 0);
+    const QString text = FDir.Write(u"t.db"_s, QByteArray(5000, 'x'));
+    const std::pair<QStringList, int> cases[] = {
+        {{}, 2},
+        {{u"nonsense"_s}, 2},
+        {{u"new"_s}, 2},
+        {{u"new"_s, FPath}, 1},
+        {{u"new"_s, FDir.Path() + u"/no/such/folder/x.db"_s}, 1},
+        {{u"info"_s, FDir.File(u"none.db"_s)}, 1},
+        {{u"info"_s, text}, 1},
+        {{u"info"_s, FPath, u"more"_s}, 2},
+        {{u"info"_s, FPath, u"--strange"_s}, 2},
+        {{u"show"_s, FPath, u"1"_s}, 1},
+        {{u"show"_s, FPath, u"one"_s}, 2},
+        {{u"list"_s, FPath, u"--sort"_s, u"Nothing"_s}, 2},
+        {{u"list"_s, FPath, u"--search"_s, u"x"_s, u"--by"_s, u"Nothing"_s}, 2},
+        {{u"list"_s, FPath, u"--limit"_s, u"many"_s}, 2},
+        {{u"add-folder"_s, FPath, FDir.File(u"nowhere"_s)}, 1},
+    };
+    for (const auto& [arguments, code] : cases) {
+        const TCliResult result = Run(arguments);
+        EXPECT_EQ(result.Code, code) << arguments.join(u' ').toStdString();
+        EXPECT_EQ(result.Err.count('\n'), 1) << "one sentence: " << result.Err.toStdString();
+        EXPECT_TRUE(result.Out.isEmpty());
+    }
+}
+
+TEST_F(Cli, AFolderGoesInAndComesOut)
+{
+    const QString music = MakeMusic(3, 2);
+    Run({u"new"_s, FPath});
+    const TCliResult added = Run({u"add-folder"_s, FPath, music, u"--json"_s});
+    ASSERT_EQ(added.Code, 0) << added.Err.toStdString();
+    const QList<QByteArray> lines = added.Out.trimmed().split('\n');
+    ASSERT_EQ(lines.size(), 4);
+    EXPECT_EQ(lines[0], "stored 1 Artist 0 - Album 0");
+    const QJsonObject summary = QJsonDocument::fromJson(lines.back()).object();
+    EXPECT_EQ(summary[u"releases"_s].toInt(), 3);
+    EXPECT_EQ(summary[u"tracks"_s].toInt(), 6);
+    EXPECT_EQ(summary[u"files"_s].toInt(), 6);
+    EXPECT_TRUE(summary[u"errors"_s].isArray());
+
+    const QJsonObject info = Run({u"info"_s, FPath, u"--json"_s}).Json().object();
+    EXPECT_EQ(info[u"version"_s].toInt(), 3001);
+    EXPECT_EQ(info[u"releases"_s].toInt(), 3);
+    EXPECT_GT(info[u"fileBytes"_s].toInt(), 4096);
+
+    const QJsonArray list =
+        Run({u"list"_s, FPath, u"--json"_s, u"--sort"_s, u"-Artist"_s, u"--limit"_s, u"2"_s}).Json().array();
+    ASSERT_EQ(list.size(), 2);
+    EXPECT_EQ(list[0][u"Artist"_s].toString(), u"Artist 2"_s);
+    EXPECT_EQ(list[0][u"TotalTracksCount"_s].toInt(), 2);
+    EXPECT_TRUE(list[0][u"CatalogNO"_s].isNull());
+    EXPECT_EQ(Run({u"list"_s, FPath, u"--json"_s, u"--search"_s, u"album 1"_s}).Json().array().size(), 1);
+    EXPECT_EQ(Run({u"list"_s, FPath, u"--json"_s, u"--status"_s, u"Wanted item"_s}).Json().array().size(), 0);
+    EXPECT_EQ(Run({u"list"_s, FPath, u"--json"_s, u"--letter"_s, u"a"_s, u"--tracks"_s}).Json().array().size(), 6);
+
+    const QJsonObject show = Run({u"show"_s, FPath, u"2"_s, u"--json"_s}).Json().object();
+    EXPECT_EQ(show[u"release"_s][u"ReleaseName"_s].toString(), u"Album 1"_s);
+    EXPECT_EQ(show[u"release"_s][u"ReleaseYear"_s].toInt(), 2001);
+    EXPECT_EQ(show[u"tracks"_s].toArray().size(), 2);
+    EXPECT_TRUE(show[u"credits"_s].isArray() && show[u"pictures"_s].isArray() && show[u"loans"_s].isArray());
+}
+
+TEST_F(Cli, AKilledImportHoldsEveryReleaseItHadPrinted)
+{
+    const QString music = MakeMusic(120, 3);
+    for (const int printed : {1, 17, 60}) {
+        SCOPED_TRACE(printed);
+        const QString path = FDir.File(u"killed%1.db"_s.arg(printed));
+        Run({u"new"_s, path});
+        QProcess process;
+        Prepare(process, {u"add-folder"_s, path, music});
+        process.start();
+        QByteArray out;
+        while (out.count("stored ") < printed && process.waitForReadyRead(60000))
+            out += process.readAllStandardOutput();
+        ::kill(static_cast<pid_t>(process.processId()), SIGKILL);
+        process.waitForFinished();
+        out += process.readAllStandardOutput();
+
+        TSQLiteConnection connection;
+        connection.Open(path);
+        EXPECT_EQ(connection.Scalar(u"PRAGMA integrity_check"_s).toString(), u"ok"_s);
+        const QRegularExpression pattern(u"stored (\\d+) (.*)\\n"_s);
+        int found = 0;
+        for (auto match = pattern.globalMatch(QString::fromUtf8(out)); match.hasNext(); ++found) {
+            const qint64 id = match.next().captured(1).toLongLong();
+            EXPECT_EQ(connection.Scalar(u"SELECT count(*) FROM Tracks2 WHERE ReleaseId = ?"_s, {id}).toInt(), 3);
+        }
+        EXPECT_GE(found, printed);
+        EXPECT_EQ(connection
+                      .Scalar(u"SELECT count(*) FROM Releases2 R WHERE "
+                              "(SELECT count(*) FROM Tracks2 WHERE ReleaseId = R.ID) <> 3"_s)
+                      .toInt(),
+                  0)
+            << "whole releases only";
+        connection.Close();
+        EXPECT_EQ(Run({u"info"_s, path}).Code, 0);
+    }
+}
+
+} // namespace Kestrune

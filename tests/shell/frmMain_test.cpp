@@ -1,0 +1,293 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "frmAddFiles.h"
+#include "frmMain.h"
+#include "uDefaults.h"
+#include "uScriptedPrompt.h"
+#include "uStartup.h"
+#include "uTestFiles.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+class MainForm : public testing::Test {
+protected:
+    MainForm() { Defaults() = MakeDefaults(); }
+
+    void OpenFilled()
+    {
+        FData.CreateNewDB(FPath, FData.GetNewDatabaseSQL());
+        Defaults().DBPath = FPath;
+        FForm.FormCreate({});
+        FForm.FormShow();
+        const std::tuple<QString, QString, QString, int> rows[] = {
+            {u"The Beatles"_s, u"Help"_s, u"In collection"_s, 1965},
+            {u"Abba"_s, u"Arrival"_s, u"Wanted item"_s, 1976},
+            {u"abc"_s, u"Lexicon"_s, u"In collection"_s, 1982},
+            {u"Zappa"_s, u"100% Zappa"_s, u"For sale"_s, 1979}};
+        for (const auto& [artist, name, status, year] : rows) {
+            TAlbumRelease release;
+            release.SetItem2(u"Artist"_s, artist);
+            release.SetItem2(u"ReleaseName"_s, name);
+            release.SetItem2(u"Status"_s, status);
+            release.SetItem2(u"ReleaseYear"_s, year);
+            release.SetItem2(u"MediaType"_s, u"CD"_s);
+            TAlbumTrack track;
+            track.TrackName = u"Song"_s;
+            track.DurationSec = 61;
+            release.Tracks = {track};
+            FData.AddAlbumReleaseToDB(release, true);
+        }
+    }
+    QStringList Shown()
+    {
+        QStringList names;
+        for (int row = 0; row < FData.qReleasesMain.RecordCount(); ++row)
+            names << FData.qReleasesMain.ValueAt(row, FData.qReleasesMain.FieldIndex(u"ReleaseName"_s)).toString();
+        return names;
+    }
+    // Serves the event loop until the signal comes.
+    template <typename TSignal>
+    void WaitFor(TSignal signal)
+    {
+        QEventLoop loop;
+        QObject::connect(&FForm, signal, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+
+    Kit::TTempDir FDir;
+    Kit::TScriptedPrompt FPrompt;
+    QString FPath = FDir.File(u"c.db"_s);
+    TDataModuleMain FData{FPrompt};
+    TKRNMainForm FForm{FData, FPrompt};
+};
+
+} // namespace
+
+TEST(Startup, OnlyTheFirstArgumentAsksForDebugMode)
+{
+    EXPECT_TRUE(IsDebugModeAsked({u"kestrune"_s, u"-DEBUG"_s}));
+    EXPECT_FALSE(IsDebugModeAsked({u"kestrune"_s, u"x"_s, u"-debug"_s}));
+    EXPECT_FALSE(IsDebugModeAsked({u"kestrune"_s}));
+    EXPECT_FALSE(IsDebugModeAsked({u"-debug"_s}));
+}
+
+TEST(Startup, StepsRunInTheirFixedOrder)
+{
+    QStringList log;
+    TStartupHost host;
+    host.SetDebugMode = [&](bool on) { log << (on ? u"debug"_s : u"plain"_s); };
+    host.ShowSplash = [&] {
+        log << u"splash"_s;
+        SetSplashSink([&](const QString& text) { log << text; });
+    };
+    host.InitialiseApplication = [&] { log << u"application"_s; };
+    host.CreateDataModuleImages = [&] { log << u"images"_s; };
+    host.CreateDataModuleMain = [&] { log << u"data"_s; };
+    host.CreateMainForm = [&] { log << u"form"_s; };
+    host.ShowMainForm = [&] { log << u"show"_s; };
+    RunStartup(host, {u"kestrune"_s, u"-debug"_s});
+    SetSplashSink({});
+    EXPECT_EQ(log, QStringList({u"debug"_s, u"splash"_s, u"application"_s, u"Loading icons and images..."_s,
+                                u"images"_s, u"Loading data..."_s, u"data"_s, u"form"_s, u"show"_s}));
+}
+
+TEST_F(MainForm, AFirstStartSaysOnceThatThereIsNoFile)
+{
+    FForm.FormCreate({});
+    FForm.FormShow();
+    FForm.WMAfterFormShow();
+    EXPECT_EQ(FPrompt.Errors, QStringList({u"Database file not found."_s}));
+    EXPECT_FALSE(FData.HasData());
+    EXPECT_EQ(FForm.OpenFailure(), u"Database file not found."_s);
+    EXPECT_FALSE(FForm.Actions().IsEnabled(u"actRefresh"_s));
+    EXPECT_TRUE(FForm.Actions().IsEnabled(u"actNewDatabase"_s));
+
+    FPrompt.FileAnswer = FPath;
+    FForm.Actions().Trigger(u"actNewDatabase"_s);
+    EXPECT_TRUE(FData.HasData());
+    EXPECT_EQ(FPrompt.Errors.size(), 1);
+    EXPECT_EQ(FForm.Caption(), u"c.db - Kestrune"_s);
+    EXPECT_EQ(FForm.RecentDBs(), QStringList({FPath}));
+}
+
+TEST_F(MainForm, OpeningShowsTheSplashTextsInOrder)
+{
+    FData.CreateNewDB(FPath, FData.GetNewDatabaseSQL());
+    Defaults().DBPath = FPath;
+    QStringList log;
+    SetSplashSink([&](const QString& text) { log << text; });
+    FForm.FormCreate([&] { log << u"debug window"_s; });
+    SetSplashSink({});
+    EXPECT_EQ(log, QStringList({u"debug window"_s, u"Loading settings..."_s, u"Loading albums..."_s,
+                                u"Loading pictures..."_s, u"Loading album info..."_s, u"Loading friends list..."_s,
+                                u"Loading loans..."_s, u"Loading tracks..."_s}));
+}
+
+TEST_F(MainForm, TheThreeFiltersStandSideBySide)
+{
+    OpenFilled();
+    FForm.FilterStatus(u"In collection"_s);
+    EXPECT_EQ(Shown(), QStringList({u"Help"_s, u"Lexicon"_s}));
+    FForm.LetterClick(u"A"_s);
+    FForm.LetterClick(u"A"_s);
+    EXPECT_EQ(Shown(), QStringList({u"Lexicon"_s}));
+    EXPECT_EQ(FForm.FilterChips().size(), 2u) << "a letter twice is one criterion";
+    FForm.SetSearchBy(u"ReleaseName"_s);
+    FForm.SetSearchText(u"nothing"_s);
+    FForm.Actions().Trigger(u"actSearch"_s);
+    EXPECT_TRUE(Shown().isEmpty());
+    FForm.SetSearchText(u"lex"_s);
+    FForm.Actions().Trigger(u"actSearch"_s);
+    EXPECT_EQ(Shown(), QStringList({u"Lexicon"_s}));
+    FForm.RemoveFilter(fckStatus);
+    FForm.LetterClick(u"All"_s);
+    EXPECT_EQ(FForm.FilterChips().size(), 1u);
+    FForm.Actions().Trigger(u"actFilterStatusOther"_s);
+    EXPECT_TRUE(FForm.FilterChips().empty());
+    EXPECT_FALSE(FData.qReleasesMain.FilterActive());
+    EXPECT_EQ(Shown().size(), 4);
+}
+
+TEST_F(MainForm, TheLetterBarWorksOnTheStoredText)
+{
+    OpenFilled();
+    FForm.LetterClick(u"T"_s);
+    EXPECT_EQ(Shown(), QStringList({u"Help"_s}));
+    FForm.SetLetterField(1);
+    EXPECT_TRUE(Shown().isEmpty());
+    FForm.LetterClick(u"h"_s);
+    EXPECT_EQ(Shown(), QStringList({u"Help"_s}));
+}
+
+TEST_F(MainForm, ListFieldsAreSearchedByEqualityOthersByText)
+{
+    OpenFilled();
+    struct {
+        const char16_t* Field;
+        const char16_t* Text;
+        int Rows;
+    } const cases[] = {{u"Status", u"Wanted item", 1}, {u"Status", u"Wanted", 0}, {u"MediaType", u"cd", 4},
+                       {u"ReleaseYear", u"197", 2},    {u"Artist", u"AB", 2},     {u"ReleaseName", u"0%", 1},
+                       {u"ReleaseName", u"", 4},       {u"Label", u"", 0},        {u"IsLive", u"No", 4}};
+    for (const auto& row : cases) {
+        SCOPED_TRACE(QString::fromUtf16(row.Field).toStdString() + " " + QString::fromUtf16(row.Text).toStdString());
+        FForm.SetSearchBy(QString::fromUtf16(row.Field));
+        FForm.SetSearchText(QString::fromUtf16(row.Text));
+        FForm.Actions().Trigger(u"actSearch"_s);
+        EXPECT_EQ(Shown().size(), row.Rows);
+    }
+}
+
+TEST_F(MainForm, TheDetailPaneFollowsAfterItsDelay)
+{
+    OpenFilled();
+    const qint64 id = FData.qReleasesMain.KeyAt(1);
+    FForm.SetFocusedRelease(FData.qReleasesMain.KeyAt(3));
+    FForm.SetFocusedRelease(id);
+    WaitFor(&TKRNMainForm::detailChanged);
+    EXPECT_EQ(FForm.Detail().ID, id) << "only the last one is read";
+    EXPECT_EQ(FForm.Detail().Title, u"Arrival"_s);
+    EXPECT_EQ(FForm.Detail().TracksSummary, u"1 · 1:01"_s);
+
+    FForm.SetDetailRating(9);
+    EXPECT_EQ(FForm.Detail().Rating, 9);
+    EXPECT_EQ(FData.qReleasesMain.Value(u"Rating_Calc"_s).toDouble(), 4.5) << "the row in the list is refreshed";
+}
+
+TEST_F(MainForm, RemovingAsksAndTakesTheSelection)
+{
+    OpenFilled();
+    FForm.SetSelection({FData.qReleasesMain.KeyAt(0), FData.qReleasesMain.KeyAt(2)});
+    FPrompt.YesNoAnswer = false;
+    FForm.Actions().Trigger(u"actRemoveSelected"_s);
+    EXPECT_EQ(Shown().size(), 4);
+    FPrompt.YesNoAnswer = true;
+    FForm.Actions().Trigger(u"actRemoveSelected"_s);
+    EXPECT_EQ(Shown(), QStringList({u"Arrival"_s, u"100% Zappa"_s}));
+    EXPECT_EQ(FPrompt.Questions.back(), u"Do you want to delete selected item(s)?"_s);
+    EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Tracks2"_s), 2);
+    EXPECT_TRUE(FForm.Selection().empty());
+}
+
+TEST_F(MainForm, HeadingsSortAndTurn)
+{
+    OpenFilled();
+    FForm.SortBy(u"Artist"_s, false);
+    EXPECT_EQ(Shown(), QStringList({u"Arrival"_s, u"Lexicon"_s, u"Help"_s, u"100% Zappa"_s}));
+    FForm.SortBy(u"Artist"_s, false);
+    EXPECT_EQ(Shown().front(), u"100% Zappa"_s);
+    FForm.SortBy(u"Status"_s, false);
+    FForm.SortBy(u"ReleaseYear"_s, true);
+    FForm.SortBy(u"ReleaseYear"_s, true);
+    EXPECT_EQ(Shown(), QStringList({u"100% Zappa"_s, u"Lexicon"_s, u"Help"_s, u"Arrival"_s}));
+    FForm.Actions().Trigger(u"actClearSorting"_s);
+    EXPECT_EQ(Shown().front(), u"Help"_s);
+}
+
+TEST_F(MainForm, FoldersAreAddedInTheBackground)
+{
+    OpenFilled();
+    for (int i = 1; i <= 2; ++i)
+        ASSERT_TRUE(Kit::RunProgram(u"ffmpeg"_s,
+                                    {u"-v"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s, u"sine=duration=1"_s,
+                                     u"-metadata"_s, u"artist=Test"_s, u"-metadata"_s, u"album=Tones"_s, u"-metadata"_s,
+                                     u"title=T%1"_s.arg(i), FDir.File(u"music/Tones/0%1.mp3"_s.arg(i))}));
+    FPrompt.FileAnswer = FDir.File(u"music"_s);
+    bool finished = false;
+    QObject::connect(&FForm, &TKRNMainForm::addFilesFinished, &FForm, [&] { finished = true; });
+    FForm.Actions().Trigger(u"actAddMP3"_s);
+    ASSERT_TRUE(FForm.AddFiles());
+    EXPECT_FALSE(FForm.Actions().IsEnabled(u"actRemoveSelected"_s)) << "while a run is on";
+    WaitFor(&TKRNMainForm::addFilesFinished);
+    ASSERT_TRUE(finished);
+    EXPECT_EQ(Shown().back(), u"Tones"_s);
+    EXPECT_EQ(FForm.StatusFigures().Total, 5);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(FForm.Actions().IsEnabled(u"actAddMP3"_s));
+}
+
+TEST_F(MainForm, AViewThatIsNotThereLeavesTheFirst)
+{
+    for (const auto& [stored, expected] : {std::pair{3, mvAlbums}, {0, mvThumbs}, {7, mvThumbs}, {-1, mvThumbs}}) {
+        Defaults().CurrentView = stored;
+        TKRNMainForm form(FData, FPrompt);
+        form.FormCreate({});
+        EXPECT_EQ(form.CurrentView(), expected) << stored;
+    }
+}
+
+TEST(Actions, EveryRowHasTextsAndShortcutsDoNotClash)
+{
+    QStringList shortcuts;
+    for (const TActionDef& def : ActionDefs()) {
+        SCOPED_TRACE(def.Name);
+        EXPECT_FALSE(QString::fromLatin1(def.CaptionKey).isEmpty());
+        if (*def.Shortcut) {
+            EXPECT_FALSE(shortcuts.contains(QString::fromLatin1(def.Shortcut)));
+            shortcuts << QString::fromLatin1(def.Shortcut);
+        }
+    }
+}
+
+TEST(Length, Texts)
+{
+    const std::pair<double, QString> cases[] = {{0, {}},
+                                                {-1, {}},
+                                                {59 / 86400.0, u"0:59"_s},
+                                                {61 / 86400.0, u"1:01"_s},
+                                                {3600 / 86400.0, u"1:00:00"_s},
+                                                {1.5, u"36:00:00"_s}};
+    for (const auto& [days, text] : cases)
+        EXPECT_EQ(LengthText(days), text);
+}
+
+} // namespace Kestrune
