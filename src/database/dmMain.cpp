@@ -53,6 +53,8 @@ TFieldDef RatingCalcField(const QString& labelKey)
     return field;
 }
 
+constexpr int MapKeptFor = 10000; // milliseconds
+
 const QString TracksCountSQL = QStringLiteral("(SELECT count(*) FROM Tracks2 WHERE ReleaseId = R.ID)");
 
 TDatasetDef ReleasesMainDef()
@@ -184,6 +186,13 @@ TDataModuleMain::TDataModuleMain(TPrompt& prompt)
     qTracksDetail.SetMaster(&qReleasesMain);
     qMusiciansPerRelease.SetMaster(&qReleasesMain);
     SetRules();
+    // Pages that a scan has mapped count as memory of the process, but mapping them again is what a scan waits for:
+    // they go when no filter or sort has followed for a while.
+    FMapTimer.setSingleShot(true);
+    FMapTimer.setInterval(MapKeptFor);
+    connect(&FMapTimer, &QTimer::timeout, this, [this] { FConnection.ReleaseFileMap(); });
+    for (const TListDataset* list : {&qReleasesMain, &qTracksAll})
+        connect(list, &TDataset::dataReset, &FMapTimer, qOverload<>(&QTimer::start));
 }
 
 TDataModuleMain::~TDataModuleMain() = default;
@@ -264,7 +273,6 @@ void TDataModuleMain::RefreshAll()
         cursor->Refresh();
     qTracksAll.EnableControls();
     qReleasesMain.EnableControls();
-    FConnection.ReleaseFileMap();
 }
 
 void TDataModuleMain::ApplyArticleSettings()

@@ -7,6 +7,7 @@
 
 #include <QObject>
 #include <QString>
+#include <QTimer>
 
 #include <functional>
 #include <vector>
@@ -132,6 +133,7 @@ private:
     void ReadTracks(TAlbumRelease& release);
 
     TPrompt& FPrompt;
+    QTimer FMapTimer; // gives the file map back some time after the last scan
     bool FAddingReleases = false;
     qint64 FLastAddedReleaseID = 0;
     const TAlbumRelease* FReleaseInWork = nullptr;

@@ -236,8 +236,6 @@ void TListDataset::ReadKeys()
         FKeys.push_back(statement.ColumnInt64(0));
     if (sortHere)
         std::ranges::sort(FKeys);
-    // The pages that the scan has mapped would count as the program's memory for the rest of the session.
-    Connection().ReleaseFileMap();
 }
 
 const TDataset::TRecord& TListDataset::RecordAt(int row) const

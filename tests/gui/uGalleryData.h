@@ -5,6 +5,10 @@
 #include <QByteArray>
 #include <QString>
 
+#include <vector>
+
+class QAction;
+
 namespace Kestrune::Kit {
 
 /// An invented release.
@@ -44,5 +48,8 @@ private:
 
 /// An encoded picture of a drawn cover.
 QByteArray SampleCover(int art, int side);
+
+/// Actions for the ribbon with the captions, icons and shortcuts of the program, without handlers.
+std::vector<QAction*> SampleActions(QObject* parent);
 
 } // namespace Kestrune::Kit

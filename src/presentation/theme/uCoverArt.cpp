@@ -23,6 +23,8 @@ namespace {
 constexpr int ShadowMargin = 12; // dip round the cover that the shadow may reach
 constexpr int ShadowCore = 24;   // dip of the cover in the 9-patch, corners and a stretchable middle
 
+constexpr int LeastSideWithTexts = 48;
+
 struct TShadowLayer {
     qreal Down;
     qreal Blur;
@@ -253,8 +255,10 @@ QPixmap DrawnCover(int side, qreal ratio, const QString& title, const QString& a
     const int pixels = static_cast<int>(std::lround(side * ratio));
     QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&image);
-    PaintDrawnCover(painter, QRectF(0, 0, pixels, pixels), title, artist, LooksLikeDisc(mediaType),
-                    CoverGroundOf(artist), theme);
+    // Texts of a mini cover could not be read.
+    const bool texts = side >= LeastSideWithTexts;
+    PaintDrawnCover(painter, QRectF(0, 0, pixels, pixels), texts ? title : QString(), texts ? artist : QString(),
+                    LooksLikeDisc(mediaType), CoverGroundOf(artist), theme);
     painter.end();
     return FinishCover(image, ratio, theme);
 }
