@@ -131,8 +131,8 @@ void AddPictures(TAlbumRelease& release, const TKRN_MP3_Tracks& tracks, const TM
         AddPicture(release, cptFrontLarge, covered->Cover);
     if (options.FindCovers)
         AddFoundPictures(release, options);
-    if (const TCoverPicture* front = release.GetPicByType(cptFrontLarge))
-        AddPicture(release, cptFrontThumb, MakeThumbnail(front->Bytes(), options.ThumbHeight));
+    if (TCoverPicture* front = release.GetPicByType(cptFrontLarge))
+        front->PrepareThumbnail(options.ThumbHeight);
 }
 
 } // namespace

@@ -10,7 +10,7 @@
 namespace Kestrune {
 
 /// The release that the tracks of one folder make, with pictures from the tags and from beside the files, and with
-/// the thumbnail of its front. None for no tracks.
+/// the thumbnail of its front prepared. None for no tracks.
 std::optional<TAlbumRelease> CreateReleaseFromTracks(const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options);
 
 } // namespace Kestrune

@@ -120,10 +120,10 @@ TEST(MP3Release, OptionsChooseThePictures)
         const char* Expected; // type:width
     } rows[] = {
         {"none", false, true, true, true, {}, ""},
-        {"all", true, true, true, true, {}, "1:10 3:11 5:12 6:13 6:14 0:50"},
-        {"front alone", true, false, false, false, {}, "1:10 0:50"},
-        {"tag before the folder", true, true, false, false, Kit::MakePicture(20, 10, "JPG"), "1:20 3:11 0:100"},
-        {"tag alone", false, true, true, true, Kit::MakePicture(20, 10, "JPG"), "1:20 0:100"},
+        {"all", true, true, true, true, {}, "1:10 3:11 5:12 6:13 6:14"},
+        {"front alone", true, false, false, false, {}, "1:10"},
+        {"tag before the folder", true, true, false, false, Kit::MakePicture(20, 10, "JPG"), "1:20 3:11"},
+        {"tag alone", false, true, true, true, Kit::MakePicture(20, 10, "JPG"), "1:20"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.Name);
@@ -132,7 +132,6 @@ TEST(MP3Release, OptionsChooseThePictures)
         options.BackCover = row.Back;
         options.MediaCover = row.Media;
         options.OtherImages = row.Other;
-        options.ThumbHeight = 50;
         track.Cover = row.Cover;
         QStringList shown;
         const auto release = CreateReleaseFromTracks({track}, options);
