@@ -30,6 +30,8 @@ function(kestrune_gtest NAME)
   cmake_parse_arguments(ARG "" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${NAME} ${ARG_SOURCES})
   target_link_libraries(${NAME} PRIVATE kestrune_settings ${ARG_LIBS} test_support GTest::gtest GTest::gmock test_main)
+  # Fixtures in anonymous namespaces are private to their file, which a unity build hides from the compiler.
+  target_compile_options(${NAME} PRIVATE -Wno-subobject-linkage)
   gtest_discover_tests(${NAME} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300
     ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QT_FONT_DPI=96")
 endfunction()

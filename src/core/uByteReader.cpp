@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uByteReader.h"
 
-#include <algorithm>
-#include <cstring>
-#include <iterator>
-
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
 
 namespace Kestrune {
 
@@ -126,11 +126,11 @@ qint64 TMemorySource::ReadAt(qint64 offset, char* to, qint64 length)
     return length;
 }
 
-TWindowSource::TWindowSource(TByteSource& source, qint64 offset, qint64 length) :
-    FSource(source), FOffset(std::clamp<qint64>(offset, 0, source.Size())),
-    FLength(std::clamp<qint64>(length, 0, source.Size() - FOffset))
-{
-}
+TWindowSource::TWindowSource(TByteSource& source, qint64 offset, qint64 length)
+    : FSource(source),
+      FOffset(std::clamp<qint64>(offset, 0, source.Size())),
+      FLength(std::clamp<qint64>(length, 0, source.Size() - FOffset))
+{}
 
 qint64 TWindowSource::ReadAt(qint64 offset, char* to, qint64 length)
 {

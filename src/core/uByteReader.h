@@ -26,8 +26,8 @@ public:
 };
 
 /// A file on disk, opened read-only. Keeps its head and its tail in memory after the first read of either, so that
-/// several readers which look at both cost one system call each. The memory for them is passed on from file to file of a
-/// thread: taken and given back for each of thousands of files, it would cost more than the reading.
+/// several readers which look at both cost one system call each. The memory for them is passed on from file to file of
+/// a thread: taken and given back for each of thousands of files, it would cost more than the reading.
 class TFileSource final : public TByteSource {
 public:
     static constexpr qint64 HeadSize = 16 * 1024;

@@ -10,7 +10,7 @@ namespace Kestrune {
 
 /// A set of values of an enumeration whose values lie in 0 to 63.
 template <typename T>
-    requires std::is_enum_v<T>
+requires std::is_enum_v<T>
 class TEnumSet {
 public:
     constexpr TEnumSet() = default;

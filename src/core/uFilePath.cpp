@@ -64,7 +64,9 @@ std::filesystem::path TextToPath(const QString& text)
     std::string bytes;
     bytes.reserve(static_cast<size_t>(text.size()));
     qsizetype start = 0;
-    const auto flush = [&](qsizetype end) { bytes += QStringView(text).sliced(start, end - start).toUtf8().toStdString(); };
+    const auto flush = [&](qsizetype end) {
+        bytes += QStringView(text).sliced(start, end - start).toUtf8().toStdString();
+    };
     for (qsizetype i = 0; i < text.size(); ++i) {
         if (!IsEscape(text[i]))
             continue;

@@ -65,8 +65,8 @@ TVariant VarToInt64(const TVariant& value)
             return {};
         return RoundHalfEven(number);
     }
-    const qint64 number = value.typeId() == QMetaType::QString ? value.toString().trimmed().toLongLong(&ok)
-                                                               : value.toLongLong(&ok);
+    const qint64 number =
+        value.typeId() == QMetaType::QString ? value.toString().trimmed().toLongLong(&ok) : value.toLongLong(&ok);
     return ok ? TVariant(number) : TVariant();
 }
 

@@ -40,14 +40,12 @@ qint64 RoundHalfEven(double value);
 class TStringWithValue {
 public:
     TStringWithValue() = default;
-    TStringWithValue(QString displayName, QString value) :
-        FParamDisplayName(std::move(displayName)), FParamValue(std::move(value))
-    {
-    }
-    explicit TStringWithValue(std::pair<QString, QString> keyAndValue) :
-        FParamDisplayName(std::move(keyAndValue.first)), FParamValue(std::move(keyAndValue.second))
-    {
-    }
+    TStringWithValue(QString displayName, QString value)
+        : FParamDisplayName(std::move(displayName)), FParamValue(std::move(value))
+    {}
+    explicit TStringWithValue(std::pair<QString, QString> keyAndValue)
+        : FParamDisplayName(std::move(keyAndValue.first)), FParamValue(std::move(keyAndValue.second))
+    {}
 
     const QString& DisplayName() const { return FParamDisplayName; }
     void SetDisplayName(const QString& name) { FParamDisplayName = name; }

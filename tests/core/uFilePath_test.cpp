@@ -10,13 +10,13 @@ TEST(FilePath, EveryNameLeadsBackToItsBytes)
 {
     const std::string names[] = {"plain",
                                  "caf\xC3\xA9",
-                                 "caf\xE9",                 // ISO-8859-1
-                                 "\xF0\x9F\x8E\xB5",        // beyond the basic plane
-                                 "\xF4\x90\x80\x80",        // beyond Unicode
-                                 "\xED\xA0\x80",            // a surrogate
-                                 "\xC0\xAF",                // an overlong form
+                                 "caf\xE9",                  // ISO-8859-1
+                                 "\xF0\x9F\x8E\xB5",         // beyond the basic plane
+                                 "\xF4\x90\x80\x80",         // beyond Unicode
+                                 "\xED\xA0\x80",             // a surrogate
+                                 "\xC0\xAF",                 // an overlong form
                                  "\xEE\xBE\x80\xEE\xBF\xBF", // characters of the escape range
-                                 "a\xEE\xBE",               // cut
+                                 "a\xEE\xBE",                // cut
                                  "\xFF\xFE/\x80"};
     for (const std::string& name : names) {
         const QString text = PathToText(name);

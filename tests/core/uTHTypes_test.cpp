@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uTHTypes.h"
-
 #include "uTestFiles.h"
 
 #include <QDate>
@@ -35,8 +34,8 @@ TEST(Variant, ComparesAcrossNumericKinds)
 TEST(Variant, NumbersThatDoNotParseAreNull)
 {
     EXPECT_EQ(VarToInt64(u" 42 "_s).toLongLong(), 42);
-    for (const TVariant& bad : {TVariant(u"x"_s), TVariant(u""_s), TVariant(u"1.5"_s), TVariant(), TVariant(1e300),
-                                TVariant(std::nan(""))})
+    for (const TVariant& bad :
+         {TVariant(u"x"_s), TVariant(u""_s), TVariant(u"1.5"_s), TVariant(), TVariant(1e300), TVariant(std::nan(""))})
         EXPECT_TRUE(VarIsNull(VarToInt64(bad)));
     EXPECT_EQ(VarToDouble(u"1.5"_s).toDouble(), 1.5);
     EXPECT_TRUE(VarIsNull(VarToDouble(u"1,5"_s)));
@@ -45,8 +44,9 @@ TEST(Variant, NumbersThatDoNotParseAreNull)
 
 TEST(Variant, RoundsHalvesToEven)
 {
-    const std::pair<double, qint64> cases[] = {{0.5, 0},   {1.5, 2},   {2.5, 2},  {-0.5, 0}, {-1.5, -2},
-                                               {2.4999, 2}, {7.0, 7}, {1e30, std::numeric_limits<qint64>::max()}};
+    const std::pair<double, qint64> cases[] = {
+        {0.5, 0},   {1.5, 2},    {2.5, 2}, {-0.5, 0},
+        {-1.5, -2}, {2.4999, 2}, {7.0, 7}, {1e30, std::numeric_limits<qint64>::max()}};
     for (const auto& [value, expected] : cases)
         EXPECT_EQ(RoundHalfEven(value), expected) << value;
     EXPECT_EQ(RoundHalfEven(std::nan("")), 0);

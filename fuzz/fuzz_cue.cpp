@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Cue sheets: decoding, parsing and cutting the files of a folder.
+#include "uCueSheet.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+using namespace Kestrune;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+TKRN_MP3_Track FuzzSource(const QString& path, const QString& type, int seconds)
+{
+    TKRN_MP3_Track track;
+    track.FilePath = path;
+    track.FileType = type;
+    track.DurationSec = seconds;
+    return track;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
+{
+    static const TKRN_MP3_Tracks scanned{FuzzSource(u"/m/a.wav"_s, {}, 300), FuzzSource(u"/m/b.flac"_s, {}, 0),
+                                         FuzzSource(u"/m/c.iso"_s, u"ISO:/D.WAV"_s, 60)};
+    const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
+    const TCueSheet sheet = ParseCueSheet(DecodeCueText(bytes));
+    for (const TKRN_MP3_Tracks& files : {scanned, TKRN_MP3_Tracks{scanned[0]}}) {
+        const TKRN_MP3_Tracks tracks = ApplyCueSheet(sheet, files);
+        if (tracks.size() > sheet.Tracks.size())
+            std::abort();
+        for (const TKRN_MP3_Track& track : tracks) {
+            if (track.DurationSec < 0 || track.FilePath.isEmpty() || track.No < 1)
+                std::abort();
+        }
+    }
+    return 0;
+}

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dmMain.h"
+#include "frmMain.h"
+#include "uDebugLog.h"
+#include "uDefaults.h"
+#include "uMainWindow.h"
+#include "uSplash.h"
+#include "uStartup.h"
+#include "uThemeController.h"
+#include "uWidgetPrompt.h"
+
+#include <QApplication>
+#include <QImageReader>
+
+#include <memory>
+#include <optional>
+
+using namespace Kestrune;
+
+namespace {
+
+constexpr int LargestPicture = 512; // MiB of a decoded picture
+
+/// What lives as long as the process, in the order in which it is made. Later members use earlier ones.
+struct TSingletons {
+    TWidgetPrompt Prompt;
+    std::optional<TThemeController> Images; ///< TDataModuleImages: theme and icons
+    std::optional<TDataModuleMain> Data;
+    std::optional<TKRNMainForm> Form;
+    std::optional<TMainWindow> Window;
+    std::unique_ptr<TSplashForm> Splash;
+    bool DebugMode = false;
+};
+
+TStartupHost MakeHost(TSingletons& our)
+{
+    TStartupHost host;
+    host.SetDebugMode = [&](bool on) { our.DebugMode = on; };
+    host.ShowSplash = [&] {
+        our.Splash = std::make_unique<TSplashForm>();
+        our.Splash->show();
+        SetSplashSink([&](const QString& text) { our.Splash->SetText(text); });
+    };
+    host.InitialiseApplication = [] {
+        QApplication::setApplicationDisplayName(Defaults().OEM.Name);
+        QApplication::setDesktopFileName(QStringLiteral("org.kestrune.Kestrune"));
+        QImageReader::setAllocationLimit(LargestPicture);
+    };
+    host.CreateDataModuleImages = [&] {
+        our.Images.emplace();
+        our.Images->Apply(Defaults().ThemeIndex, Defaults().ColorSchemeAccentIndex);
+    };
+    host.CreateDataModuleMain = [&] { our.Data.emplace(our.Prompt); };
+    host.CreateMainForm = [&] {
+        our.Form.emplace(*our.Data, our.Prompt);
+        our.Window.emplace(*our.Form, *our.Images, our.DebugMode);
+        our.Prompt.SetWindow(&*our.Window);
+    };
+    host.ShowMainForm = [&] {
+        QObject::connect(&*our.Window, &TMainWindow::shownFirst, &*our.Window, [&] {
+            SetSplashSink({});
+            our.Splash.reset();
+        });
+        our.Window->ShowRestored();
+    };
+    return host;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication application(argc, argv);
+    LoadSettings();
+    int code = 0;
+    {
+        TSingletons singletons;
+        RunStartup(MakeHost(singletons), QApplication::arguments());
+        code = QApplication::exec();
+        SetDebugLogSink({});
+    }
+    SaveSettings();
+    return code;
+}

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uCommand.h"
+#include "uDebugLog.h"
+#include "uDefaults.h"
+
+#include <QGuiApplication>
+
+#include <cstdio>
+
+using namespace Kestrune;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+void PrintHelp(const std::vector<std::unique_ptr<TCommand>>& commands)
+{
+    PrintLine(u"Usage: kestrune-cli COMMAND [options] [arguments]\n\nCommands:"_s);
+    for (const auto& command : commands)
+        PrintLine(u"  %1%2"_s.arg(command->Name(), -14).arg(command->Summary()));
+    PrintLine(u"\n--help, also behind a command, and --version are understood.\n"
+              "Exit code: 0 done, 1 failed, 2 wrong usage."_s);
+}
+
+int Fail(const QString& sentence, int code)
+{
+    std::fprintf(stderr, "kestrune-cli: %s\n", qUtf8Printable(sentence));
+    return code;
+}
+
+int RunCommand(TCommand& command, const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(command.Summary());
+    const QCommandLineOption help({u"h"_s, u"help"_s}, u"show this help"_s);
+    const QCommandLineOption version({u"v"_s, u"version"_s}, u"show the version"_s);
+    parser.addOption(help);
+    parser.addOption(version);
+    parser.addPositionalArgument(command.Name(), command.Summary());
+    command.Describe(parser);
+    if (!parser.parse(arguments))
+        return Fail(parser.errorText(), 2);
+    if (parser.isSet(help)) {
+        PrintLine(parser.helpText());
+        return 0;
+    }
+    if (parser.isSet(version)) {
+        PrintLine(u"kestrune-cli "_s + QCoreApplication::applicationVersion());
+        return 0;
+    }
+    try {
+        command.Run(parser);
+        return 0;
+    } catch (const EUsageError& error) {
+        return Fail(QString::fromUtf8(error.what()), 2);
+    } catch (const std::exception& error) {
+        return Fail(QString::fromUtf8(error.what()), 1);
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // Standard error belongs to our own sentences.
+    qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& text) { DebugLog(u"[Qt] "_s + text); });
+    // Image plugins need a GUI application; no display is needed for it.
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QGuiApplication application(argc, argv);
+    QCoreApplication::setApplicationName(u"kestrune-cli"_s);
+    QCoreApplication::setApplicationVersion(QStringLiteral(KESTRUNE_VERSION));
+    const QStringList arguments = QCoreApplication::arguments();
+    const auto commands = AllCommands();
+    const QString word = arguments.value(1);
+    if (word == "--help"_L1 || word == "-h"_L1) {
+        PrintHelp(commands);
+        return 0;
+    }
+    if (word == "--version"_L1 || word == "-v"_L1) {
+        PrintLine(u"kestrune-cli "_s + QCoreApplication::applicationVersion());
+        return 0;
+    }
+    for (const auto& command : commands) {
+        if (command->Name() != word)
+            continue;
+        LoadSettings();
+        if (const QString broken = Defaults().BrokenSettingsFile; !broken.isEmpty())
+            Fail(u"the settings file could not be read and was kept as %1; default settings apply"_s.arg(broken), 0);
+        return RunCommand(*command, arguments);
+    }
+    return Fail(word.isEmpty() ? u"a command is needed; see --help"_s : u"no command %1; see --help"_s.arg(word), 2);
+}

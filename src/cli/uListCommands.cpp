@@ -1,0 +1,283 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dmMain.h"
+#include "uCommand.h"
+#include "uSearch.h"
+
+#include <QCryptographicHash>
+#include <QDateTime>
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include <algorithm>
+#include <cmath>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QJsonValue ToJson(const TVariant& value)
+{
+    switch (value.typeId()) {
+    case QMetaType::UnknownType: return QJsonValue::Null;
+    case QMetaType::Bool: return value.toBool();
+    case QMetaType::Int:
+    case QMetaType::LongLong: return value.toLongLong();
+    case QMetaType::Double: return value.toDouble();
+    default: return VarToStr(value);
+    }
+}
+
+// All fields of a record but pictures, by column name.
+QJsonObject RecordToJson(const TDataset& cursor, int row)
+{
+    QJsonObject object;
+    for (int i = 0; i < static_cast<int>(cursor.Fields().size()); ++i) {
+        const TFieldDef& field = cursor.Fields()[static_cast<size_t>(i)];
+        if (field.Kind != fkBlob)
+            object.insert(field.Name, ToJson(cursor.ValueAt(row, i)));
+    }
+    return object;
+}
+
+QJsonArray RecordsToJson(const TDataset& cursor)
+{
+    QJsonArray array;
+    for (int row = 0; row < cursor.RecordCount(); ++row)
+        array.append(RecordToJson(cursor, row));
+    return array;
+}
+
+const TSearchField& FieldByWord(const std::vector<TSearchField>& fields, const QString& word)
+{
+    for (const TSearchField& field : fields) {
+        if (field.Column.compare(word, Qt::CaseInsensitive) == 0 ||
+            field.Caption.compare(word, Qt::CaseInsensitive) == 0)
+            return field;
+    }
+    throw EUsageError(u"no field %1 to search by"_s.arg(word));
+}
+
+std::vector<TSortItem> ParseSort(const QString& text, const TDataset& list)
+{
+    std::vector<TSortItem> sort;
+    for (const QString& part : text.split(u',', Qt::SkipEmptyParts)) {
+        const QString trimmed = part.trimmed();
+        const TSortItem item{trimmed.startsWith(u'-') ? trimmed.mid(1) : trimmed, trimmed.startsWith(u'-')};
+        if (list.FieldIndex(item.Column) < 0)
+            throw EUsageError(u"no column %1 to sort by"_s.arg(item.Column));
+        sort.push_back(item);
+    }
+    return sort;
+}
+
+class TListCommand final : public TCommand {
+public:
+    QString Name() const override { return u"list"_s; }
+    QString Summary() const override { return u"list the releases or tracks of a collection"_s; }
+    void Describe(QCommandLineParser& parser) const override
+    {
+        parser.addPositionalArgument(u"FILE"_s, u"the collection"_s);
+        parser.addOptions(
+            {{u"tracks"_s, u"list tracks in place of releases"_s},
+             {u"search"_s, u"only rows whose field holds this text; % and _ are wildcards"_s, u"TEXT"_s},
+             {u"by"_s, u"the field to search in (column name or caption), ReleaseName if left out"_s, u"FIELD"_s},
+             {u"letter"_s, u"only artists that begin with this letter"_s, u"X"_s},
+             {u"status"_s, u"only releases with this status"_s, u"S"_s},
+             {u"sort"_s, u"columns to sort by, - for descending, as in \"Artist,-ReleaseYear\""_s, u"COLUMNS"_s},
+             {u"limit"_s, u"at most this many rows"_s, u"N"_s},
+             {u"json"_s, u"print an array of objects by column name"_s}});
+    }
+
+    void Run(const QCommandLineParser& parser) override
+    {
+        TOpenCollection collection(Arguments(parser, 1, 1).front());
+        const bool tracks = parser.isSet(u"tracks"_s);
+        TListDataset& list = tracks ? collection.Data().qTracksAll : collection.Data().qReleasesMain;
+        ApplyFilters(parser, list, tracks);
+        const int count = RowCount(parser, list);
+        if (parser.isSet(u"json"_s))
+            PrintRowsAsJson(list, count);
+        else
+            PrintRows(list, count, tracks);
+    }
+
+private:
+    static int RowCount(const QCommandLineParser& parser, const TDataset& list)
+    {
+        if (!parser.isSet(u"limit"_s))
+            return list.RecordCount();
+        bool ok = false;
+        const int limit = parser.value(u"limit"_s).toInt(&ok);
+        if (!ok || limit < 0)
+            throw EUsageError(u"--limit takes a number"_s);
+        return std::min(limit, list.RecordCount());
+    }
+
+    static void ApplyFilters(const QCommandLineParser& parser, TListDataset& list, bool tracks)
+    {
+        const QString artistColumn = tracks ? u"ReleaseArtist"_s : u"Artist"_s;
+        const std::vector<TSortItem> sort = ParseSort(parser.value(u"sort"_s), list);
+        if (parser.isSet(u"search"_s)) {
+            const QString by = parser.isSet(u"by"_s) ? parser.value(u"by"_s) : u"ReleaseName"_s;
+            list.Filter().Add(
+                SearchCriterion(FieldByWord(SearchFieldsOf(list, tracks), by), parser.value(u"search"_s)));
+        }
+        if (parser.isSet(u"letter"_s))
+            list.Filter().Add(LetterCriterion(artistColumn, parser.value(u"letter"_s)));
+        if (parser.isSet(u"status"_s)) {
+            if (tracks)
+                throw EUsageError(u"tracks have no status"_s);
+            list.Filter().Add(StatusCriterion(parser.value(u"status"_s)));
+        }
+        list.SetFilterActive(!list.Filter().IsEmpty());
+        if (!list.Active())
+            list.Open();
+        list.SetSort(sort);
+    }
+
+    // Written row by row: a large collection is never held as one document.
+    static void PrintRowsAsJson(const TDataset& list, int count)
+    {
+        PrintLine(u"["_s);
+        for (int row = 0; row < count; ++row) {
+            const QByteArray object = QJsonDocument(RecordToJson(list, row)).toJson(QJsonDocument::Compact);
+            PrintLine(QString::fromUtf8(object) + (row + 1 < count ? u","_s : QString()));
+        }
+        PrintLine(u"]"_s);
+    }
+
+    static void PrintRows(const TDataset& list, int count, bool tracks)
+    {
+        const QStringList columns =
+            tracks ? QStringList{u"ID"_s, u"Artist"_s, u"TrackTitle"_s, u"ReleaseName"_s, u"TrackNo"_s}
+                   : QStringList{u"ID"_s, u"Artist"_s, u"ReleaseName"_s, u"ReleaseYear"_s, u"TotalTracksCount"_s};
+        for (int row = 0; row < count; ++row) {
+            QStringList cells;
+            for (const QString& column : columns)
+                cells << VarToStr(list.ValueAt(row, list.FieldIndex(column)));
+            PrintLine(cells.join(u'\t'));
+        }
+    }
+};
+
+QString PictureTypeName(TCoverPictureType type)
+{
+    switch (type) {
+    case cptFrontThumb: return u"cptFrontThumb"_s;
+    case cptFrontLarge: return u"cptFrontLarge"_s;
+    case cptBackThumb: return u"cptBackThumb"_s;
+    case cptBackLarge: return u"cptBackLarge"_s;
+    case cptMediaThumb: return u"cptMediaThumb"_s;
+    case cptMediaLarge: return u"cptMediaLarge"_s;
+    case cptOther: break;
+    }
+    return u"cptOther"_s;
+}
+
+class TShowCommand final : public TCommand {
+public:
+    QString Name() const override { return u"show"_s; }
+    QString Summary() const override { return u"show one release with its tracks, credits and pictures"_s; }
+    void Describe(QCommandLineParser& parser) const override
+    {
+        parser.addPositionalArgument(u"FILE"_s, u"the collection"_s);
+        parser.addPositionalArgument(u"ID"_s, u"the ID of the release"_s);
+        parser.addOption({u"json"_s, u"print one JSON object"_s});
+    }
+    void Run(const QCommandLineParser& parser) override
+    {
+        const QStringList arguments = Arguments(parser, 2, 2);
+        bool ok = false;
+        const qint64 id = arguments[1].toLongLong(&ok);
+        if (!ok)
+            throw EUsageError(u"ID is a number"_s);
+        TOpenCollection collection(arguments[0]);
+        TDataModuleMain& data = collection.Data();
+        data.SelectRelease(id);
+        if (data.qReleaseInfo.IsEmpty())
+            throw ECommandError(u"there is no release %1"_s.arg(id));
+        const QJsonObject object{{u"release"_s, RecordToJson(data.qReleaseInfo, 0)},
+                                 {u"tracks"_s, Tracks(data)},
+                                 {u"credits"_s, RecordsToJson(data.qMusiciansPerRelease)},
+                                 {u"pictures"_s, Pictures(data)},
+                                 {u"loans"_s, Loans(data, id)}};
+        if (parser.isSet(u"json"_s))
+            PrintJson(QJsonDocument(object));
+        else
+            PrintText(object);
+    }
+
+private:
+    static QJsonArray Tracks(TDataModuleMain& data)
+    {
+        QJsonArray tracks;
+        data.qMusiciansPerTrack.SetMaster(&data.qTracksDetail);
+        for (int row = 0; row < data.qTracksDetail.RecordCount(); ++row) {
+            data.qTracksDetail.MoveTo(row);
+            QJsonObject track = RecordToJson(data.qTracksDetail, row);
+            track.insert(u"credits"_s, RecordsToJson(data.qMusiciansPerTrack));
+            tracks.append(track);
+        }
+        data.qMusiciansPerTrack.SetMaster(nullptr);
+        return tracks;
+    }
+
+    static QJsonArray Pictures(TDataModuleMain& data)
+    {
+        QJsonArray pictures;
+        for (const auto& picture : data.CurrentReleaseToAlbumRelease().Pictures) {
+            const QByteArray& bytes = picture->Bytes();
+            const QByteArray sha1 = QCryptographicHash::hash(bytes, QCryptographicHash::Sha1).toHex();
+            pictures.append(QJsonObject{{u"type"_s, PictureTypeName(picture->PictureType())},
+                                        {u"bytes"_s, bytes.size()},
+                                        {u"width"_s, std::max(0, picture->Size().width())},
+                                        {u"height"_s, std::max(0, picture->Size().height())},
+                                        {u"format"_s, QString::fromLatin1(picture->Format())},
+                                        {u"sha1"_s, QString::fromLatin1(sha1)}});
+        }
+        return pictures;
+    }
+
+    static QJsonArray Loans(TDataModuleMain& data, qint64 id)
+    {
+        QJsonArray loans;
+        const int release = data.qLoans.FieldIndex(u"ReleaseId"_s);
+        for (int row = 0; row < data.qLoans.RecordCount(); ++row) {
+            if (data.qLoans.ValueAt(row, release).toLongLong() == id)
+                loans.append(RecordToJson(data.qLoans, row));
+        }
+        return loans;
+    }
+
+    static void PrintText(const QJsonObject& object)
+    {
+        const QJsonObject release = object[u"release"_s].toObject();
+        for (auto field = release.begin(); field != release.end(); ++field) {
+            if (!field.value().isNull())
+                PrintLine(u"%1\t%2"_s.arg(field.key(), field.value().toVariant().toString()));
+        }
+        for (const QJsonValue& track : object[u"tracks"_s].toArray()) {
+            const double seconds = std::nearbyint(track[u"TrackLength"_s].toDouble() * 86400.0);
+            PrintLine(u"track\t%1.%2\t%3\t%4"_s.arg(track[u"DiscNo"_s].toInt())
+                          .arg(track[u"TrackNo"_s].toInt())
+                          .arg(track[u"TrackTitle"_s].toString())
+                          .arg(seconds));
+        }
+        for (const QJsonValue& credit : object[u"credits"_s].toArray())
+            PrintLine(u"credit\t%1\t%2"_s.arg(credit[u"Musician"_s].toString(), credit[u"Instrument"_s].toString()));
+        for (const QJsonValue& picture : object[u"pictures"_s].toArray())
+            PrintLine(u"picture\t%1\t%2 x %3\t%4 bytes"_s.arg(picture[u"type"_s].toString())
+                          .arg(picture[u"width"_s].toInt())
+                          .arg(picture[u"height"_s].toInt())
+                          .arg(picture[u"bytes"_s].toInt()));
+    }
+};
+
+} // namespace
+
+std::unique_ptr<TCommand> MakeListCommand() { return std::make_unique<TListCommand>(); }
+std::unique_ptr<TCommand> MakeShowCommand() { return std::make_unique<TShowCommand>(); }
+
+} // namespace Kestrune

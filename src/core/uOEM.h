@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+namespace Kestrune {
+
+/// Who the product is and which keys it has for online services.
+struct TOEMInfo {
+    QString Name = QStringLiteral("Kestrune");
+    QString HomepageLink;
+    QString OrderLink;
+    QString SupportLink;
+    QString Company = QStringLiteral("Kestrune");
+    QString ShortCompanyName = QStringLiteral("Kestrune");
+    QString Product = QStringLiteral("Kestrune");
+    QString DISCOGS_API_KEY;
+    QString DISCOGS_API_SECRET_KEY;
+    QString AMAZON_API_KEY;
+    QString AMAZON_API_KEY_PRIVATE;
+    QString AmazonAffiliateName;
+    QString HTTPAgent = QStringLiteral("Kestrune/0.1");
+    QString LAST_FM_API_KEY;
+};
+
+/// Reads the product identity from an XML file whose root has an attribute per field. Fields whose attribute is
+/// absent keep their built-in value; a missing or malformed file leaves all of them.
+TOEMInfo LoadOEMInfo(const QString& path);
+
+/// The product identity file in the program folder.
+QString OEMInfoPath();
+
+} // namespace Kestrune

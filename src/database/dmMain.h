@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "uDataSet.h"
+#include "uObjs.h"
+#include "uSQLite.h"
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <functional>
+#include <vector>
+
+namespace Kestrune {
+
+class TPrompt;
+
+/// The one gateway to the collection: its connection, its long-lived cursors, and the roads between them and
+/// TAlbumRelease. Main thread only. Operations on the file throw EDatabaseError.
+class TDataModuleMain : public QObject {
+    Q_OBJECT
+
+public:
+    /// `prompt` is asked and told about files that are opened; it outlives the module.
+    explicit TDataModuleMain(TPrompt& prompt);
+    ~TDataModuleMain() override;
+
+    /// The creation script of a collection at the current version.
+    QString GetNewDatabaseSQL() const;
+    /// Makes a new file, replacing any of that name, and leaves it closed. Closes the open collection first.
+    void CreateNewDB(const QString& filepath, const QString& sql);
+    /// Opens a collection and raises it to the current version. A file that is none gives the user the reason and
+    /// leaves everything as it was: false. A declined conversion leaves the connection open without cursors: false.
+    bool ConnectToDB(const QString& filepath);
+    /// Closes the cursors and the connection.
+    void Disconnect();
+    /// The version number of the open file; 0 when its text is no number.
+    int GetDBVersion();
+    /// Rewrites the file without free space; an old one also gains incremental vacuum and the application id.
+    void VacuumDB();
+    /// True when the cursors are open.
+    bool HasData() const { return qReleasesMain.Active(); }
+    bool IsReadOnly() const { return FConnection.IsReadOnly(); }
+    /// Path of the open file, or empty.
+    QString CurrentFile() const { return FConnection.Path(); }
+
+    /// Stores a release with its tracks, credits and pictures in one transaction. On failure nothing is stored and
+    /// the cursors stay usable.
+    void AddAlbumReleaseToDB(const TAlbumRelease& release, bool assignNewNo);
+    /// The row that AddAlbumReleaseToDB stored last.
+    qint64 LastAddedReleaseID() const { return FLastAddedReleaseID; }
+    bool AddingReleases() const { return FAddingReleases; }
+    /// A copy of the release on which qReleaseInfo and the child cursors stand.
+    TAlbumRelease CurrentReleaseToAlbumRelease();
+    /// Moves qReleaseInfo, qOtherPictures and the main list, where it holds the release, to a release.
+    void SelectRelease(qint64 id);
+
+    /// Runs a statement or a script.
+    void ExecSQL(const QString& sql);
+    /// First column of the first row as a number; -1 when it is null or there is no row.
+    qint64 ExecSQLAndGetID(const QString& sql);
+
+    void StartTransaction();
+    void CommitTransaction();
+    void RollbackTransaction();
+
+    static void PostIfApplicable(TDataset& dataSet);
+    static void CancelIfApplicable(TDataset& dataSet);
+    static void EditIfApplicable(TDataset& dataSet);
+
+    void DisableControlsAll();
+    void EnableControlsAll();
+    /// Reads all open cursors again.
+    void RefreshAll();
+    /// Hands the article settings to the connection and the list cursors; a change acts with their next sort.
+    void ApplyArticleSettings();
+
+    /// False for fields that the store step must leave alone: numbers given by the file, read-only fields, pictures,
+    /// and `Rating` and `Release`, which follow from others.
+    static bool IsFieldAssignable(const TFieldDef& field);
+    /// Puts a value of any kind into a field, converted to the field's kind; what does not convert becomes null.
+    static void AssignFieldValue(TDataset& dataSet, int field, const TVariant& value);
+    /// The default of a field where `value` is null, zero, empty or false; else the value itself.
+    static TVariant ApplyDefaultValue(const TVariant& value, const QString& fieldName);
+
+    /// A name as the article settings show it, for the fields that they cover; any other text as it is.
+    static QString DisplayText(const QString& fieldName, const QString& text);
+
+    /// Adds the number of tracks with an ID in (from, to] to `count` and gives the sum of their lengths in days.
+    double SumTrackLengths(qint64 from, qint64 to, qint64& count);
+    qint64 LastTrackID();
+
+    /// Called after qReleaseInfo has posted.
+    std::function<void(TDataset&)> OnReleaseInfoAfterPost;
+
+private:
+    TSQLiteConnection FConnection; // before the cursors, which use it
+
+public:
+    TListDataset qReleasesMain;
+    TListDataset qTracksAll;
+    TDetailDataset qReleaseInfo;
+    TDetailDataset qTracksDetail;
+    TDetailDataset qMusiciansPerRelease;
+    TDetailDataset qMusiciansPerTrack;
+    TDetailDataset qOtherPictures;
+    TDetailDataset qFriends;
+    TDetailDataset qLoans;
+    TDetailDataset qStats;
+
+Q_SIGNALS:
+    /// Another collection was opened, or the open one was closed.
+    void collectionChanged();
+
+private:
+    std::vector<TDataset*> AllCursors();
+    void OpenConnection(const QString& filepath);
+    void ApplyParameters();
+    void CopyBeforeUpgrade(int version);
+    void RunUpgradeScript(const QString& name);
+    bool UpgradeFile();
+    void MakePerformanceIndices();
+    void OpenCursors();
+    void SetRules();
+    void StoreRelease(const TAlbumRelease& release, bool assignNewNo);
+    qint64 StoreMainRow(const TAlbumRelease& release, bool assignNewNo);
+    void StoreLargePictures(const TAlbumRelease& release, qint64 id);
+    void StoreOtherPictures(const TAlbumRelease& release);
+    void StoreTracks(const TAlbumRelease& release);
+    void StoreCredits(TDataset& cursor, const std::vector<TAlbumCredit>& credits);
+    QByteArray ThumbnailOf(const QByteArray& largePicture) const;
+    void ReadTracks(TAlbumRelease& release);
+
+    TPrompt& FPrompt;
+    QTimer FMapTimer; // gives the file map back some time after the last scan
+    bool FAddingReleases = false;
+    qint64 FLastAddedReleaseID = 0;
+    const TAlbumRelease* FReleaseInWork = nullptr;
+};
+
+/// What identifies a collection in its file header (bytes 68 to 71).
+constexpr int CollectionApplicationId = 0x4B524E31;
+/// The schema version of new files.
+constexpr int CurrentSchemaVersion = 3001;
+
+} // namespace Kestrune

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dmMain.h"
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct TPictureSource {
+    const char16_t* Column;
+    TCoverPictureType Type;
+};
+
+constexpr TPictureSource PictureSources[] = {
+    {u"LargePicture", cptFrontLarge}, {u"LargePictureBack", cptBackLarge}, {u"LargePictureMedia", cptMediaLarge},
+    {u"ThumbPicture", cptFrontThumb}, {u"ThumbPictureBack", cptBackThumb}, {u"ThumbPictureMedia", cptMediaThumb},
+};
+
+std::vector<TAlbumCredit> ReadCredits(TDataset& cursor)
+{
+    std::vector<TAlbumCredit> credits;
+    const int musician = cursor.FieldIndex(u"Musician"_s);
+    const int instrument = cursor.FieldIndex(u"Instrument"_s);
+    for (int row = 0; row < cursor.RecordCount(); ++row)
+        credits.push_back(
+            TAlbumCredit::Make(VarToStr(cursor.ValueAt(row, musician)), VarToStr(cursor.ValueAt(row, instrument))));
+    return credits;
+}
+
+// Live, blank, hidden and instrumental marks and the rating of a track are not carried over.
+TAlbumTrack ReadTrack(const TDataset& cursor)
+{
+    const auto text = [&](const QString& name) { return VarToStr(cursor.Value(name)); };
+    const auto number = [&](const QString& name) {
+        return static_cast<int>(VarToInt64(cursor.Value(name)).toLongLong());
+    };
+    TAlbumTrack track;
+    track.TrackNo = number(u"TrackNo"_s);
+    track.TrackName = text(u"TrackTitle"_s);
+    track.TrackArtist = text(u"Artist"_s);
+    track.TrackGenre = text(u"Genre"_s);
+    track.DurationSec = static_cast<int>(RoundHalfEven(cursor.Value(u"TrackLength"_s).toDouble() * 86400.0));
+    track.DiscNo = number(u"DiscNo"_s);
+    track.BPM = number(u"BPM"_s);
+    track.Bitrate = number(u"Bitrate"_s);
+    track.Lyrics = text(u"Lyrics"_s);
+    track.Comments = text(u"Comments"_s);
+    track.Filepath = text(u"FilePath"_s);
+    track.Filetype = text(u"FileType"_s);
+    track.Side = text(u"Side"_s);
+    track.Composer = text(u"Composer"_s);
+    track.Composition = text(u"Composition"_s);
+    track.Conductor = text(u"Conductor"_s);
+    track.Orchestra = text(u"Orchestra"_s);
+    track.Chorus = text(u"Chorus"_s);
+    track.IsRemix = VarToBool(cursor.Value(u"IsRemix"_s));
+    track.IsCover = VarToBool(cursor.Value(u"IsCover"_s));
+    return track;
+}
+
+} // namespace
+
+TAlbumRelease TDataModuleMain::CurrentReleaseToAlbumRelease()
+{
+    TAlbumRelease release;
+    for (int i = 0; i < static_cast<int>(qReleaseInfo.Fields().size()); ++i) {
+        const TFieldDef& field = qReleaseInfo.Fields()[static_cast<size_t>(i)];
+        if (field.AutoIncrement || field.ReadOnly || field.Kind == fkBlob)
+            continue;
+        if (const TVariant value = qReleaseInfo.Value(i); !VarIsNull(value))
+            release.SetItem2(field.Name, value);
+    }
+    for (const TPictureSource& source : PictureSources) {
+        const TVariant bytes = qReleaseInfo.Value(QString::fromUtf16(source.Column));
+        if (!VarIsNull(bytes))
+            release.AddPicture(source.Type).LoadFromBytes(bytes.toByteArray());
+    }
+    ReadTracks(release);
+    release.Credits = ReadCredits(qMusiciansPerRelease);
+    const int picture = qOtherPictures.FieldIndex(u"Picture"_s);
+    for (int row = 0; row < qOtherPictures.RecordCount(); ++row) {
+        const TVariant bytes = qOtherPictures.ValueAt(row, picture);
+        if (!VarIsNull(bytes))
+            release.AddPicture(cptOther).LoadFromBytes(bytes.toByteArray());
+    }
+    return release;
+}
+
+void TDataModuleMain::ReadTracks(TAlbumRelease& release)
+{
+    qMusiciansPerTrack.SetMaster(&qTracksDetail);
+    for (int row = 0; row < qTracksDetail.RecordCount(); ++row) {
+        qTracksDetail.MoveTo(row);
+        TAlbumTrack track = ReadTrack(qTracksDetail);
+        track.Credits = ReadCredits(qMusiciansPerTrack);
+        release.Tracks.push_back(std::move(track));
+    }
+    qMusiciansPerTrack.SetMaster(nullptr);
+}
+
+} // namespace Kestrune

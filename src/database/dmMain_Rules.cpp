@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dmMain.h"
+#include "uDefaults.h"
+#include "uTHStrings.h"
+
+#include <QDateTime>
+
+#include <algorithm>
+#include <span>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QString NowText() { return QDateTime::currentDateTime().toString(u"yyyy-MM-dd hh:mm:ss"_s); }
+
+void PostRatingAndTime(TDataset& cursor)
+{
+    cursor.SetValue(u"Rating_Calc"_s, cursor.Value(u"Rating_Calc"_s));
+    cursor.SetValue(u"LastModified"_s, NowText());
+}
+
+bool IsZero(const TVariant& value)
+{
+    switch (value.typeId()) {
+    case QMetaType::QDate: return !value.toDate().isValid();
+    case QMetaType::QDateTime: return !value.toDateTime().isValid();
+    case QMetaType::QString: return value.toString() == "0"_L1;
+    default: return !VarIsNull(value) && value.toDouble() == 0.0;
+    }
+}
+
+void ClearZero(TDataset& cursor, const QString& field)
+{
+    if (const TVariant value = cursor.Value(field); !VarIsNull(value) && IsZero(value))
+        cursor.SetValue(field, TVariant());
+}
+
+// A date-time as the file keeps it, or null.
+TVariant DateTimeValue(const TVariant& value)
+{
+    QDateTime time = value.toDateTime();
+    for (const auto& format : {u"yyyy-MM-dd hh:mm:ss"_s, u"yyyy-MM-ddThh:mm:ss"_s}) {
+        if (!time.isValid())
+            time = QDateTime::fromString(VarToStr(value), format);
+    }
+    if (!time.isValid())
+        time = ParseReleaseDate(VarToStr(value)).startOfDay();
+    return time.isValid() ? TVariant(time.toString(u"yyyy-MM-dd hh:mm:ss"_s)) : TVariant();
+}
+
+TVariant ConvertToKind(const TVariant& value, TFieldKind kind)
+{
+    switch (kind) {
+    case fkString:
+    case fkMemo: return VarToStr(value);
+    case fkInteger: return VarToInt64(value);
+    case fkFloat: return VarToDouble(value);
+    case fkBoolean: return VarToBool(value);
+    case fkDate: {
+        const QDate date = ParseReleaseDate(VarToStr(value).left(10));
+        return date.isValid() ? TVariant(date) : TVariant();
+    }
+    case fkDateTime: return DateTimeValue(value);
+    case fkBlob: break;
+    }
+    return {};
+}
+
+struct TDefaultRow {
+    QLatin1StringView Field;
+    TVariant (*Value)(const TDefaultValues& values);
+};
+
+constexpr TDefaultRow DefaultRows[] = {
+    {"Currency"_L1, [](const TDefaultValues& values) { return TVariant(values.Currency); }},
+    {"Quantity"_L1, [](const TDefaultValues& values) { return TVariant(values.Quantity); }},
+    {"CountryCode"_L1, [](const TDefaultValues& values) { return TVariant(values.Country); }},
+    {"MediaType"_L1, [](const TDefaultValues& values) { return TVariant(values.MediaType); }},
+    {"Rating_Calc"_L1, [](const TDefaultValues& values) { return TVariant(values.Rating / 2.0); }},
+    {"Condition"_L1, [](const TDefaultValues& values) { return TVariant(values.Condition); }},
+    {"ConditionMedia"_L1, [](const TDefaultValues& values) { return TVariant(values.MediaCondition); }},
+    {"Status"_L1, [](const TDefaultValues& values) { return TVariant(values.Status); }},
+    {"OwnerId"_L1, [](const TDefaultValues& values) { return TVariant(values.Owner); }},
+    {"Channels"_L1, [](const TDefaultValues& values) { return TVariant(values.Channels); }},
+    {"Genre"_L1, [](const TDefaultValues& values) { return TVariant(values.Genre); }},
+    {"Spars"_L1, [](const TDefaultValues& values) { return TVariant(values.Spars); }},
+    {"PurchaseStore"_L1, [](const TDefaultValues& values) { return TVariant(values.PurchaseStore); }},
+    {"Location"_L1, [](const TDefaultValues& values) { return TVariant(values.Location); }},
+    {"IsLive"_L1, [](const TDefaultValues& values) { return TVariant(values.IsLive); }},
+    {"IsRare"_L1, [](const TDefaultValues& values) { return TVariant(values.IsRare); }},
+};
+
+bool CountsAsEmpty(const TVariant& value)
+{
+    if (VarIsNullOrEmpty(value))
+        return true;
+    return value.typeId() != QMetaType::QString && value.canConvert<double>() && value.toDouble() == 0.0;
+}
+
+} // namespace
+
+bool TDataModuleMain::IsFieldAssignable(const TFieldDef& field)
+{
+    return !field.AutoIncrement && !field.ReadOnly && field.Kind != fkBlob && field.Name != "Rating"_L1 &&
+           field.Name != "Release"_L1;
+}
+
+void TDataModuleMain::AssignFieldValue(TDataset& dataSet, int field, const TVariant& value)
+{
+    if (field < 0 || !IsFieldAssignable(dataSet.Fields()[static_cast<size_t>(field)]))
+        return;
+    const TFieldKind kind = dataSet.Fields()[static_cast<size_t>(field)].Kind;
+    dataSet.SetValue(field, VarIsNullOrEmpty(value) ? TVariant() : ConvertToKind(value, kind));
+}
+
+TVariant TDataModuleMain::ApplyDefaultValue(const TVariant& value, const QString& fieldName)
+{
+    if (!CountsAsEmpty(value))
+        return value;
+    const auto rows = std::span(DefaultRows);
+    const auto row = std::ranges::find_if(rows, [&](const TDefaultRow& entry) { return fieldName == entry.Field; });
+    return row == rows.end() ? value : row->Value(Defaults().Values);
+}
+
+QByteArray TDataModuleMain::ThumbnailOf(const QByteArray& largePicture) const
+{
+    const int height = Defaults().LargeHeight;
+    if (FReleaseInWork) {
+        // The worker that gathered the release may have made it already, by the same function.
+        if (const TCoverPicture* front = FReleaseInWork->GetPicByType(cptFrontLarge))
+            return front->Thumbnail(height);
+    }
+    return MakeThumbnail(largePicture, height);
+}
+
+void TDataModuleMain::SetRules()
+{
+    qReleasesMain.AfterInsert = [](TDataset& cursor) {
+        cursor.SetValue(u"ReleaseName"_s, GetLanguageString(u"cSReleasesFieldReleaseName"_s));
+    };
+    qReleasesMain.BeforePost = [](TDataset& cursor) {
+        PostRatingAndTime(cursor);
+        for (const QString& field : {u"ReleaseDate"_s, u"ReleaseYear"_s, u"DateAdded"_s})
+            ClearZero(cursor, field);
+    };
+    qReleaseInfo.BeforePost = PostRatingAndTime;
+    qReleaseInfo.AfterPost = [this](TDataset& cursor) {
+        if (OnReleaseInfoAfterPost)
+            OnReleaseInfoAfterPost(cursor);
+    };
+    qReleaseInfo.OnFieldChanged = [this](TDataset& cursor, int field) {
+        if (field != cursor.FieldIndex(u"LargePicture"_s))
+            return;
+        const QByteArray thumb = ThumbnailOf(cursor.Value(field).toByteArray());
+        // A thumbnail that came with the release is better than none for a picture that does not decode.
+        if (!thumb.isEmpty() || !FReleaseInWork)
+            cursor.SetValue(u"ThumbPicture"_s, thumb.isEmpty() ? TVariant() : TVariant(thumb));
+    };
+
+    const auto newTrack = [this](TDataset& cursor) {
+        cursor.SetValue(u"ReleaseId"_s, qReleasesMain.CurrentKey());
+        cursor.SetValue(u"TrackLength"_s, 0.0);
+    };
+    const auto childOfRelease = [this](TDataset& cursor) {
+        cursor.SetValue(u"ReleaseId"_s, qReleasesMain.CurrentKey());
+    };
+    for (TDataset* tracks : {static_cast<TDataset*>(&qTracksDetail), static_cast<TDataset*>(&qTracksAll)}) {
+        tracks->AfterInsert = newTrack;
+        tracks->BeforePost = PostRatingAndTime;
+    }
+    qMusiciansPerRelease.AfterInsert = childOfRelease;
+    qOtherPictures.AfterInsert = childOfRelease;
+    qMusiciansPerTrack.AfterInsert = [this](TDataset& cursor) {
+        if (const TDataset* master = qMusiciansPerTrack.Master())
+            cursor.SetValue(u"TrackId"_s, master->CurrentKey());
+    };
+}
+
+} // namespace Kestrune

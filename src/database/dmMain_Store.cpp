@@ -1,0 +1,226 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dmMain.h"
+#include "uThreads.h"
+
+#include <array>
+#include <span>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct TPictureColumn {
+    TCoverPictureType Type;
+    const char16_t* Column;
+};
+
+constexpr TPictureColumn ThumbColumns[] = {
+    {cptFrontThumb, u"ThumbPicture"}, {cptBackThumb, u"ThumbPictureBack"}, {cptMediaThumb, u"ThumbPictureMedia"}};
+constexpr TPictureColumn LargeColumns[] = {
+    {cptFrontLarge, u"LargePicture"}, {cptBackLarge, u"LargePictureBack"}, {cptMediaLarge, u"LargePictureMedia"}};
+
+struct TTrackText {
+    const char16_t* Column;
+    QString TAlbumTrack::*Field;
+};
+
+constexpr TTrackText TrackTexts[] = {
+    {u"TrackTitle", &TAlbumTrack::TrackName}, {u"FilePath", &TAlbumTrack::Filepath},
+    {u"FileType", &TAlbumTrack::Filetype},    {u"Lyrics", &TAlbumTrack::Lyrics},
+    {u"Comments", &TAlbumTrack::Comments},    {u"Side", &TAlbumTrack::Side},
+    {u"Composer", &TAlbumTrack::Composer},    {u"Composition", &TAlbumTrack::Composition},
+    {u"Conductor", &TAlbumTrack::Conductor},  {u"Orchestra", &TAlbumTrack::Orchestra},
+    {u"Chorus", &TAlbumTrack::Chorus},
+};
+
+struct TTrackFlag {
+    const char16_t* Column;
+    bool TAlbumTrack::*Field;
+};
+
+constexpr TTrackFlag TrackFlags[] = {
+    {u"IsRemix", &TAlbumTrack::IsRemix},   {u"IsCover", &TAlbumTrack::IsCover},
+    {u"IsLive", &TAlbumTrack::IsLive},     {u"IsBlank", &TAlbumTrack::IsBlank},
+    {u"IsHidden", &TAlbumTrack::IsHidden}, {u"IsInstrumental", &TAlbumTrack::IsInstrumental},
+};
+
+TVariant TextOrNull(const QString& text) { return text.isEmpty() ? TVariant() : TVariant(text); }
+
+void CopyPictures(const TAlbumRelease& release, TDataset& cursor, std::span<const TPictureColumn> columns)
+{
+    for (const TPictureColumn& column : columns) {
+        const TCoverPicture* picture = release.GetPicByType(column.Type);
+        if (picture && picture->HasImage())
+            cursor.SetValue(QString::fromUtf16(column.Column), picture->Bytes());
+    }
+}
+
+// The fields of the track cursor, looked up once for all tracks of a release.
+struct TTrackFieldIndex {
+    explicit TTrackFieldIndex(const TDataset& cursor)
+    {
+        const auto at = [&](const char16_t* name) { return cursor.FieldIndex(QString::fromUtf16(name)); };
+        Artist = at(u"Artist");
+        TrackNo = at(u"TrackNo");
+        DiscNo = at(u"DiscNo");
+        TrackLength = at(u"TrackLength");
+        Bitrate = at(u"Bitrate");
+        Rating = at(u"Rating");
+        Genre = at(u"Genre");
+        BPM = at(u"BPM");
+        for (size_t i = 0; i < std::size(TrackTexts); ++i)
+            Texts[i] = at(TrackTexts[i].Column);
+        for (size_t i = 0; i < std::size(TrackFlags); ++i)
+            Flags[i] = at(TrackFlags[i].Column);
+    }
+    int Artist, TrackNo, DiscNo, TrackLength, Bitrate, Rating, Genre, BPM;
+    std::array<int, std::size(TrackTexts)> Texts;
+    std::array<int, std::size(TrackFlags)> Flags;
+};
+
+void FillTrack(TDataset& cursor, const TTrackFieldIndex& fields, const TAlbumTrack& track, const QString& releaseArtist,
+               const QString& releaseGenre)
+{
+    cursor.SetValue(fields.Artist, TextOrNull(track.TrackArtist.isEmpty() ? releaseArtist : track.TrackArtist));
+    cursor.SetValue(fields.TrackNo, track.TrackNo);
+    cursor.SetValue(fields.DiscNo, track.DiscNo);
+    for (size_t i = 0; i < std::size(TrackTexts); ++i)
+        cursor.SetValue(fields.Texts[i], TextOrNull(track.*TrackTexts[i].Field));
+    for (size_t i = 0; i < std::size(TrackFlags); ++i)
+        cursor.SetValue(fields.Flags[i], track.*TrackFlags[i].Field);
+    cursor.SetValue(fields.TrackLength, track.DurationFrac > 0 ? track.DurationFrac : track.DurationSec / 86400.0);
+    if (track.Bitrate > 0)
+        cursor.SetValue(fields.Bitrate, track.Bitrate);
+    cursor.SetValue(fields.Rating,
+                    track.Rating >= 1 ? TVariant(track.Rating) : TDataModuleMain::ApplyDefaultValue(0, u"Rating"_s));
+    cursor.SetValue(fields.Genre, TextOrNull(track.TrackGenre.isEmpty() ? releaseGenre : track.TrackGenre));
+    cursor.SetValue(fields.BPM,
+                    track.BPM != 0 ? TVariant(track.BPM) : TDataModuleMain::ApplyDefaultValue(TVariant(), u"BPM"_s));
+}
+
+} // namespace
+
+void TDataModuleMain::AddAlbumReleaseToDB(const TAlbumRelease& release, bool assignNewNo)
+{
+    Q_ASSERT(OnMainThread());
+    if (!HasData())
+        throw EDatabaseError(u"No collection is open."_s);
+    if (IsReadOnly())
+        throw EDatabaseError(u"The collection is read-only."_s);
+    const qint64 before = qReleasesMain.CurrentKey();
+    const int count = qReleasesMain.RecordCount();
+    FAddingReleases = true;
+    FReleaseInWork = &release;
+    DisableControlsAll();
+    const auto finish = [this] {
+        for (TDetailDataset* cursor : {&qTracksDetail, &qMusiciansPerRelease, &qMusiciansPerTrack, &qOtherPictures})
+            cursor->Invalidate();
+        qMusiciansPerTrack.SetMaster(nullptr);
+        FAddingReleases = false;
+        FReleaseInWork = nullptr;
+        EnableControlsAll();
+    };
+    try {
+        TSQLiteTransaction transaction(FConnection);
+        StoreRelease(release, assignNewNo);
+        transaction.Commit();
+        qReleasesMain.InvalidateRow(FLastAddedReleaseID);
+    } catch (...) {
+        for (TDataset* cursor : AllCursors())
+            CancelIfApplicable(*cursor);
+        if (qReleasesMain.RecordCount() > count)
+            qReleasesMain.ForgetKey(qReleasesMain.KeyAt(count));
+        qReleaseInfo.SetParam(before);
+        qReleasesMain.Locate(before);
+        finish();
+        throw;
+    }
+    finish();
+}
+
+void TDataModuleMain::StoreRelease(const TAlbumRelease& release, bool assignNewNo)
+{
+    const qint64 id = StoreMainRow(release, assignNewNo);
+    StoreLargePictures(release, id);
+    StoreOtherPictures(release);
+    StoreCredits(qMusiciansPerRelease, release.Credits);
+    StoreTracks(release);
+    FLastAddedReleaseID = id;
+}
+
+qint64 TDataModuleMain::StoreMainRow(const TAlbumRelease& release, bool assignNewNo)
+{
+    TDataset& cursor = qReleasesMain;
+    CancelIfApplicable(cursor);
+    cursor.Append();
+    for (int i = 0; i < static_cast<int>(cursor.Fields().size()); ++i) {
+        const TVariant value = ApplyDefaultValue(TVariant(), cursor.Fields()[static_cast<size_t>(i)].Name);
+        if (!VarIsNull(value))
+            AssignFieldValue(cursor, i, value);
+    }
+    for (const auto& [key, value] : release.Items()) {
+        const int field = cursor.FieldIndex(key);
+        // A release without a name keeps the text that asks for one.
+        const bool keepsText =
+            field >= 0 && cursor.Fields()[static_cast<size_t>(field)].Required && VarIsNullOrEmpty(value);
+        if (field >= 0 && !keepsText)
+            AssignFieldValue(cursor, field, value);
+    }
+    if (assignNewNo || VarIsNull(cursor.Value(u"No"_s)))
+        cursor.SetValue(u"No"_s, FConnection.Scalar(u"select ifnull(max(no)+1, 1) as No from releases2"_s));
+    CopyPictures(release, cursor, ThumbColumns);
+    cursor.Post();
+    return cursor.CurrentKey();
+}
+
+void TDataModuleMain::StoreLargePictures(const TAlbumRelease& release, qint64 id)
+{
+    qReleaseInfo.SetParam(id);
+    qReleaseInfo.First();
+    EditIfApplicable(qReleaseInfo);
+    CopyPictures(release, qReleaseInfo, LargeColumns);
+    PostIfApplicable(qReleaseInfo);
+}
+
+void TDataModuleMain::StoreOtherPictures(const TAlbumRelease& release)
+{
+    qOtherPictures.SetParam(qReleasesMain.CurrentKey());
+    for (const auto& picture : release.Pictures) {
+        if (picture->PictureType() != cptOther || !picture->HasImage() || picture->Size().width() <= 1)
+            continue;
+        qOtherPictures.Append();
+        qOtherPictures.SetValue(u"Picture"_s, picture->Bytes());
+        qOtherPictures.Post();
+    }
+}
+
+void TDataModuleMain::StoreCredits(TDataset& cursor, const std::vector<TAlbumCredit>& credits)
+{
+    for (const TAlbumCredit& credit : credits) {
+        cursor.Append();
+        cursor.SetValue(u"Musician"_s, TextOrNull(credit.Musician));
+        cursor.SetValue(u"Instrument"_s, TextOrNull(credit.Credit));
+        cursor.Post();
+    }
+}
+
+void TDataModuleMain::StoreTracks(const TAlbumRelease& release)
+{
+    if (release.Tracks.empty())
+        return;
+    qMusiciansPerTrack.SetMaster(&qTracksDetail);
+    const TTrackFieldIndex fields(qTracksDetail);
+    const QString artist = VarToStr(release.GetItem2(u"Artist"_s));
+    const QString genre = VarToStr(ApplyDefaultValue(release.GetItem2(u"Genre"_s), u"Genre"_s));
+    for (const TAlbumTrack& track : release.Tracks) {
+        qTracksDetail.Append();
+        FillTrack(qTracksDetail, fields, track, artist, genre);
+        qTracksDetail.Post();
+        StoreCredits(qMusiciansPerTrack, track.Credits);
+    }
+    qMusiciansPerTrack.SetMaster(nullptr);
+}
+
+} // namespace Kestrune

@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "uColumns.h"
+#include "uFilter.h"
+#include "uSQLite.h"
+#include "uTHTypes.h"
+
+#include <QCache>
+#include <QObject>
+#include <QString>
+
+#include <functional>
+#include <map>
+#include <vector>
+
+namespace Kestrune {
+
+enum class TDatasetState : quint8 { dsInactive, dsBrowse, dsEdit, dsInsert };
+using enum TDatasetState;
+
+/// What a cursor reads and which table its edits go to.
+struct TDatasetDef {
+    QString Name;
+    QString Table;         ///< table that Post writes to; empty for a cursor that is only read
+    QString KeyExpression; ///< as in "R.ID"
+    QString From;          ///< what follows FROM, with joins
+    QString Where;         ///< fixed condition, with ? for the parameter; empty for none
+    QString OrderBy;       ///< fixed order; empty for the key
+    std::vector<TFieldDef> Fields;
+};
+
+/// A cursor over the collection: an ordered set of records of which one is current. It is the one way in which
+/// records change: SetValue changes a copy of the current record, Post writes the changed columns by one INSERT or
+/// UPDATE, and the hooks put the rules of the collection on every path. Failures throw EDatabaseError and leave the
+/// edit open. Main thread only. The connection outlives the cursor.
+class TDataset : public QObject {
+    Q_OBJECT
+
+public:
+    using TRecord = std::vector<TVariant>;
+    using THook = std::function<void(TDataset&)>;
+
+    TDataset(TSQLiteConnection& connection, TDatasetDef def);
+
+    const QString& Name() const { return FDef.Name; }
+    const std::vector<TFieldDef>& Fields() const { return FDef.Fields; }
+    /// Index of a field, compared without case, or -1.
+    int FieldIndex(const QString& name) const;
+    /// The SELECT that reads whole records, without condition and order.
+    QString SelectSQL() const;
+    /// The statement that reads one record again, by its key as the parameter :OLD_ID.
+    QString RowRefreshSQL() const;
+
+    bool Active() const { return FState != dsInactive; }
+    TDatasetState State() const { return FState; }
+    virtual void Open() = 0;
+    virtual void Close();
+    /// Reads everything again and stays on the current record where it still exists. Cancels an edit.
+    virtual void Refresh() = 0;
+
+    virtual int RecordCount() const = 0;
+    bool IsEmpty() const { return RecordCount() == 0; }
+    /// Position of the current record, or -1.
+    int RecNo() const { return FRecNo; }
+    /// Makes a row current; -1 or a row that is not there leaves none current. Cancels nothing: Post or Cancel first.
+    void MoveTo(int row);
+    void First() { MoveTo(IsEmpty() ? -1 : 0); }
+    /// True when it moved; at the last record it stays and gives false.
+    bool Next();
+    /// Makes the record with this key current.
+    bool Locate(qint64 key);
+    virtual int RowOfKey(qint64 key) const = 0;
+    virtual qint64 KeyAt(int row) const = 0;
+    /// Key of the current record; 0 when there is none.
+    qint64 CurrentKey() const;
+
+    /// Value of the current record, of the edit when there is one. Null for a field that is not there.
+    TVariant Value(int field) const;
+    TVariant Value(const QString& field) const { return Value(FieldIndex(field)); }
+    /// Value of any row as it is stored.
+    TVariant ValueAt(int row, int field) const;
+    /// A picture of a row, read when asked for.
+    QByteArray ReadBlob(int row, int field) const;
+
+    /// Changes the record in edit; goes into edit state by itself when browsing.
+    void SetValue(int field, const TVariant& value);
+    void SetValue(const QString& field, const TVariant& value) { SetValue(FieldIndex(field), value); }
+
+    /// Starts a new record; nothing is written before Post.
+    void Append();
+    void Edit();
+    void Post();
+    void Cancel();
+    /// Deletes the current record; the next one becomes current.
+    void Delete();
+    /// Deletes rows by key in one transaction.
+    void DeleteKeys(const std::vector<qint64>& keys);
+    /// Reads one record again from the file.
+    void RefreshRow(qint64 key);
+
+    /// While it is above zero no signal is sent; the last EnableControls sends dataReset.
+    void DisableControls() { ++FControlsDisabled; }
+    void EnableControls();
+
+    THook AfterInsert;
+    THook BeforePost;
+    THook AfterPost;
+    std::function<void(TDataset&, int field)> OnFieldChanged;
+
+Q_SIGNALS:
+    void dataReset();
+    void recordChanged(int row);
+    void recordInserted(int row);
+    void currentChanged();
+
+protected:
+    virtual const TRecord& RecordAt(int row) const = 0;
+    virtual void StoreRecord(int row, TRecord record) = 0;
+    virtual int AppendRecord(qint64 key, TRecord record) = 0;
+    virtual void RemoveKeys(const std::vector<qint64>& keys) = 0;
+    /// Called before a new record is begun.
+    virtual void PrepareAppend() {}
+
+    TSQLiteConnection& Connection() const { return FConnection; }
+    const TDatasetDef& Def() const { return FDef; }
+    TRecord ReadRecord(TSQLiteStatement& statement) const;
+    bool SignalsEnabled() const { return FControlsDisabled == 0; }
+    void SetState(TDatasetState state) { FState = state; }
+    void SetRecNo(int row);
+    void NotifyReset();
+    void ResetRecNo() { FRecNo = -1; }
+
+private:
+    TVariant Computed(const TRecord& record, int field) const;
+    bool IsWritten(size_t field) const;
+    const QString& InsertSQL(const std::vector<bool>& columns);
+    void InsertRecord();
+    void UpdateRecord();
+
+    TSQLiteConnection& FConnection;
+    TDatasetDef FDef;
+    QHash<QString, int> FFieldIndex;
+    std::vector<int> FSelected; // fields in the order of the SELECT
+    int FRatingField = -1;
+    int FRatingCalcField = -1;
+    int FReleaseField = -1;
+    TDatasetState FState = dsInactive;
+    int FRecNo = -1;
+    int FControlsDisabled = 0;
+    TRecord FBuffer;
+    std::vector<bool> FChanged;
+    std::map<std::vector<bool>, QString> FInsertSQL; // by the columns that have a value
+};
+
+/// A cursor that holds all its records: the children of one release, the friends, the loans. With a master it
+/// follows the key of the master's current record and reads only when it is looked at.
+class TDetailDataset final : public TDataset {
+    Q_OBJECT
+
+public:
+    using TDataset::TDataset;
+
+    void Open() override;
+    void Close() override;
+    void Refresh() override;
+    int RecordCount() const override;
+    int RowOfKey(qint64 key) const override;
+    qint64 KeyAt(int row) const override;
+
+    /// The value of the one parameter; the records follow when they are next looked at.
+    void SetParam(const TVariant& value);
+    /// Drops what was read; it is read again when it is next looked at.
+    void Invalidate();
+    /// Follows the current record of another cursor, which must outlive the link; null unbinds.
+    void SetMaster(TDataset* master);
+    TDataset* Master() const { return FMaster; }
+
+protected:
+    const TRecord& RecordAt(int row) const override;
+    void StoreRecord(int row, TRecord record) override;
+    int AppendRecord(qint64 key, TRecord record) override;
+    void RemoveKeys(const std::vector<qint64>& keys) override;
+    void PrepareAppend() override { FollowMaster(); }
+
+private:
+    void FollowMaster() const;
+    void EnsureLoaded() const;
+    void Load() const;
+
+    // Reading late does not change what the cursor stands for, so what is read is mutable.
+    mutable TVariant FParam;
+    TDataset* FMaster = nullptr; // not owned
+    QMetaObject::Connection FMasterLink;
+    mutable std::vector<TRecord> FRecords;
+    mutable bool FLoaded = false;
+};
+
+/// A cursor over very many records: holds the ordered keys only and reads records in blocks around what is looked at.
+class TListDataset final : public TDataset {
+    Q_OBJECT
+
+public:
+    TListDataset(TSQLiteConnection& connection, TDatasetDef def);
+
+    void Open() override;
+    void Close() override;
+    void Refresh() override;
+    int RecordCount() const override { return static_cast<int>(FKeys.size()); }
+    int RowOfKey(qint64 key) const override;
+    qint64 KeyAt(int row) const override;
+    /// All keys in their order.
+    const std::vector<qint64>& Keys() const { return FKeys; }
+
+    /// The criteria; a change acts with ApplyFilter.
+    TFilterGroup& Filter() { return FFilter; }
+    bool FilterActive() const { return FFilterActive; }
+    void SetFilterActive(bool active) { FFilterActive = active; }
+    /// Reads the keys again under the present filter and sort, staying on the current record where it is still there.
+    void ApplyFilter();
+    const std::vector<TSortItem>& Sort() const { return FSort; }
+    void SetSort(std::vector<TSortItem> sort);
+    /// Columns that sort without their article.
+    void SetArticleColumns(const QStringList& columns) { FArticleColumns = columns; }
+
+    /// Drops a record from the list that was never committed.
+    void ForgetKey(qint64 key);
+    /// Drops what is known of a record, so that it is read again when it is next looked at.
+    void InvalidateRow(qint64 key) { FCache.remove(key); }
+
+protected:
+    const TRecord& RecordAt(int row) const override;
+    void StoreRecord(int row, TRecord record) override;
+    int AppendRecord(qint64 key, TRecord record) override;
+    void RemoveKeys(const std::vector<qint64>& keys) override;
+
+private:
+    void ReadKeys();
+    void ReadBlock(int row) const;
+
+    std::vector<qint64> FKeys;
+    mutable QHash<qint64, int> FRowOfKey; // filled when first asked for
+    mutable QCache<qint64, TRecord> FCache;
+    TRecord FEmpty;
+    TFilterGroup FFilter;
+    bool FFilterActive = false;
+    std::vector<TSortItem> FSort;
+    QStringList FArticleColumns;
+};
+
+} // namespace Kestrune

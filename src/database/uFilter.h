@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "uColumns.h"
+#include "uTHTypes.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+namespace Kestrune {
+
+enum class TFilterOp : quint8 {
+    foEquals,
+    foNotEquals,
+    foLess,
+    foLessOrEqual,
+    foGreater,
+    foGreaterOrEqual,
+    foLike, ///< the value is a pattern with % and _
+    foNotLike,
+    foIsNull,
+    foIsNotNull
+};
+using enum TFilterOp;
+
+/// One condition on one column. Texts compare without regard to case.
+struct TFilterCriterion {
+    QString Column;
+    TFilterOp Op = foEquals;
+    TVariant Value;
+    QString DisplayText;
+};
+
+enum class TFilterLogic : quint8 { flAll, flAny };
+using enum TFilterLogic;
+
+/// A tree of conditions. The root of a list cursor's filter is a group whose criteria must all hold.
+class TFilterGroup {
+public:
+    using TId = quint64;
+
+    /// Adds a criterion and gives the handle by which it is removed.
+    TId Add(TFilterCriterion criterion);
+    TFilterGroup& AddGroup(TFilterLogic logic, bool negated = false);
+    /// True when the criterion was there, at any depth.
+    bool Remove(TId id);
+    void Clear();
+    bool IsEmpty() const { return FItems.empty(); }
+
+    /// A condition in SQL with its values in order; empty when nothing is asked for. Criteria on columns that are not
+    /// among the fields are passed over.
+    QString ToSQL(const std::vector<TFieldDef>& fields, std::vector<TVariant>& values) const;
+
+private:
+    struct TItem {
+        TId Id = 0;
+        TFilterCriterion Criterion;
+        std::unique_ptr<TFilterGroup> Group; ///< set for a nested group
+    };
+
+    TFilterLogic FLogic = flAll;
+    bool FNegated = false;
+    std::vector<TItem> FItems;
+};
+
+/// One column to sort by.
+struct TSortItem {
+    QString Column;
+    bool Descending = false;
+    bool operator==(const TSortItem&) const = default;
+};
+
+/// ORDER BY terms; `articleColumns` sort without their article. The key stands last, so that equal rows keep their
+/// place. Unknown columns are passed over.
+QString SortToSQL(const std::vector<TSortItem>& sort, const std::vector<TFieldDef>& fields,
+                  const QStringList& articleColumns, const QString& keyExpression);
+
+} // namespace Kestrune

@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "uTHTypes.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <unordered_map>
+#include <vector>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace Kestrune {
+
+/// A failure of the collection file: what() is one sentence in UTF-8, with the engine's own reason.
+class EDatabaseError : public std::runtime_error {
+public:
+    explicit EDatabaseError(const QString& text, int code = 0) : std::runtime_error(text.toStdString()), FCode(code) {}
+    QString Text() const { return QString::fromUtf8(what()); }
+    /// SQLite's primary result code, 0 when the engine was not involved.
+    int Code() const { return FCode; }
+
+private:
+    int FCode;
+};
+
+/// A prepared statement. Values come and go as variants: null, qint64, double, QString, QByteArray; a bool is bound
+/// as 0 or 1, dates as text. Every failure throws EDatabaseError.
+class TSQLiteStatement {
+public:
+    TSQLiteStatement(sqlite3* connection, const QByteArray& sql, bool persistent);
+
+    /// Binds the parameter at a 1-based index.
+    void Bind(int index, const TVariant& value);
+    void BindAll(const std::vector<TVariant>& values);
+    /// True while there is a row.
+    bool Step();
+    /// Runs to the end and makes the statement ready for the next use.
+    void Execute();
+    void Reset();
+
+    int ColumnCount() const;
+    QString ColumnName(int column) const;
+    TVariant Column(int column) const;
+    qint64 ColumnInt64(int column) const;
+    bool ColumnIsNull(int column) const;
+    QByteArray ColumnBlob(int column) const;
+
+private:
+    struct TFinalize {
+        void operator()(sqlite3_stmt* statement) const;
+    };
+    [[noreturn]] void Fail(int code) const;
+
+    sqlite3* FConnection;
+    std::unique_ptr<sqlite3_stmt, TFinalize> FStatement;
+};
+
+/// What the text functions of a connection need to know of the settings.
+struct TTextRules {
+    QStringList Articles; ///< left out by the function krn_article_key
+};
+
+enum class TSQLiteOpenMode : quint8 { somReadWrite, somReadOnly, somImmutable };
+using enum TSQLiteOpenMode;
+
+/// One connection to an existing SQLite file.
+///
+/// It knows, for its queries only (never for the stored schema): LIKE that ignores case in all scripts, the collation
+/// KRN_NOCASE of the same kind, krn_key(text) and krn_article_key(text) that give keys to sort by.
+class TSQLiteConnection {
+public:
+    TSQLiteConnection() = default;
+    ~TSQLiteConnection();
+    TSQLiteConnection(const TSQLiteConnection&) = delete;
+    TSQLiteConnection& operator=(const TSQLiteConnection&) = delete;
+
+    /// Opens an existing file; never creates one.
+    void Open(const QString& path, TSQLiteOpenMode mode = somReadWrite);
+    void Close();
+    bool IsOpen() const { return FConnection != nullptr; }
+    /// True when the file can only be read.
+    bool IsReadOnly() const;
+    QString Path() const { return FPath; }
+    TTextRules& TextRules() { return FTextRules; }
+
+    /// Runs a script of any number of statements through the engine's own statement loop.
+    void Exec(const QString& script);
+    /// A statement from the cache, reset and with no bindings: valid until the next call with the same text.
+    TSQLiteStatement& Cached(const QString& sql);
+    TSQLiteStatement Prepare(const QString& sql);
+    /// First column of the first row; null without rows.
+    TVariant Scalar(const QString& sql, const std::vector<TVariant>& values = {});
+
+    qint64 LastInsertRowId() const;
+    bool InTransaction() const;
+    /// Copies the whole database to a new file by the engine's backup interface. An existing file is not overwritten.
+    void BackupTo(const QString& path);
+    /// Gives the pages of the file map back to the system; they are mapped again when they are next looked at.
+    void ReleaseFileMap();
+
+private:
+    struct TStringHash {
+        size_t operator()(const QString& text) const { return qHash(text); }
+    };
+    void RegisterFunctions();
+
+    sqlite3* FConnection = nullptr;
+    QString FPath;
+    TTextRules FTextRules;
+    std::unordered_map<QString, std::unique_ptr<TSQLiteStatement>, TStringHash> FCache;
+};
+
+/// A transaction that rolls back unless it is committed. Inside another one it is a savepoint.
+class TSQLiteTransaction {
+public:
+    explicit TSQLiteTransaction(TSQLiteConnection& connection);
+    ~TSQLiteTransaction();
+    TSQLiteTransaction(const TSQLiteTransaction&) = delete;
+    TSQLiteTransaction& operator=(const TSQLiteTransaction&) = delete;
+    void Commit();
+
+private:
+    TSQLiteConnection& FConnection;
+    bool FNested;
+    bool FDone = false;
+};
+
+} // namespace Kestrune

@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringView>
+
+namespace Kestrune {
+
+/// What stands behind the last separator of a path.
+QString FileNameOf(const QString& path);
+/// What stands before the last separator, without it; "/" for a name in the root.
+QString FolderOf(const QString& path);
+/// The extension in lower case with its point, or empty. ".mp3" is an extension with no name before it.
+QString ExtensionOf(const QString& path);
+/// The file name without its extension.
+QString StemOf(const QString& path);
+
+/// True for the extensions of audio files and disc images that the folder scan takes.
+bool IsSupportedAudio(const QString& path);
+/// True for *.iso and *.iso.wv.
+bool IsDiscImage(const QString& path);
+
+/// The number of a disc folder such as "CD1", "Disc 2" or "Media_3"; 0 for any other name.
+int DiscNumberFromFolderName(const QString& name);
+
+struct TAlbumName {
+    QString Artist;
+    QString Album;
+    int Year = 0; ///< 0 unknown
+};
+
+/// Reads "Artist - Album (1999)" and its lesser forms. A year lies in 1900 to 2100 and stands in brackets.
+TAlbumName ParseAlbumFolderName(const QString& name);
+
+struct TTrackName {
+    int No = 0; ///< 1 to 999, or 0 for none
+    QString Title;
+};
+
+/// Reads "01 - Title" from the file name of a path.
+TTrackName ParseTrackFileName(const QString& path);
+
+} // namespace Kestrune

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <stop_token>
+#include <vector>
+
+namespace Kestrune {
+
+/// One entry of a folder; links are shown as what they lead to.
+struct TFolderEntry {
+    QString Name;
+    QString Path;
+    bool IsFolder = false;
+    bool IsFile = false; ///< a regular file; sockets, pipes and dangling links are neither
+};
+
+/// The entries of a folder, sorted by case-folded name. A folder that cannot be read gives none and a line in the
+/// debug log; so does one that fails midway, after the entries up to there. Paths are in the form of PathToText.
+std::vector<TFolderEntry> ListFolder(const QString& folder);
+
+/// File lists by folder: each list holds the full paths of the audio files of one folder.
+using TFolderLists = std::vector<QStringList>;
+
+/// The paths in a text of paths joined by "|". Where such a piece is no path, it is joined with the pieces behind it
+/// until there is one, since names may hold that character. What never becomes a path is left out.
+QStringList SplitInputPaths(const QString& inputPath);
+
+/// The audio files below each folder of the input, deeper folders before the folder that holds them, and the input's
+/// own files beside those of the same folder. A stop ends the search early with what it has found.
+TFolderLists CollectFolderFiles(const QString& inputPath, const std::stop_token& stop = {});
+
+/// Joins the lists of disc folders ("CD1", "CD2") that lie in one folder; a lone disc folder stays as it is.
+void MergeDiscFolders(TFolderLists& lists);
+
+} // namespace Kestrune

@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uImport_MP3s.h"
+
+#include "uDefaults.h"
+#include "uFolderScan.h"
+#include "uMP3Folder.h"
+#include "uTHStrings.h"
+
+#include <future>
+#include <vector>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+TMP3ScanOptions TMP3ScanOptions::FromSettings()
+{
+    TMP3ScanOptions options;
+    options.FindCovers = Defaults().MP3ScanFindCovers;
+    options.BackCover = Defaults().MP3ScanBackCover;
+    options.MediaCover = Defaults().MP3ScanMediaCover;
+    options.OtherImages = Defaults().MP3ScanOtherImages;
+    options.ThumbHeight = Defaults().LargeHeight;
+    options.VariousArtists = GetLanguageString(u"cSVariousArtists"_s);
+    options.Digital = GetLanguageString(u"cSDigital"_s);
+    options.UnreadableFile = GetLanguageString(u"cSImporterMP3sUnreadableFile"_s);
+    return options;
+}
+
+TKRNImporter_MP3s::TKRNImporter_MP3s(TDataModuleMain& dataModule)
+    : TKRNImporter(dataModule), FOptions(TMP3ScanOptions::FromSettings())
+{}
+
+TKRNImporter_MP3s::~TKRNImporter_MP3s()
+{
+    Terminate();
+    WaitFor();
+}
+
+QString TKRNImporter_MP3s::GetDisplayName() { return GetLanguageString(u"cSImporterMP3sDisplayName"_s); }
+
+QString TKRNImporter_MP3s::GetDisplayDesc() { return GetLanguageString(u"cSImporterMP3sDisplayDesc"_s); }
+
+QString TKRNImporter_MP3s::GetSelectSourceDescription()
+{
+    return GetLanguageString(u"cSImporterMP3sSelectSourceDescription"_s);
+}
+
+void TKRNImporter_MP3s::Import()
+{
+    const TControlsOff controlsOff(*this);
+    FOptions.Pictures = JobType() == ijtImport;
+    TFolderLists lists = CollectFolderFiles(InputPath(), StopToken());
+    MergeDiscFolders(lists);
+    for (const QStringList& list : lists)
+        FFilesCount += static_cast<int>(list.size());
+    // While the main thread stores one folder, a helper reads the next.
+    const auto read = [&](size_t i) { return ReadFolder(lists[i], FOptions); };
+    std::future<std::vector<TFolderStep>> ahead;
+    for (size_t i = 0; i < lists.size() && !Terminated(); ++i) {
+        const std::vector<TFolderStep> steps = ahead.valid() ? ahead.get() : read(i);
+        if (i + 1 < lists.size())
+            ahead = std::async(std::launch::async, read, i + 1);
+        for (const TFolderStep& step : steps)
+            TakeStep(step);
+    }
+    DoOnImportDone(FReleasesCount, FPosition);
+}
+
+void TKRNImporter_MP3s::TakeStep(const TFolderStep& step)
+{
+    if (step.Release)
+        TakeRelease(*step.Release);
+    if (!step.FailedFile.isEmpty())
+        DoOnFileError(step.FailedFile, step.Failure);
+    if (!step.Text.isEmpty())
+        FLastText = step.Text;
+    if (step.FileDone)
+        DoOnProgress(++FPosition, FFilesCount, false, FLastText);
+}
+
+void TKRNImporter_MP3s::TakeRelease(const TAlbumRelease& release)
+{
+    const TVariant key = release[u"FolderPath"_s];
+    if (!IsWanted(key))
+        return;
+    if (JobType() == ijtImport) {
+        StoreRelease(release, true);
+    } else {
+        const QString year = VarToStr(release[u"ReleaseYear"_s]);
+        DoOnReleaseFound(key, VarToStr(release[u"Artist"_s]), VarToStr(release[u"ReleaseName"_s]),
+                         year == "0"_L1 ? QString() : year, static_cast<int>(release.Tracks.size()));
+    }
+    ++FReleasesCount;
+}
+
+} // namespace Kestrune

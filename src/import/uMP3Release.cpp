@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uMP3Release.h"
+
+#include "uByteReader.h"
+#include "uDebugLog.h"
+#include "uFilePath.h"
+#include "uFindCovers.h"
+#include "uFolderNames.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A scan of a whole poster has some tens of megabytes; beyond that a file named like a picture is something else.
+constexpr qint64 LargestCover = 64 * 1024 * 1024;
+
+// The folder of the first track, or the one above when that is a disc folder.
+QString ReleaseFolderOf(const TKRN_MP3_Track& firstTrack)
+{
+    const QString folder = FolderOf(firstTrack.FilePath);
+    return DiscNumberFromFolderName(FileNameOf(folder)) > 0 ? FolderOf(folder) : folder;
+}
+
+// Upper and lower case make different artists.
+QString ReleaseArtistOf(const TKRN_MP3_Tracks& tracks, const QString& various)
+{
+    const QString& first = tracks.front().Artist;
+    const bool mixed =
+        std::ranges::any_of(tracks, [&](const auto& t) { return !t.Artist.isEmpty() && t.Artist != first; });
+    return mixed ? various : first;
+}
+
+void SetFields(TAlbumRelease& release, const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options)
+{
+    const TKRN_MP3_Track& first = tracks.front();
+    release.SetItem2(u"Artist"_s, ReleaseArtistOf(tracks, options.VariousArtists));
+    release.SetItem2(u"ReleaseName"_s, first.Album);
+    release.SetItem2(u"ReleaseYear"_s, QString::number(first.Year));
+    release.SetItem2(u"ReleaseDate"_s, first.ReleaseDate.toString(Qt::ISODate));
+    release.SetItem2(u"CatalogNo"_s, first.CatalogNo);
+    release.SetItem2(u"Label"_s, first.lLabel);
+    release.SetItem2(u"Barcode"_s, first.EAN);
+    release.SetItem2(u"ASIN"_s, first.ASIN);
+    release.SetItem2(u"DiscogsID"_s, first.DiscogsID);
+    release.SetItem2(u"MusicBrainzID"_s, first.MusicBrainzAlbumID);
+    release.SetItem2(u"CountryCode"_s, first.Country);
+    release.SetItem2(u"Genre"_s, first.Genre);
+    release.SetItem2(u"Genres"_s, first.Styles);
+    release.SetItem2(u"Artists"_s, first.Artists);
+    release.SetItem2(u"DataProvider"_s, u"MP3 Scan"_s);
+    release.SetItem2(u"Quantity"_s, u"1"_s);
+    release.SetItem2(u"MediaType"_s, options.Digital);
+    release.SetItem2(u"FolderPath"_s, ReleaseFolderOf(first));
+    const auto lastDisc = std::ranges::max_element(tracks, {}, &TKRN_MP3_Track::DiscNo);
+    release.SetItem2(u"DiscCount"_s, std::max(1, lastDisc->DiscNo));
+}
+
+TAlbumTrack AlbumTrackOf(const TKRN_MP3_Track& from)
+{
+    TAlbumTrack track;
+    track.TrackNo = from.No;
+    track.TrackName = from.Title;
+    track.TrackArtist = from.Artist;
+    track.TrackGenre = from.Genre;
+    track.DurationSec = from.DurationSec;
+    track.DiscNo = from.DiscNo == 0 ? 1 : from.DiscNo;
+    track.DiscCount = from.DiscCount == 0 ? 1 : from.DiscCount;
+    track.Bitrate = from.Bitrate;
+    track.BPM = from.BPM;
+    track.Lyrics = from.Lyrics;
+    track.Comments = from.Comments;
+    track.Filepath = from.FilePath;
+    track.Filetype = from.FileType;
+    track.Side = from.Side;
+    track.Composer = from.Composer;
+    track.Composition = from.Composition;
+    track.Conductor = from.Conductor;
+    track.Orchestra = from.Orchestra;
+    track.Chorus = from.Chorus;
+    track.IsRemix = from.IsRemix;
+    track.IsBlank = from.IsBlank;
+    track.IsHidden = from.IsHidden;
+    track.IsInstrumental = from.IsInstrumental;
+    return track;
+}
+
+void AddPicture(TAlbumRelease& release, TCoverPictureType type, const QByteArray& bytes)
+{
+    auto picture = std::make_unique<TCoverPicture>(type);
+    if (picture->LoadFromBytes(bytes))
+        release.Pictures.push_back(std::move(picture));
+}
+
+void AddPictureFile(TAlbumRelease& release, TCoverPictureType type, const QString& path)
+{
+    if (path.isEmpty())
+        return;
+    const auto source = TFileSource::Open(TextToPath(path));
+    if (source && source->Size() <= LargestCover)
+        AddPicture(release, type, source->Read(0, source->Size()));
+    else
+        DebugLog(u"[Import] Picture is not readable or too large: "_s + path);
+}
+
+void AddFoundPictures(TAlbumRelease& release, const TMP3ScanOptions& options)
+{
+    const TFoundCovers found = FindCovers(VarToStr(release[u"FolderPath"_s]));
+    if (!release.GetPicByType(cptFrontLarge))
+        AddPictureFile(release, cptFrontLarge, found.Front);
+    if (options.BackCover)
+        AddPictureFile(release, cptBackLarge, found.Back);
+    if (options.MediaCover)
+        AddPictureFile(release, cptMediaLarge, found.Media);
+    if (!options.OtherImages)
+        return;
+    for (const QString& other : found.Others) {
+        if (other != found.Front && other != found.Back && other != found.Media)
+            AddPictureFile(release, cptOther, other);
+    }
+}
+
+void AddPictures(TAlbumRelease& release, const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options)
+{
+    const auto covered = std::ranges::find_if(tracks, [](const auto& t) { return !t.Cover.isEmpty(); });
+    if (covered != tracks.end())
+        AddPicture(release, cptFrontLarge, covered->Cover);
+    if (options.FindCovers)
+        AddFoundPictures(release, options);
+    if (const TCoverPicture* front = release.GetPicByType(cptFrontLarge))
+        AddPicture(release, cptFrontThumb, MakeThumbnail(front->Bytes(), options.ThumbHeight));
+}
+
+} // namespace
+
+std::optional<TAlbumRelease> CreateReleaseFromTracks(const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options)
+{
+    if (tracks.empty())
+        return std::nullopt;
+    TAlbumRelease release;
+    SetFields(release, tracks, options);
+    if (options.Pictures)
+        AddPictures(release, tracks, options);
+    release.Tracks.reserve(tracks.size());
+    for (const TKRN_MP3_Track& track : tracks)
+        release.Tracks.push_back(AlbumTrackOf(track));
+    return release;
+}
+
+} // namespace Kestrune

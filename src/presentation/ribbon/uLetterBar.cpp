@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uLetterBar.h"
+
+#include "uRibbonButton.h"
+#include "uSegments.h"
+#include "uTHStrings.h"
+#include "uThemePaint.h"
+#include "uThemeStyle.h"
+
+#include <QAbstractButton>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int NarrowBelow = 620;
+constexpr int CellHeight = 22;
+
+} // namespace
+
+/// One letter, or All.
+class TLetterCell : public QAbstractButton {
+public:
+    TLetterCell(QString letter, QWidget* parent) : QAbstractButton(parent), Letter(std::move(letter))
+    {
+        setText(Letter.isEmpty() ? GetLanguageString(u"cSGuiAllLetters"_s) : Letter);
+        setAccessibleName(text());
+        setCheckable(true);
+        setFocusPolicy(Qt::TabFocus);
+        setAttribute(Qt::WA_Hover);
+    }
+
+    QString Letter;
+    bool HasHits = true;
+
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        const TTheme& theme = CurrentTheme();
+        QPainter painter(this);
+        if (isChecked())
+            FillRounded(painter, rect(), RadiusControl, theme.AccentFill);
+        else if (underMouse())
+            FillRounded(painter, rect(), RadiusControl, theme.Hover);
+        QFont font = ThemeFont(isChecked() ? fsBodyBold : fsBody);
+        font.setPixelSize(std::max(9, font.pixelSize() - 1));
+        painter.setFont(font);
+        painter.setPen(isChecked() ? theme.OnAccent : HasHits ? theme.Text2 : theme.Disabled);
+        painter.drawText(rect(), Qt::AlignCenter | Qt::TextSingleLine, text());
+        if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
+            StrokeRounded(painter, rect(), RadiusControl, isChecked() ? theme.Text : theme.AccentFill, 2);
+    }
+
+    // Left and right walk along the bar; a letter is chosen only by Space, Enter or a click.
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (event->key() == Qt::Key_Left || event->key() == Qt::Key_Right) {
+            const bool forward = (event->key() == Qt::Key_Right) != isRightToLeft();
+            forward ? focusNextChild() : focusPreviousChild();
+        } else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+            click();
+        } else {
+            QAbstractButton::keyPressEvent(event);
+        }
+    }
+};
+
+TLetterBar::TLetterBar(QWidget* parent)
+    : QWidget(parent),
+      FFieldSegments(new TSegments(this)),
+      FFieldButton(new TRibbonButton(TRibbonButton::TShape::Flat, this))
+{
+    setAccessibleName(GetLanguageString(u"cSGuiLetterBar"_s));
+    const QStringList fields = {GetLanguageString(u"cSReleasesFieldArtist"_s), GetLanguageString(u"cSGuiRelease"_s)};
+    FFieldSegments->SetTexts(fields);
+    auto* menu = new QMenu(FFieldButton);
+    for (int i = 0; i < 2; ++i)
+        connect(menu->addAction(fields[i]), &QAction::triggered, this, [this, i] { ChooseField(i); });
+    FFieldButton->setMenu(menu);
+    connect(FFieldSegments, &TSegments::chosen, this, &TLetterBar::ChooseField);
+    setFixedHeight(RowHeight(30, ThemeFont(fsBody), 10));
+    QStringList letters = {u"#"_s};
+    for (char16_t c = u'A'; c <= u'Z'; ++c)
+        letters << QString(QChar(c));
+    SetLetters(letters);
+    SetField(0);
+}
+
+void TLetterBar::SetLetters(const QStringList& letters)
+{
+    qDeleteAll(FCells);
+    FCells.clear();
+    for (const QString& letter : QStringList(QString()) + letters) {
+        auto* cell = new TLetterCell(letter, this);
+        connect(cell, &QAbstractButton::clicked, this, [this, letter] { Choose(letter); });
+        cell->show();
+        FCells << cell;
+    }
+    SetCurrent(FCurrent);
+    PlaceCells();
+}
+
+void TLetterBar::SetHits(const QSet<QString>& letters)
+{
+    for (TLetterCell* cell : std::as_const(FCells)) {
+        cell->HasHits = cell->Letter.isEmpty() || letters.contains(cell->Letter);
+        cell->update();
+    }
+}
+
+void TLetterBar::SetCurrent(const QString& letter)
+{
+    FCurrent = letter;
+    for (TLetterCell* cell : std::as_const(FCells))
+        cell->setChecked(cell->Letter == letter);
+}
+
+void TLetterBar::Choose(const QString& letter)
+{
+    SetCurrent(letter);
+    Q_EMIT letterChosen(letter);
+}
+
+void TLetterBar::SetField(int field)
+{
+    FField = field == 1 ? 1 : 0;
+    FFieldSegments->SetCurrent(FField);
+    FFieldButton->setText(FFieldButton->menu()->actions().at(FField)->text());
+    PlaceCells();
+}
+
+void TLetterBar::ChooseField(int field)
+{
+    SetField(field);
+    Q_EMIT fieldChosen(FField);
+}
+
+void TLetterBar::PlaceCells()
+{
+    const bool narrow = width() < NarrowBelow;
+    FFieldSegments->setVisible(!narrow);
+    FFieldButton->setVisible(narrow);
+    QWidget* chooser = narrow ? static_cast<QWidget*>(FFieldButton) : FFieldSegments;
+    const QSize size = chooser->sizeHint();
+    int x = 10;
+    const auto place = [&](QWidget* child, int width, int height) {
+        child->setGeometry(isRightToLeft() ? this->width() - x - width : x, (this->height() - height) / 2, width,
+                           height);
+        x += width;
+    };
+    place(chooser, size.width(), size.height());
+    x += 8;
+    const int letters = static_cast<int>(FCells.size()) - 1;
+    const int pitch = std::clamp((width() - x - 36 - 10) / std::max(1, letters), 20, 28);
+    const int cellHeight = RowHeight(CellHeight, ThemeFont(fsBody), 4);
+    for (TLetterCell* cell : std::as_const(FCells)) {
+        const bool all = cell->Letter.isEmpty();
+        place(cell, all ? 36 : pitch, cellHeight);
+    }
+}
+
+void TLetterBar::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    PlaceCells();
+}
+
+void TLetterBar::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), CurrentTheme().View);
+}
+
+} // namespace Kestrune

@@ -1,0 +1,338 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uMainWindow.h"
+
+#include "frmAddFiles.h"
+#include "uActionSet.h"
+#include "uAlbumTable.h"
+#include "uDebugLog.h"
+#include "uDebugWindow.h"
+#include "uDefaults.h"
+#include "uDetailPane.h"
+#include "uEmptyPage.h"
+#include "uFilterBar.h"
+#include "uLetterBar.h"
+#include "uMessageBars.h"
+#include "uReleasesModel.h"
+#include "uRibbon.h"
+#include "uSearchBox.h"
+#include "uSegments.h"
+#include "uStatusLine.h"
+#include "uTHStrings.h"
+#include "uThemeController.h"
+#include "uThemeStyle.h"
+#include "uTileView.h"
+
+#include <QAction>
+#include <QDesktopServices>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QPainter>
+#include <QScreen>
+#include <QShortcut>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QSize FirstSize(1440, 900);
+constexpr QSize SmallestSize(800, 560);
+constexpr int FoldedUpTo = 1024; // a window this narrow starts with the ribbon folded
+
+// The columns of the table before the user chooses: presets may hide and show more.
+const QStringList FirstColumns = {u"No"_s,          u"ThumbPicture"_s, u"Artist"_s,      u"ReleaseName"_s,
+                                  u"ReleaseYear"_s, u"MediaType"_s,    u"Label"_s,       u"CatalogNO"_s,
+                                  u"CountryCode"_s, u"DiscCount"_s,    u"Rating_Calc"_s, u"Status"_s,
+                                  u"Genre"_s,       u"Location"_s};
+
+int FirstWidthOf(const QString& field)
+{
+    if (field == "Artist"_L1)
+        return 190;
+    if (field == "ReleaseName"_L1)
+        return 220;
+    if (field == "ThumbPicture"_L1)
+        return 36;
+    if (field == "No"_L1 || field == "DiscCount"_L1 || field == "CountryCode"_L1)
+        return 76;
+    return 112;
+}
+
+} // namespace
+
+TMainWindow::TMainWindow(TKRNMainForm& form, TThemeController& theme, bool debugMode) : FForm(form), FTheme(theme)
+{
+    setObjectName(u"TKRNMainForm"_s);
+    setMinimumSize(SmallestSize);
+    setAcceptDrops(true);
+    FTheme.Apply(Defaults().ThemeIndex, Defaults().ColorSchemeAccentIndex);
+    FForm.FormCreate([this, debugMode] {
+        if (!debugMode)
+            return;
+        FDebug = new TDebugWindow(this);
+        SetDebugLogSink([window = FDebug](const QString& line) {
+            if (window)
+                window->AddLine(line);
+        });
+    });
+    FActions = new TActionSet(FForm.Actions(), this);
+    FModel = new TReleasesModel(FForm.Data(), this);
+    BuildParts();
+    BuildMenus();
+    BuildShortcuts();
+    ConnectForm();
+    ConnectParts();
+    ShowCollection();
+    ShowPane();
+}
+
+TMainWindow::~TMainWindow()
+{
+    delete FPages; // the views paint with members of this window
+    if (FDebug)
+        SetDebugLogSink({});
+}
+
+void TMainWindow::BuildParts()
+{
+    FRibbon = new TRibbon(this);
+    FFilters = new TFilterBar(this);
+    FBars = new TMessageBars(this);
+    FPages = new QStackedWidget(this);
+    FEmpty = new TEmptyPage(FPages);
+    FSplitter = new QSplitter(FPages);
+    FSplitter->setChildrenCollapsible(false);
+    FViewSide = new QWidget(FSplitter);
+    FPane = new TDetailPane(FSplitter);
+    FStatus = new TStatusLine(this);
+    BuildViews();
+    FPages->addWidget(FEmpty);
+    FPages->addWidget(FSplitter);
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(FRibbon);
+    column->addWidget(FFilters);
+    column->addWidget(FBars);
+    column->addWidget(FPages, 1);
+    column->addWidget(FStatus);
+}
+
+void TMainWindow::BuildViews()
+{
+    FLetters = new TLetterBar(FViewSide);
+    FViews = new QStackedWidget(FViewSide);
+    FTiles = new TTileView(FViews);
+    FTable = new TAlbumTable(&FCovers, FViews);
+    FNoHits = new TEmptyPage(FViews);
+    FThumbsPainter.SetStep(FForm.ThumbSize());
+    FTiles->SetPainter(&FThumbsPainter);
+    FTiles->setModel(FModel);
+    FTable->setModel(FModel);
+    // One selection for all views, so that a change of the view loses nothing.
+    FTable->setSelectionModel(FTiles->selectionModel());
+    FTiles->setAccessibleName(GetLanguageString(u"cSGuiReleases"_s));
+    FTable->setAccessibleName(GetLanguageString(u"cSGuiReleases"_s));
+    for (QAbstractItemView* view : {static_cast<QAbstractItemView*>(FTiles), static_cast<QAbstractItemView*>(FTable)})
+        view->setContextMenuPolicy(Qt::CustomContextMenu);
+    SetUpColumns();
+    FNoHits->ShowNoHits();
+    FViews->addWidget(FTiles);
+    FViews->addWidget(FTable);
+    FViews->addWidget(FNoHits);
+    auto* column = new QVBoxLayout(FViewSide);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(0);
+    column->addWidget(FLetters);
+    column->addWidget(FViews, 1);
+}
+
+void TMainWindow::SetUpColumns()
+{
+    TTableHeader* header = FTable->Header();
+    for (int column = 0; column < FModel->columnCount(); ++column) {
+        const QString field = column == 0 ? u"ThumbPicture"_s : FModel->FieldOf(column);
+        FTable->setColumnHidden(column, !FirstColumns.contains(field));
+        header->resizeSection(column, FirstWidthOf(field));
+    }
+    int visual = 0;
+    for (const QString& field : FirstColumns)
+        if (const int column = FModel->ColumnOf(field); column >= 0)
+            header->moveSection(header->visualIndex(column), visual++);
+}
+
+void TMainWindow::BuildMenus()
+{
+    FFileMenu = new QMenu(this);
+    FMainMenu = new QMenu(this);
+    FStatusMenu = new QMenu(this);
+    FSortMenu = new QMenu(this);
+    connect(FFileMenu, &QMenu::aboutToShow, this, &TMainWindow::FillFileMenu);
+    connect(FMainMenu, &QMenu::aboutToShow, this, &TMainWindow::FillMainMenu);
+    connect(FStatusMenu, &QMenu::aboutToShow, this, &TMainWindow::FillStatusMenu);
+    connect(FSortMenu, &QMenu::aboutToShow, this, &TMainWindow::FillSortMenu);
+    if (QAction* status = FActions->Find(u"actStatusFilter"_s))
+        status->setMenu(FStatusMenu);
+    FRibbon->SetTable(MainRibbonTable(), [this](const QString& name) { return FActions->Find(name); });
+    FRibbon->SetFileMenu(FFileMenu);
+    FRibbon->SetMainMenu(FMainMenu);
+    FFilters->SetStatusMenu(FStatusMenu);
+    FFilters->Sizes()->SetIcons({u"sizeS"_s, u"sizeM"_s, u"sizeL"_s},
+                                {GetLanguageString(u"cSGuiSizeSmall"_s), GetLanguageString(u"cSGuiSizeMedium"_s),
+                                 GetLanguageString(u"cSGuiSizeLarge"_s)});
+    QList<QAction*> views;
+    for (const QString& name :
+         {u"actThumbView"_s, u"actCardsView"_s, u"actShelveView"_s, u"actAlbumTableView"_s, u"actTracksView"_s})
+        if (QAction* action = FActions->Find(name); action && action->isVisible())
+            views << action;
+    FFilters->Views()->SetActions(views);
+    QList<QAction*> paneActions;
+    for (const QString& name : {u"actEditItem"_s, u"actLoanSelected"_s, u"actAddToPlaylist"_s})
+        if (QAction* action = FActions->Find(name); action && action->isVisible())
+            paneActions << action;
+    FPane->SetActions(paneActions);
+}
+
+void TMainWindow::BuildShortcuts()
+{
+    const auto add = [this](const QKeySequence& keys, auto act) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, act);
+    };
+    add(QKeySequence(Qt::CTRL | Qt::Key_F1), [this] { FRibbon->SetFolded(!FRibbon->IsFolded()); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_K), [this] { FRibbon->SearchBox()->FocusEditor(); });
+    add(QKeySequence(Qt::Key_F10),
+        [this] { FMainMenu->popup(FRibbon->mapToGlobal(QPoint(FRibbon->width() - 60, 34))); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_Tab), [this] { MoveArea(1); });
+    add(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab), [this] { MoveArea(-1); });
+}
+
+void TMainWindow::ConnectForm()
+{
+    connect(&FForm, &TKRNMainForm::collectionOpened, this, &TMainWindow::ShowCollection);
+    connect(&FForm, &TKRNMainForm::viewChanged, this, &TMainWindow::ShowView);
+    connect(&FForm, &TKRNMainForm::filtersChanged, this, &TMainWindow::ShowFilters);
+    connect(&FForm, &TKRNMainForm::sortChanged, this, &TMainWindow::ShowSort);
+    connect(&FForm, &TKRNMainForm::figuresChanged, this, &TMainWindow::ShowFigures);
+    connect(&FForm, &TKRNMainForm::detailChanged, this, &TMainWindow::ShowDetail);
+    connect(&FForm, &TKRNMainForm::paneChanged, this, &TMainWindow::ShowPane);
+    connect(&FForm, &TKRNMainForm::focusRequested, this, &TMainWindow::FocusRelease);
+    connect(&FForm, &TKRNMainForm::addFilesStarted, this, &TMainWindow::OpenAddFiles);
+    connect(&FForm, &TKRNMainForm::closeRequested, this, &QWidget::close);
+    connect(&FForm, &TKRNMainForm::searchFocusRequested, this, [this] { FRibbon->SearchBox()->FocusEditor(); });
+    connect(&FForm, &TKRNMainForm::selectionRequested, this,
+            [this](bool all) { all ? FTiles->selectAll() : FTiles->clearSelection(); });
+    connect(&FForm, &TKRNMainForm::barRaised, this,
+            [this](TBarKind kind, const QString& bold, const QString& sentence) {
+                FBars->Show({kind, bold, sentence, {}, {}});
+            });
+    connect(&FForm, &TKRNMainForm::debugWindowToggled, this, [this] {
+        if (FDebug)
+            FDebug->setVisible(!FDebug->isVisible());
+    });
+    connect(FModel, &QAbstractItemModel::modelReset, this, &TMainWindow::RestoreCurrent, Qt::QueuedConnection);
+}
+
+void TMainWindow::ConnectParts()
+{
+    FSelectionTimer.setSingleShot(true);
+    FSelectionTimer.setInterval(0);
+    connect(&FSelectionTimer, &QTimer::timeout, this, &TMainWindow::ReportSelection);
+    QItemSelectionModel* selection = FTiles->selectionModel();
+    connect(selection, &QItemSelectionModel::selectionChanged, &FSelectionTimer, qOverload<>(&QTimer::start));
+    connect(selection, &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& now) {
+        if (now.isValid())
+            FForm.SetFocusedRelease(FModel->IdOf(now));
+    });
+    TSearchBox* search = FRibbon->SearchBox();
+    connect(search, &TSearchBox::fieldChanged, &FForm, &TKRNMainForm::SetSearchBy);
+    connect(search, &TSearchBox::searchRequested, this, [this, search] {
+        FForm.SetSearchBy(search->CurrentField().Name);
+        FForm.SetSearchText(search->Text());
+        FForm.Actions().Trigger(u"actSearch"_s);
+    });
+    connect(search, &TSearchBox::cleared, this, [this] { FForm.RemoveFilter(fckKeyword); });
+    connect(search, &TSearchBox::leaveRequested, this, [this] { CurrentViewWidget()->setFocus(); });
+    TChipRow* chips = FFilters->Chips();
+    connect(chips, &TChipRow::removeRequested, this,
+            [this](const QString& id) { FForm.RemoveFilter(static_cast<TFilterChipKind>(id.toInt())); });
+    connect(chips, &TChipRow::editRequested, this, [this](const QString& id) {
+        if (static_cast<TFilterChipKind>(id.toInt()) == fckKeyword)
+            FRibbon->SearchBox()->FocusEditor();
+        else if (static_cast<TFilterChipKind>(id.toInt()) == fckLetter)
+            FLetters->setFocus();
+        else
+            FStatusMenu->popup(FFilters->mapToGlobal(QPoint(10, FFilters->height())));
+    });
+    const auto clearAll = [this] { FForm.Actions().Trigger(u"actFilterStatusOther"_s); };
+    connect(chips, &TChipRow::clearRequested, this, clearAll);
+    connect(FNoHits, &TEmptyPage::clearFiltersRequested, this, clearAll);
+    connect(FFilters->Sizes(), &TSegments::chosen, &FForm, &TKRNMainForm::SetThumbSize);
+    connect(FLetters, &TLetterBar::letterChosen, this, [this](const QString& letter) {
+        FForm.LetterClick(letter.isEmpty() ? GetLanguageString(u"cSGuiAllLetters"_s) : letter);
+    });
+    connect(FLetters, &TLetterBar::fieldChosen, &FForm, &TKRNMainForm::SetLetterField);
+    connect(FTable, &TAlbumTable::sortRequested, this, [this](int column, bool add) {
+        if (const QString field = FModel->FieldOf(column); !field.isEmpty())
+            FForm.SortBy(field, add);
+    });
+    connect(FPane, &TDetailPane::ratingChosen, &FForm, &TKRNMainForm::SetDetailRating);
+    connect(FPane, &TDetailPane::linkActivated, this,
+            [](const QString& link) { QDesktopServices::openUrl(QUrl(link, QUrl::StrictMode)); });
+    connect(FEmpty, &TEmptyPage::recentChosen, &FForm, &TKRNMainForm::OpenRecent);
+    connect(FStatus, &TStatusLine::cancelRequested, this, [this] {
+        if (TAddFilesRun* run = FForm.AddFiles())
+            run->Cancel();
+    });
+    connect(FSplitter, &QSplitter::splitterMoved, this, [this] {
+        FPaneDragged = true;
+        const bool beside = FSplitter->orientation() == Qt::Horizontal;
+        FForm.SetFrameSize(beside ? FPane->width() : 0, beside ? 0 : FPane->height());
+    });
+    for (QAbstractItemView* view : {static_cast<QAbstractItemView*>(FTiles), static_cast<QAbstractItemView*>(FTable)}) {
+        connect(view, &QWidget::customContextMenuRequested, this,
+                [this, view](const QPoint& at) { OpenContextMenu(view->viewport()->mapToGlobal(at)); });
+        connect(view, &QAbstractItemView::activated, this, [this] { FForm.Actions().Trigger(u"actEditItem"_s); });
+    }
+}
+
+void TMainWindow::ShowRestored()
+{
+    const QRect kept = FForm.RestoredGeometry();
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    const QRect desk = screen ? screen->availableGeometry() : QRect(QPoint(0, 0), FirstSize);
+    const QSize wanted = kept.isEmpty() ? FirstSize : kept.size();
+    resize(wanted.boundedTo(desk.size()).expandedTo(SmallestSize));
+    // A place on a screen that is gone would hide the window.
+    if (!kept.isEmpty() && desk.intersects(kept))
+        move(kept.topLeft());
+    FRibbon->SetFolded(width() <= FoldedUpTo);
+    FForm.FormShow();
+    if (FDebug)
+        FDebug->show();
+    if (FForm.StartsMaximized())
+        showMaximized();
+    else
+        show();
+}
+
+void TMainWindow::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.fillRect(rect(), CurrentTheme().Window);
+}
+
+QWidget* TMainWindow::CurrentViewWidget() const
+{
+    if (FPages->currentWidget() == FEmpty)
+        return FEmpty;
+    return FViews->currentWidget();
+}
+
+} // namespace Kestrune

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "uDetailView.h"
+
+#include <QAbstractButton>
+#include <QImage>
+#include <QPixmap>
+#include <QWidget>
+
+#include <functional>
+
+class QAction;
+class QHBoxLayout;
+
+namespace Kestrune {
+
+class TStarsEdit;
+
+/// Cover, title, artist, stars and buttons.
+class TDetailHead : public QWidget {
+    Q_OBJECT
+public:
+    explicit TDetailHead(QWidget* parent = nullptr);
+
+    void SetData(const TDetailData& detail);
+    void SetActions(const QList<QAction*>& actions);
+    /// Lays the parts out for a width and the height of the pane; returns the height that it takes.
+    int ArrangeFor(int width, int paneHeight);
+    TStarsEdit* Stars() { return FStars; }
+
+Q_SIGNALS:
+    void coverActivated();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    QPixmap CoverPixmap(qreal ratio);
+
+    QString FTitle, FArtist, FMediaType;
+    QImage FPicture; // decoded once per release at twice the largest size
+    QPixmap FCover;  // finished for the present size and theme
+    QString FCoverKey;
+    QRect FCoverRect;
+    int FTextTop = 0;
+    TStarsEdit* FStars;
+    QWidget* FButtons;
+    QHBoxLayout* FButtonRow;
+};
+
+/// One line below a section heading. Painted as told; a link or a track can be activated.
+class TDetailRow : public QAbstractButton {
+    Q_OBJECT
+public:
+    enum class TKind : quint8 { Field, Track, Disc, Credit };
+
+    static TDetailRow* ForField(const TDetailField& field, QWidget* parent);
+    static TDetailRow* ForTrack(const TDetailTrack& track, QWidget* parent);
+    static TDetailRow* ForDisc(const TDetailDisc& disc, QWidget* parent);
+    static TDetailRow* ForCredit(const TDetailCredit& credit, QWidget* parent);
+
+    /// Height for a width: long texts of comments take several lines.
+    int HeightFor(int width) const;
+    QSize sizeHint() const override { return {280, HeightFor(280)}; }
+
+Q_SIGNALS:
+    void activated();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+
+private:
+    TDetailRow(TKind kind, QWidget* parent);
+    void PaintField(QPainter& painter) const;
+    void PaintColumns(QPainter& painter) const;
+    int ValueLeft() const;
+
+    TKind FKind;
+    QString FLabel, FValue, FExtra;
+    bool FIsLink = false;
+};
+
+/// Thumbnails of the other pictures, 64 dip high, in lines.
+class TPictureStrip : public QWidget {
+    Q_OBJECT
+public:
+    TPictureStrip(std::vector<QByteArray> pictures, QWidget* parent);
+    int HeightFor(int width) const;
+
+Q_SIGNALS:
+    void activated(int picture);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    QRect CellRect(int index, int width) const;
+    void MakePixmaps();
+
+    std::vector<QByteArray> FPictures;
+    std::vector<QPixmap> FPixmaps; // finished for FPixmapKey
+    QString FPixmapKey;
+    int FCurrent = 0;
+};
+
+/// A heading with an arrow, and its rows.
+class TDetailBlock : public QWidget {
+    Q_OBJECT
+public:
+    TDetailBlock(QString id, const QString& caption, const QString& extra, QWidget* parent);
+
+    const QString& Id() const { return FId; }
+    void Add(TDetailRow* row);
+    void Add(TPictureStrip* strip);
+    void SetFolded(bool folded);
+    bool IsFolded() const { return FIsFolded; }
+    /// Lays the rows out for a width; returns the height.
+    int ArrangeFor(int width);
+
+Q_SIGNALS:
+    void foldToggled();
+
+private:
+    QString FId;
+    QAbstractButton* FHeading;
+    QList<TDetailRow*> FRows;
+    TPictureStrip* FStrip = nullptr;
+    bool FIsFolded = false;
+};
+
+} // namespace Kestrune

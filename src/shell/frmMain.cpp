@@ -1,0 +1,318 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "frmMain.h"
+
+#include "frmAddFiles.h"
+#include "uDBValidator.h"
+#include "uDefaults.h"
+#include "uPrompt.h"
+#include "uTHStrings.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int DetailDelay = 150;    // milliseconds, so that a fast walk through the list reads no pictures
+constexpr qint64 CountStep = 50000; // tracks per turn of the event loop
+
+} // namespace
+
+TKRNMainForm::TKRNMainForm(TDataModuleMain& data, TPrompt& prompt) : FData(data), FPrompt(prompt)
+{
+    FDetailTimer.setSingleShot(true);
+    FDetailTimer.setInterval(DetailDelay);
+    connect(&FDetailTimer, &QTimer::timeout, this, &TKRNMainForm::RefreshDetail);
+    FCountTimer.setInterval(0);
+    connect(&FCountTimer, &QTimer::timeout, this, &TKRNMainForm::CountTracks);
+    FActions.OnFailure = [this](const QString& sentence) { Q_EMIT barRaised(bkError, sentence, {}); };
+    BindActions();
+}
+
+TKRNMainForm::~TKRNMainForm() = default;
+
+void TKRNMainForm::FormCreate(const std::function<void()>& createDebugWindow)
+{
+    if (createDebugWindow)
+        createDebugWindow();
+    SetSplashText(GetLanguageString(u"cSSplashLoadingSettings"_s));
+    if (!Defaults().BrokenSettingsFile.isEmpty()) {
+        const QString file = QFileInfo(Defaults().BrokenSettingsFile).fileName();
+        FPrompt.ShowError(GetLanguageString(u"cSSettingsFileBroken"_s).replace(u"%s"_s, file));
+    }
+    OpenCollection(Defaults().DBPath);
+    RefreshDetail();
+    FData.OnReleaseInfoAfterPost = [this](TDataset& releaseInfo) { RefreshFocusedRow(releaseInfo); };
+    // A number of a view that this window does not have leaves the first one.
+    if (const int view = Defaults().CurrentView;
+        view == static_cast<int>(mvThumbs) || view == static_cast<int>(mvAlbums))
+        FView = static_cast<TMainView>(view);
+    FActions.Update();
+}
+
+void TKRNMainForm::FormShow()
+{
+    if (FFormShown)
+        return;
+    FFormShown = true;
+    FMakeItMaximized = Defaults().MainFormMaximized;
+    Q_EMIT paneChanged();
+}
+
+void TKRNMainForm::WMAfterFormShow()
+{
+    if (FData.HasData())
+        FData.qReleasesMain.First();
+    if (const qint64 id = FData.qReleasesMain.CurrentKey(); id != 0)
+        Q_EMIT focusRequested(id);
+    StartCounting();
+}
+
+void TKRNMainForm::FormClose() { Defaults().CurrentView = static_cast<int>(FView); }
+
+void TKRNMainForm::SetCurrentView(TMainView view)
+{
+    FView = view;
+    Defaults().CurrentView = static_cast<int>(view);
+    Q_EMIT viewChanged();
+    if (FFocused != 0)
+        Q_EMIT focusRequested(FFocused);
+    FActions.Update();
+}
+
+int TKRNMainForm::ThumbSize() const { return std::clamp(Defaults().ThumbSize, 0, 2); }
+
+void TKRNMainForm::SetThumbSize(int step)
+{
+    Defaults().ThumbSize = std::clamp(step, 0, 2);
+    Q_EMIT viewChanged();
+    FActions.Update();
+}
+
+int TKRNMainForm::PaneLocation() const { return Defaults().InfoPaneLocation; }
+bool TKRNMainForm::PaneClosed() const { return Defaults().FrameClosed; }
+
+void TKRNMainForm::SetPaneClosed(bool closed)
+{
+    Defaults().FrameClosed = closed;
+    Q_EMIT paneChanged();
+    FActions.Update();
+}
+
+QString TKRNMainForm::Caption() const
+{
+    const QString name = Defaults().OEM.Name;
+    return FData.HasData() ? u"%1 - %2"_s.arg(QFileInfo(FData.CurrentFile()).fileName(), name) : name;
+}
+
+QStringList TKRNMainForm::RecentDBs() const { return Defaults().RecentDBs; }
+
+bool TKRNMainForm::OpenCollection(const QString& path)
+{
+    FOpenFailure.clear();
+    bool opened = false;
+    try {
+        opened = FData.ConnectToDB(path);
+        if (!opened && !FData.HasData())
+            FOpenFailure = DatabaseValidationMessage(ValidateDatabaseFile(path));
+    } catch (const EDatabaseError& failure) {
+        FOpenFailure = failure.Text();
+        FPrompt.ShowError(failure.Text());
+    }
+    AfterCollectionChange();
+    return opened;
+}
+
+void TKRNMainForm::OpenRecent(const QString& path)
+{
+    OpenCollection(path);
+    FActions.Update();
+}
+
+void TKRNMainForm::AfterCollectionChange()
+{
+    FStatusFilter = FQuickFilter = FKeywordFilter = 0;
+    FStatus.clear();
+    FLetter.clear();
+    FKeyword.clear();
+    FKeywordText.clear();
+    FSelection.clear();
+    FFocused = FData.qReleasesMain.CurrentKey();
+    FTotal = FData.qReleasesMain.RecordCount();
+    FTracks = -1;
+    if (FFormShown)
+        StartCounting();
+    RefreshDetail();
+    Q_EMIT collectionOpened();
+    Q_EMIT filtersChanged();
+    Q_EMIT figuresChanged();
+}
+
+void TKRNMainForm::SetFocusedRelease(qint64 id)
+{
+    if (id == FFocused && FDetail.ID == id)
+        return;
+    FFocused = id;
+    FDetailTimer.start();
+}
+
+void TKRNMainForm::SetSelection(std::vector<qint64> ids)
+{
+    FSelection = std::move(ids);
+    Q_EMIT figuresChanged();
+    FActions.Update();
+}
+
+std::vector<qint64> TKRNMainForm::SelectedOrFocused() const
+{
+    if (!FSelection.empty())
+        return FSelection;
+    return FFocused != 0 ? std::vector<qint64>{FFocused} : std::vector<qint64>{};
+}
+
+void TKRNMainForm::RefreshDetail()
+{
+    FDetailTimer.stop();
+    if (!FData.HasData() || FFocused == 0 || FData.qReleasesMain.RowOfKey(FFocused) < 0) {
+        FDetail = {};
+    } else {
+        FData.SelectRelease(FFocused);
+        FDetail = BuildDetailData(FData);
+    }
+    Q_EMIT detailChanged();
+}
+
+void TKRNMainForm::SetDetailRating(int halfStars)
+{
+    if (FDetail.ID == 0)
+        return;
+    try {
+        FData.SelectRelease(FDetail.ID);
+        FData.qReleaseInfo.SetValue(u"Rating_Calc"_s, std::clamp(halfStars, 0, 10) / 2.0);
+        FData.qReleaseInfo.Post();
+    } catch (const EDatabaseError& failure) {
+        FData.CancelIfApplicable(FData.qReleaseInfo);
+        Q_EMIT barRaised(bkError, GetLanguageString(u"cSNotSaved"_s), failure.Text());
+    }
+    RefreshDetail();
+}
+
+void TKRNMainForm::RefreshFocusedRow(TDataset& releaseInfo)
+{
+    if (FData.AddingReleases() || FData.qReleasesMain.IsEmpty())
+        return;
+    if (releaseInfo.CurrentKey() == FData.qReleasesMain.CurrentKey())
+        FData.qReleasesMain.RefreshRow(releaseInfo.CurrentKey());
+}
+
+void TKRNMainForm::RemoveSelected()
+{
+    if (!FPrompt.AskYesNo(GetLanguageString(u"cSConfirmDelete"_s)))
+        return;
+    const int row = FData.qReleasesMain.RowOfKey(FFocused);
+    const std::vector<qint64> keys = SelectedOrFocused();
+    FData.qReleasesMain.DeleteKeys(keys);
+    FData.qTracksAll.Refresh();
+    FData.qLoans.Refresh();
+    FTotal -= static_cast<int>(keys.size());
+    FSelection.clear();
+    FFocused = FData.qReleasesMain.KeyAt(std::min(row, FData.qReleasesMain.RecordCount() - 1));
+    RefreshDetail();
+    if (FFocused != 0)
+        Q_EMIT focusRequested(FFocused);
+    StartCounting();
+    Q_EMIT figuresChanged();
+}
+
+void TKRNMainForm::StartCounting()
+{
+    FTracks = 0;
+    FTracksLength = 0.0;
+    FCountedTo = 0;
+    if (FData.HasData())
+        FCountTimer.start();
+}
+
+void TKRNMainForm::CountTracks()
+{
+    // A million tracks in small steps, so that the window stays live meanwhile.
+    if (!FData.HasData()) {
+        FCountTimer.stop();
+        return;
+    }
+    FTracksLength += FData.SumTrackLengths(FCountedTo, FCountedTo + CountStep, FTracks);
+    FCountedTo += CountStep;
+    if (FCountedTo < FData.LastTrackID())
+        return;
+    FCountTimer.stop();
+    Q_EMIT figuresChanged();
+}
+
+TStatusFigures TKRNMainForm::StatusFigures() const
+{
+    TStatusFigures figures;
+    figures.Shown = FData.qReleasesMain.RecordCount();
+    figures.Total = FTotal;
+    figures.Selected = static_cast<int>(FSelection.size());
+    figures.Tracks = FCountTimer.isActive() ? -1 : FTracks;
+    figures.TracksLength = FTracksLength;
+    figures.FileName = FData.HasData() ? QFileInfo(FData.CurrentFile()).fileName() : QString();
+    figures.ReadOnly = FData.IsReadOnly();
+    return figures;
+}
+
+void TKRNMainForm::AddFolders(const QStringList& paths)
+{
+    if (paths.isEmpty() || !FData.HasData() || FAddFiles)
+        return;
+    FAddFiles = std::make_unique<TAddFilesRun>(FData, paths);
+    connect(FAddFiles.get(), &TAddFilesRun::releaseStored, this, [this] { ++FTotal; });
+    connect(FAddFiles.get(), &TAddFilesRun::finished, this, [this] {
+        RefreshDetail();
+        StartCounting();
+        Q_EMIT addFilesFinished();
+        FAddFiles.release()->deleteLater();
+        Q_EMIT figuresChanged();
+        FActions.Update();
+    });
+    Q_EMIT addFilesStarted();
+    FAddFiles->Start();
+    FActions.Update();
+}
+
+void TKRNMainForm::SetNormalGeometry(const QRect& geometry)
+{
+    TDefaults& settings = Defaults();
+    settings.MainFormLeft = geometry.left();
+    settings.MainFormTop = geometry.top();
+    settings.MainFormWidth = geometry.width();
+    settings.MainFormHeight = geometry.height();
+}
+
+void TKRNMainForm::SetMaximized(bool maximized)
+{
+    FMakeItMaximized = maximized;
+    Defaults().MainFormMaximized = maximized;
+}
+
+void TKRNMainForm::SetFrameSize(int width, int height)
+{
+    if (width > 0)
+        Defaults().FrameWidth = width;
+    if (height > 0)
+        Defaults().FrameHeight = height;
+}
+
+QRect TKRNMainForm::RestoredGeometry() const
+{
+    const TDefaults& settings = Defaults();
+    return {settings.MainFormLeft, settings.MainFormTop, settings.MainFormWidth, settings.MainFormHeight};
+}
+
+bool TKRNMainForm::StartsMaximized() const { return Defaults().MainFormMaximized; }
+
+} // namespace Kestrune

@@ -1,0 +1,232 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uDetailView.h"
+
+#include "frmMain.h"
+#include "uDefaults.h"
+#include "uTHStrings.h"
+
+#include <QLocale>
+
+#include <algorithm>
+#include <map>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct TSectionDef {
+    const char16_t* Id;
+    const char16_t* TitleKey;
+    std::vector<const char16_t*> Columns;
+};
+
+const std::vector<TSectionDef>& SectionDefs()
+{
+    static const std::vector<TSectionDef> defs{
+        {u"General", u"cSSectionGeneral", {u"ReleaseYear",   u"ReleaseDate", u"OriginalReleaseYear",
+                                           u"MediaType",     u"DiscCount",   u"Genre",
+                                           u"Genres",        u"Label",       u"CatalogNO",
+                                           u"CountryCode",   u"Barcode",     u"Status",
+                                           u"Location",      u"No",          u"SeqNo",
+                                           u"Quantity",      u"Condition",   u"ConditionMedia",
+                                           u"Packaging",     u"MediaColor",  u"Channels",
+                                           u"Spars",         u"Sides",       u"Artists",
+                                           u"IsLive",        u"IsRare",      u"IsReissue",
+                                           u"IsCompilation", u"IsPromo",     u"IsSplit",
+                                           u"ASIN",          u"DiscogsID",   u"MusicBrainzID",
+                                           u"DataProvider",  u"Link",        u"BuyNowLink",
+                                           u"FolderPath",    u"DateAdded",   u"LastModified"}},
+        {u"Purchase",
+         u"cSSectionPurchase",
+         {u"Price", u"PriceValue", u"SellingPrice", u"DatePurchased", u"PurchaseStore", u"OwnerId", u"PurchasedFrom",
+          u"BorrowedFrom"}},
+        {u"Classical", u"cSSectionClassical", {u"Composer", u"Composition", u"Conductor", u"Orchestra", u"Chorus"}},
+        {u"Custom",
+         u"cSSectionCustom",
+         {u"Custom1", u"Custom2", u"Custom3", u"Custom4", u"Custom5", u"Custom6", u"Custom7", u"Custom8", u"Custom9",
+          u"Custom10"}},
+        {u"Comments", u"cSSectionComments", {u"Comments"}},
+    };
+    return defs;
+}
+
+bool IsFriendColumn(const QString& column)
+{
+    return column == "OwnerId"_L1 || column == "PurchasedFrom"_L1 || column == "BorrowedFrom"_L1;
+}
+
+QString FriendName(TDataModuleMain& data, qint64 id)
+{
+    const int row = id > 0 ? data.qFriends.RowOfKey(id) : -1;
+    return row < 0 ? QString() : VarToStr(data.qFriends.ValueAt(row, data.qFriends.FieldIndex(u"Name"_s)));
+}
+
+QString ShownValue(TDataModuleMain& data, const TFieldDef& field, const TVariant& value)
+{
+    if (VarIsNull(value))
+        return {};
+    if (IsFriendColumn(field.Name))
+        return FriendName(data, value.toLongLong());
+    if (field.Name == "CountryCode"_L1) {
+        const QString name = CountryDescription(value.toString());
+        return name.isEmpty() ? value.toString() : name;
+    }
+    switch (field.Kind) {
+    case fkBoolean: return VarToBool(value) ? GetLanguageString(u"cSYes"_s) : QString();
+    case fkDate:
+        return value.typeId() == QMetaType::QDate ? QLocale().toString(value.toDate(), QLocale::ShortFormat)
+                                                  : VarToStr(value);
+    case fkFloat: {
+        const QString amount = QLocale().toString(value.toDouble(), 'f', 2);
+        const QString currency = VarToStr(data.qReleaseInfo.Value(u"Currency"_s));
+        return currency.isEmpty() ? amount : currency + u' ' + amount;
+    }
+    default: return VarToStr(value);
+    }
+}
+
+QString LinkOf(const QString& column, const QString& value)
+{
+    if (value.isEmpty())
+        return {};
+    if (column == "Link"_L1 || column == "BuyNowLink"_L1)
+        return value.contains("://"_L1) ? value : u"https://"_s + value;
+    if (column == "MusicBrainzID"_L1)
+        return u"https://musicbrainz.org/release/"_s + value;
+    if (column == "DiscogsID"_L1)
+        return u"https://www.discogs.com/release/"_s + value;
+    return {};
+}
+
+std::vector<TDetailSection> Sections(TDataModuleMain& data)
+{
+    std::vector<TDetailSection> sections;
+    for (const TSectionDef& def : SectionDefs()) {
+        TDetailSection section{QString::fromUtf16(def.Id), GetLanguageString(QString::fromUtf16(def.TitleKey)), {}};
+        for (const char16_t* column : def.Columns) {
+            const QString name = QString::fromUtf16(column);
+            const int index = data.qReleaseInfo.FieldIndex(name);
+            const TFieldDef& field = data.qReleaseInfo.Fields()[static_cast<size_t>(index)];
+            const QString shown = ShownValue(data, field, data.qReleaseInfo.Value(index));
+            if (!shown.isEmpty())
+                section.Fields.push_back({name, ColumnLabel(field, Defaults(), false), shown, LinkOf(name, shown)});
+        }
+        if (!section.Fields.empty())
+            sections.push_back(std::move(section));
+    }
+    return sections;
+}
+
+struct TTrackRow {
+    int DiscNo;
+    QString Side;
+    int TrackNo;
+    QString Title, Artist;
+    double Length;
+};
+
+std::vector<TTrackRow> TrackRows(TDataModuleMain& data, const QString& releaseArtist)
+{
+    const TDetailDataset& tracks = data.qTracksDetail;
+    const auto at = [&](int row, const QString& name) { return tracks.ValueAt(row, tracks.FieldIndex(name)); };
+    std::vector<TTrackRow> rows;
+    for (int row = 0; row < tracks.RecordCount(); ++row) {
+        const QString artist = VarToStr(at(row, u"Artist"_s));
+        rows.push_back({at(row, u"DiscNo"_s).toInt(), VarToStr(at(row, u"Side"_s)), at(row, u"TrackNo"_s).toInt(),
+                        VarToStr(at(row, u"TrackTitle"_s)), artist == releaseArtist ? QString() : artist,
+                        at(row, u"TrackLength"_s).toDouble()});
+    }
+    return rows;
+}
+
+// "A1" on a side, "2.05" among several discs, "5" else.
+QString Position(const TTrackRow& track, bool severalDiscs)
+{
+    if (!track.Side.isEmpty())
+        return track.Side + QString::number(track.TrackNo);
+    return severalDiscs ? u"%1.%2"_s.arg(track.DiscNo).arg(track.TrackNo, 2, 10, QChar(u'0'))
+                        : QString::number(track.TrackNo);
+}
+
+QString DiscHeading(const TTrackRow& track, bool severalDiscs)
+{
+    QStringList parts;
+    if (severalDiscs)
+        parts << GetLanguageString(u"cSDiscFmt"_s).replace(u"%d"_s, QString::number(track.DiscNo));
+    if (!track.Side.isEmpty())
+        parts << GetLanguageString(u"cSSideFmt"_s).replace(u"%s"_s, track.Side);
+    return parts.join(u" · "_s);
+}
+
+void AddTracks(TDetailData& detail, const std::vector<TTrackRow>& rows)
+{
+    const bool severalDiscs =
+        std::ranges::any_of(rows, [&](const TTrackRow& row) { return row.DiscNo != rows.front().DiscNo; });
+    double total = 0.0;
+    std::vector<double> lengths;
+    const TTrackRow* before = nullptr;
+    for (const TTrackRow& row : rows) {
+        if (!before || before->DiscNo != row.DiscNo || before->Side != row.Side) {
+            detail.Discs.push_back({DiscHeading(row, severalDiscs), {}, {}});
+            lengths.push_back(0.0);
+        }
+        before = &row;
+        detail.Discs.back().Tracks.push_back(
+            {Position(row, severalDiscs), row.Title, row.Artist, LengthText(row.Length)});
+        lengths.back() += row.Length;
+        total += row.Length;
+    }
+    for (size_t i = 0; i < detail.Discs.size(); ++i)
+        detail.Discs[i].Length = LengthText(lengths[i]);
+    if (!rows.empty())
+        detail.TracksSummary =
+            total > 0 ? u"%1 · %2"_s.arg(rows.size()).arg(LengthText(total)) : QString::number(rows.size());
+}
+
+} // namespace
+
+QString LengthText(double days)
+{
+    const qint64 seconds = RoundHalfEven(days * 86400.0);
+    if (seconds <= 0)
+        return {};
+    const QString tail = u"%1:%2"_s.arg(seconds / 60 % 60, seconds >= 3600 ? 2 : 1, 10, QChar(u'0'))
+                             .arg(seconds % 60, 2, 10, QChar(u'0'));
+    return seconds >= 3600 ? u"%1:%2"_s.arg(seconds / 3600).arg(tail) : tail;
+}
+
+TDetailData BuildDetailData(TDataModuleMain& data)
+{
+    TDetailData detail;
+    detail.ID = data.qReleaseInfo.CurrentKey();
+    if (detail.ID == 0)
+        return detail;
+    const TDefaults& settings = Defaults();
+    const auto text = [&](const QString& name) { return VarToStr(data.qReleaseInfo.Value(name)); };
+    detail.Title = data.DisplayText(u"ReleaseName"_s, text(u"ReleaseName"_s));
+    detail.Artist = data.DisplayText(u"Artist"_s, text(u"Artist"_s));
+    detail.Rating = data.qReleaseInfo.Value(u"Rating"_s).toInt();
+    detail.Cover = data.qReleaseInfo.Value(u"LargePicture"_s).toByteArray();
+    if (detail.Cover.isEmpty())
+        detail.Cover = data.qReleaseInfo.Value(u"ThumbPicture"_s).toByteArray();
+    detail.Sections = Sections(data);
+    if (!settings.CustomFieldsEnabled)
+        std::erase_if(detail.Sections, [](const TDetailSection& section) { return section.Id == "Custom"_L1; });
+    AddTracks(detail, TrackRows(data, text(u"Artist"_s)));
+    for (int row = 0; row < data.qMusiciansPerRelease.RecordCount(); ++row)
+        detail.Credits.push_back(
+            {VarToStr(data.qMusiciansPerRelease.ValueAt(row, data.qMusiciansPerRelease.FieldIndex(u"Musician"_s))),
+             VarToStr(data.qMusiciansPerRelease.ValueAt(row, data.qMusiciansPerRelease.FieldIndex(u"Instrument"_s)))});
+    for (const QString& column : {u"LargePictureBack"_s, u"LargePictureMedia"_s}) {
+        if (const QByteArray bytes = data.qReleaseInfo.Value(column).toByteArray(); !bytes.isEmpty())
+            detail.Pictures.push_back(bytes);
+    }
+    for (int row = 0; row < data.qOtherPictures.RecordCount(); ++row)
+        detail.Pictures.push_back(
+            data.qOtherPictures.ValueAt(row, data.qOtherPictures.FieldIndex(u"Picture"_s)).toByteArray());
+    return detail;
+}
+
+} // namespace Kestrune

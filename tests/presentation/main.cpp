@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include <QApplication>
+#include <QFont>
+
+#include <gtest/gtest.h>
+
+int main(int argc, char** argv)
+{
+    ::testing::InitGoogleTest(&argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    QFont font(QStringList{QStringLiteral("DejaVu Sans")});
+    font.setPixelSize(13);
+    QApplication::setFont(font);
+    return RUN_ALL_TESTS();
+}

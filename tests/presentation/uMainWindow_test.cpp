@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dmMain.h"
+#include "uActionSet.h"
+#include "uAlbumTable.h"
+#include "uDefaults.h"
+#include "uDetailPane.h"
+#include "uEmptyPage.h"
+#include "uFilterBar.h"
+#include "uLetterBar.h"
+#include "uMainWindow.h"
+#include "uMessageBars.h"
+#include "uReleaseRoles.h"
+#include "uRibbon.h"
+#include "uScriptedPrompt.h"
+#include "uSearchBox.h"
+#include "uTestFiles.h"
+#include "uThemeController.h"
+#include "uTileView.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QStackedWidget>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A window over a real collection file of invented releases.
+class MainWindow : public testing::Test {
+protected:
+    MainWindow() { Defaults() = MakeDefaults(); }
+
+    void Open(int releases)
+    {
+        const QString path = FDir.File(u"records.db"_s);
+        FData.CreateNewDB(path, FData.GetNewDatabaseSQL());
+        ASSERT_TRUE(FData.ConnectToDB(path));
+        for (int i = 0; i < releases; ++i) {
+            TAlbumRelease release;
+            release.SetItem2(u"Artist"_s, i % 2 ? u"Northern Kiln"_s : u"Ilva Marren"_s);
+            release.SetItem2(u"ReleaseName"_s, u"Salt Atlas %1"_s.arg(i, 3, 10, QChar(u'0')));
+            release.SetItem2(u"ReleaseYear"_s, QString::number(1960 + i % 50));
+            FData.AddAlbumReleaseToDB(release, true);
+        }
+        Defaults().DBPath = path;
+        Show();
+    }
+
+    void Show()
+    {
+        FForm = std::make_unique<TKRNMainForm>(FData, FPrompt);
+        FWindow = std::make_unique<TMainWindow>(*FForm, FTheme, false);
+        FWindow->ShowRestored();
+        FWindow->activateWindow();
+        QSignalSpy shown(FWindow.get(), &TMainWindow::shownFirst);
+        shown.wait(1000);
+        FWindow->resize(1440, 900);
+        QApplication::processEvents();
+    }
+
+    QString FocusedTitle() const { return FWindow->Tiles()->currentIndex().data(rrTitle).toString(); }
+
+    Kit::TTempDir FDir;
+    Kit::TScriptedPrompt FPrompt;
+    TDataModuleMain FData{FPrompt};
+    TThemeController FTheme;
+    std::unique_ptr<TKRNMainForm> FForm;
+    std::unique_ptr<TMainWindow> FWindow;
+};
+
+} // namespace
+
+TEST_F(MainWindow, StartsOnTheFirstReleaseAndTheDetailPaneFollows)
+{
+    Open(40);
+    EXPECT_TRUE(FWindow->Tiles()->isVisible());
+    EXPECT_TRUE(FWindow->Tiles()->currentIndex().isValid());
+    QSignalSpy detail(FForm.get(), &TKRNMainForm::detailChanged);
+    QTest::keyClick(FWindow->Tiles(), Qt::Key_Right);
+    const QString title = FocusedTitle();
+    ASSERT_TRUE(detail.wait(2000));
+    EXPECT_EQ(FWindow->Pane()->Data().Title, title);
+    EXPECT_TRUE(FWindow->windowTitle().startsWith(u"records.db"_s));
+    FWindow->grab();
+}
+
+TEST_F(MainWindow, ViewsShareTheFocusedRelease)
+{
+    Open(40);
+    QTest::keyClick(FWindow->Tiles(), Qt::Key_End);
+    const QString title = FocusedTitle();
+    FWindow->Actions().Find(u"actAlbumTableView"_s)->trigger();
+    EXPECT_TRUE(FWindow->Table()->isVisible());
+    EXPECT_EQ(FWindow->Table()->currentIndex().data(rrTitle).toString(), title);
+    EXPECT_TRUE(FWindow->Table()->viewport()->rect().intersects(
+        FWindow->Table()->visualRect(FWindow->Table()->currentIndex())));
+    EXPECT_TRUE(FWindow->Actions().Find(u"actAlbumTableView"_s)->isChecked());
+    EXPECT_FALSE(FWindow->Actions().Find(u"actThumbView"_s)->isChecked());
+    EXPECT_EQ(Defaults().CurrentView, 3);
+}
+
+TEST_F(MainWindow, LetterSearchAndChipsFilterTheList)
+{
+    Open(40);
+    Q_EMIT FWindow->Letters()->letterChosen(u"N"_s);
+    EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 20);
+    TSearchBox* search = FWindow->Ribbon()->SearchBox();
+    search->SetCurrentField(u"ReleaseName"_s);
+    search->SetText(u"Atlas 001"_s);
+    QTest::keyClick(search->findChild<QLineEdit*>(), Qt::Key_Return);
+    EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 1);
+    QApplication::processEvents();
+    EXPECT_EQ(FocusedTitle(), u"Salt Atlas 001"_s);
+    EXPECT_EQ(FForm->Selection().size(), 1u) << "the focused release is selected again after a filter";
+    QList<TChip*> chips;
+    for (TChip* chip : FWindow->Filters()->findChildren<TChip*>())
+        if (chip->isVisible())
+            chips << chip;
+    ASSERT_EQ(chips.size(), 2);
+    QTest::keyClick(chips[0], Qt::Key_Delete);
+    EXPECT_TRUE(FWindow->Letters()->Current().isEmpty());
+    search->SetText(u"nothing like this"_s);
+    QTest::keyClick(search->findChild<QLineEdit*>(), Qt::Key_Return);
+    EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 0);
+    EXPECT_FALSE(FWindow->Tiles()->isVisible());
+    EXPECT_TRUE(qobject_cast<TEmptyPage*>(FWindow->Views()->currentWidget()));
+    Q_EMIT FWindow->Filters()->Chips()->clearRequested();
+    EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 40);
+    EXPECT_TRUE(FWindow->Tiles()->isVisible());
+}
+
+TEST_F(MainWindow, SelectionIsToldAndRemovedAfterAQuestion)
+{
+    Open(10);
+    FWindow->Actions().Find(u"actSelectAll"_s)->trigger();
+    QApplication::processEvents();
+    EXPECT_EQ(FForm->Selection().size(), 10u);
+    FWindow->Tiles()->setCurrentIndex(FWindow->Tiles()->model()->index(4, 0));
+    QApplication::processEvents();
+    EXPECT_EQ(FForm->Selection().size(), 1u);
+    FWindow->Actions().Find(u"actRemoveSelected"_s)->trigger();
+    QApplication::processEvents();
+    EXPECT_EQ(FPrompt.Questions.size(), 1);
+    EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 9);
+    EXPECT_TRUE(FWindow->Tiles()->currentIndex().isValid());
+}
+
+TEST_F(MainWindow, ARatingFromThePaneReachesTheTile)
+{
+    Open(3);
+    QSignalSpy detail(FForm.get(), &TKRNMainForm::detailChanged);
+    QTest::keyClick(FWindow->Tiles(), Qt::Key_Right);
+    ASSERT_TRUE(detail.wait(2000));
+    Q_EMIT FWindow->Pane()->ratingChosen(3);
+    EXPECT_EQ(FForm->Detail().Rating, 3);
+    EXPECT_EQ(FWindow->Tiles()->currentIndex().data(rrRating).toInt(), 3);
+}
+
+TEST_F(MainWindow, WithoutACollectionThePageOffersToMakeOne)
+{
+    Defaults().DBPath = FDir.File(u"gone.db"_s);
+    Show();
+    EXPECT_TRUE(FWindow->EmptyPage()->isVisible());
+    EXPECT_EQ(FWindow->Bars()->Count(), 1) << "the reason stays as a bar";
+    EXPECT_FALSE(FWindow->Filters()->isVisible());
+    EXPECT_FALSE(FWindow->Actions().Find(u"actRefresh"_s)->isEnabled());
+    EXPECT_TRUE(FWindow->Actions().Find(u"actNewDatabase"_s)->isEnabled());
+    FWindow->grab();
+}
+
+TEST_F(MainWindow, PaneFollowsItsPlaceAndSmallWindowsHideIt)
+{
+    Open(5);
+    FWindow->resize(1300, 800);
+    EXPECT_TRUE(FWindow->Pane()->isVisible());
+    for (const auto& [name, above] : {std::pair{u"actDetailPanelTop"_s, true}, {u"actDetailPanelBottom"_s, false}}) {
+        FWindow->Actions().Find(name)->trigger();
+        QApplication::processEvents();
+        EXPECT_EQ(FWindow->Pane()->y() < FWindow->Views()->parentWidget()->y(), above) << name.toStdString();
+    }
+    FWindow->Actions().Find(u"actDetailPanelRight"_s)->trigger();
+    FWindow->resize(820, 700);
+    EXPECT_FALSE(FWindow->Pane()->isVisible());
+    FWindow->resize(1300, 800);
+    EXPECT_TRUE(FWindow->Pane()->isVisible());
+    FWindow->Actions().Find(u"actHideDetailPanel"_s)->trigger();
+    EXPECT_FALSE(FWindow->Pane()->isVisible());
+    EXPECT_TRUE(Defaults().FrameClosed);
+}
+
+TEST_F(MainWindow, ClosingKeepsSizeAndView)
+{
+    Open(5);
+    FWindow->resize(1210, 777);
+    FWindow->Actions().Find(u"actAlbumTableView"_s)->trigger();
+    FWindow->Actions().Find(u"actExit"_s)->trigger();
+    EXPECT_FALSE(FWindow->isVisible());
+    EXPECT_EQ(Defaults().MainFormWidth, 1210);
+    EXPECT_EQ(Defaults().MainFormHeight, 777);
+    EXPECT_EQ(Defaults().CurrentView, 3);
+}
+
+} // namespace Kestrune
