@@ -7,8 +7,35 @@
 
 #include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace Kestrune {
+
+namespace {
+
+// Heads and tails of closed files, whose memory the next files of the thread use.
+class TSpareParts {
+public:
+    QByteArray Take()
+    {
+        QByteArray part = FCount > 0 ? std::move(FParts[--FCount]) : QByteArray();
+        part.reserve(std::max(TFileSource::HeadSize, TFileSource::TailSize));
+        return part;
+    }
+    void Put(QByteArray part)
+    {
+        if (FCount < static_cast<int>(std::size(FParts)) && part.capacity() > 0)
+            FParts[FCount++] = std::move(part);
+    }
+
+private:
+    QByteArray FParts[4];
+    int FCount = 0;
+};
+
+thread_local TSpareParts SpareParts;
+
+} // namespace
 
 QByteArray TByteSource::Read(qint64 offset, qint64 length)
 {
@@ -33,7 +60,20 @@ std::unique_ptr<TFileSource> TFileSource::Open(const std::filesystem::path& path
     return std::unique_ptr<TFileSource>(new TFileSource(handle, info.st_size));
 }
 
-TFileSource::~TFileSource() { ::close(FHandle); }
+TFileSource::~TFileSource()
+{
+    ::close(FHandle);
+    SpareParts.Put(std::move(FHead));
+    SpareParts.Put(std::move(FTail));
+}
+
+QByteArray TFileSource::ReadPart(qint64 offset, qint64 length) const
+{
+    QByteArray part = SpareParts.Take();
+    part.resize(length);
+    part.truncate(ReadFile(offset, part.data(), length));
+    return part;
+}
 
 qint64 TFileSource::ReadFile(qint64 offset, char* to, qint64 length) const
 {
@@ -62,8 +102,7 @@ qint64 TFileSource::ReadAt(qint64 offset, char* to, qint64 length)
     if (offset + length <= HeadSize) {
         if (!FHeadRead) {
             FHeadRead = true;
-            FHead.resize(std::min(FSize, HeadSize));
-            FHead.truncate(ReadFile(0, FHead.data(), FHead.size()));
+            FHead = ReadPart(0, std::min(FSize, HeadSize));
         }
         return offset < FHead.size() ? copyFrom(FHead, 0) : 0;
     }
@@ -71,8 +110,7 @@ qint64 TFileSource::ReadAt(qint64 offset, char* to, qint64 length)
     if (offset >= tailStart) {
         if (!FTailRead) {
             FTailRead = true;
-            FTail.resize(FSize - tailStart);
-            FTail.truncate(ReadFile(tailStart, FTail.data(), FTail.size()));
+            FTail = ReadPart(tailStart, FSize - tailStart);
         }
         return offset < tailStart + FTail.size() ? copyFrom(FTail, tailStart) : 0;
     }

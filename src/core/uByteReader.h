@@ -26,11 +26,12 @@ public:
 };
 
 /// A file on disk, opened read-only. Keeps its head and its tail in memory after the first read of either, so that
-/// several readers which look at both cost one system call each.
+/// several readers which look at both cost one system call each. The memory for them is passed on from file to file of
+/// a thread: taken and given back for each of thousands of files, it would cost more than the reading.
 class TFileSource final : public TByteSource {
 public:
-    static constexpr qint64 HeadSize = 64 * 1024;
-    static constexpr qint64 TailSize = 64 * 1024;
+    static constexpr qint64 HeadSize = 16 * 1024;
+    static constexpr qint64 TailSize = 16 * 1024;
 
     /// The opened file, or null when it cannot be opened or is no regular file.
     static std::unique_ptr<TFileSource> Open(const std::filesystem::path& path);
@@ -44,6 +45,7 @@ public:
 private:
     TFileSource(int handle, qint64 size) : FHandle(handle), FSize(size) {}
     qint64 ReadFile(qint64 offset, char* to, qint64 length) const;
+    QByteArray ReadPart(qint64 offset, qint64 length) const;
 
     int FHandle;
     qint64 FSize;

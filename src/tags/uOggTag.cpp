@@ -130,7 +130,9 @@ qint64 LastGranule(TByteSource& source, quint32 serial)
     qint64 end = source.Size();
     const qint64 limit = std::max<qint64>(0, end - farthest);
     while (end > limit) {
-        const qint64 start = std::max(limit, end - LargestPage);
+        // The last page is mostly in the tail that is in memory anyway; a page reaches back 64 KiB at most.
+        const qint64 step = end == source.Size() ? TFileSource::TailSize : LargestPage;
+        const qint64 start = std::max(limit, end - step);
         const QByteArray bytes = source.Read(start, end - start + 3);
         for (qsizetype at = bytes.lastIndexOf("OggS"); at >= 0; at = at > 0 ? bytes.lastIndexOf("OggS", at - 1) : -1) {
             const auto page = ReadPage(source, start + at);

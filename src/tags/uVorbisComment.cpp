@@ -5,6 +5,8 @@
 #include "uTagText.h"
 
 #include <algorithm>
+#include <array>
+#include <string_view>
 
 namespace Kestrune {
 
@@ -12,11 +14,62 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr quint8 NoBase64 = 0xFF;
+
+constexpr std::array<quint8, 256> Base64Values()
+{
+    std::array<quint8, 256> values = {};
+    values.fill(NoBase64);
+    constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    for (size_t i = 0; i < digits.size(); ++i)
+        values[static_cast<quint8>(digits[i])] = static_cast<quint8>(i);
+    return values;
+}
+
+// Four digits at a time: pictures make up most of the bytes of a comment header, and Qt's decoder goes bit by bit. What
+// is no digit, line breaks and padding among it, is passed over.
+QByteArray FromBase64(QByteArrayView text)
+{
+    static constexpr std::array<quint8, 256> values = Base64Values();
+    const auto value = [&](qsizetype at) { return quint32(values[static_cast<quint8>(text[at])]); };
+    QByteArray bytes(text.size() / 4 * 3 + 3, Qt::Uninitialized);
+    char* to = bytes.data();
+    quint32 group = 0;
+    int count = 0;
+    for (qsizetype i = 0; i < text.size();) {
+        if (count == 0 && i + 4 <= text.size()) {
+            const quint32 a = value(i), b = value(i + 1), c = value(i + 2), d = value(i + 3);
+            if ((a | b | c | d) < 64) {
+                *to++ = static_cast<char>(a << 2 | b >> 4);
+                *to++ = static_cast<char>(b << 4 | c >> 2);
+                *to++ = static_cast<char>(c << 6 | d);
+                i += 4;
+                continue;
+            }
+        }
+        const quint32 digit = value(i++);
+        if (digit >= 64)
+            continue;
+        group = group << 6 | digit;
+        if (++count == 4) {
+            *to++ = static_cast<char>(group >> 16);
+            *to++ = static_cast<char>(group >> 8);
+            *to++ = static_cast<char>(group);
+            count = 0;
+        }
+    }
+    if (count == 3)
+        *to++ = static_cast<char>(group >> 10);
+    if (count >= 2)
+        *to++ = static_cast<char>(count == 3 ? group >> 2 : group >> 4);
+    bytes.truncate(to - bytes.constData());
+    return bytes;
+}
+
 // COVERART holds the bare picture in Base64, METADATA_BLOCK_PICTURE a whole FLAC picture block.
 std::optional<TTagPicture> PictureOfComment(const QString& name, QByteArrayView value)
 {
-    const QByteArray encoded = QByteArray::fromRawData(value.data(), value.size());
-    const QByteArray bytes = QByteArray::fromBase64(encoded, QByteArray::IgnoreBase64DecodingErrors);
+    const QByteArray bytes = FromBase64(value);
     if (bytes.isEmpty())
         return std::nullopt;
     std::optional<TTagPicture> picture;

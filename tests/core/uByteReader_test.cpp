@@ -42,9 +42,11 @@ TEST(ByteSource, FileGivesTheSameBytesFromHeadMiddleAndTail)
     const auto file = TFileSource::Open(dir.Write(u"a.bin"_s, bytes).toStdString());
     ASSERT_TRUE(file);
     ASSERT_EQ(file->Size(), bytes.size());
-    const std::pair<qint64, qint64> cases[] = {{0, 10},        {65530, 6},    {65530, 7},      {65536, 1},
-                                               {100000, 1000}, {234464, 100}, {234400, 65600}, {299990, 10},
-                                               {299990, 100},  {300000, 1},   {0, 300000},     {-1, 5}};
+    const qint64 head = TFileSource::HeadSize;
+    const qint64 tail = bytes.size() - TFileSource::TailSize;
+    const std::pair<qint64, qint64> cases[] = {{0, 10},        {head - 6, 6}, {head - 6, 7},     {head, 1},
+                                               {100000, 1000}, {tail, 100},   {tail - 64, 2000}, {299990, 10},
+                                               {299990, 100},  {300000, 1},   {0, 300000},       {-1, 5}};
     for (const auto& [offset, length] : cases) {
         SCOPED_TRACE(testing::Message() << offset << " " << length);
         const QByteArray expected = offset < 0 ? QByteArray() : bytes.mid(offset, length);

@@ -40,6 +40,28 @@ TEST(FlacTag, ReadsCommentsPicturesAndStreamInfo)
     }
 }
 
+TEST(VorbisComments, PicturesInBase64OfAnyLengthAndShape)
+{
+    for (int size = 1; size < 20; ++size) {
+        QByteArray picture;
+        for (int i = 0; i < size; ++i)
+            picture += static_cast<char>(i * 37 + 200);
+        const QByteArray base64 = picture.toBase64();
+        const QByteArray shapes[] = {base64, picture.toBase64(QByteArray::OmitTrailingEquals),
+                                     base64.left(3) + "\r\n" + base64.mid(3), " " + base64 + "\n"};
+        for (const QByteArray& shape : shapes) {
+            TVorbisComments comments;
+            comments.Parse(VorbisComments({"coverart=" + shape}), true);
+            ASSERT_EQ(comments.Pictures.size(), 1u);
+            EXPECT_TRUE(comments.Pictures[0].Data == picture) << shape.toStdString();
+        }
+    }
+    TVorbisComments faulty;
+    EXPECT_TRUE(faulty.Parse(
+        VorbisComments({"COVERART=", "COVERART=A", "COVERART=$$$$", "METADATA_BLOCK_PICTURE=AAAA"}), true));
+    EXPECT_TRUE(faulty.Pictures.empty());
+}
+
 TEST(FlacTag, KeepsWhatCameBeforeALie)
 {
     const QByteArray start = "fLaC" + FlacBlock(0, FlacStreamInfo(44100, 2, 16, 44100));
