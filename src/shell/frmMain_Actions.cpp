@@ -39,6 +39,7 @@ void TKRNMainForm::BindFileActions()
         u"actRefresh"_s,
         [this] {
             FData.RefreshAll();
+            CountReleases();
             RefreshDetail();
         },
         hasData);
