@@ -2,6 +2,7 @@
 #include "uCoverCache.h"
 #include "uGalleryData.h"
 #include "uReleaseRoles.h"
+#include "uThemeController.h"
 #include "uThumbsPainter.h"
 #include "uTileLayout.h"
 #include "uTileView.h"
@@ -23,6 +24,7 @@ namespace {
 struct TTileStage {
     explicit TTileStage(int rows) : Model(rows)
     {
+        Theme.Apply(0, 0); // the width of the scroll bar belongs to the style
         View.SetPainter(&Painter);
         View.setModel(&Model);
         View.resize(1093, 640);
@@ -57,6 +59,7 @@ struct TTileStage {
         return rounds;
     }
 
+    TThemeController Theme;
     Kit::TSampleModel Model;
     TModelThumbSource Source;
     TCoverCache Covers{Source};
