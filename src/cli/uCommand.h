@@ -67,6 +67,7 @@ std::unique_ptr<TCommand> MakeInfoCommand();
 std::unique_ptr<TCommand> MakeAddFolderCommand();
 std::unique_ptr<TCommand> MakeListCommand();
 std::unique_ptr<TCommand> MakeShowCommand();
+std::unique_ptr<TCommand> MakeTagsCommand();
 
 /// Opens a collection for a command, or throws ECommandError with the reason.
 class TOpenCollection {
