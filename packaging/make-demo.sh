@@ -50,7 +50,7 @@ if [ ! -f "$collection" ]; then
     "$cli" add-folder "$collection" "$music"
 fi
 
-settings=$XDG_CONFIG_HOME/Kestrune/Kestrune.ini
+settings=$XDG_CONFIG_HOME/Kestrune/Kestrune/Kestrune.ini
 if [ ! -f "$settings" ]; then
     mkdir -p "$(dirname "$settings")"
     printf '[General]\nDBPath=%s\n' "$collection" > "$settings"

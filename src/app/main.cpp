@@ -6,12 +6,15 @@
 #include "uMainWindow.h"
 #include "uSplash.h"
 #include "uStartup.h"
+#include "uTHStrings.h"
 #include "uThemeController.h"
 #include "uWidgetPrompt.h"
 
 #include <QApplication>
 #include <QImageReader>
 
+#include <algorithm>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -20,6 +23,26 @@ using namespace Kestrune;
 namespace {
 
 constexpr int LargestPicture = 512; // MiB of a decoded picture
+
+/// The edge of the event loop: what was thrown inside an event ends here and is told, not the process.
+class TApplication final : public QApplication {
+public:
+    using QApplication::QApplication;
+    std::function<void(const QString& reason)> OnFailure;
+
+    bool notify(QObject* receiver, QEvent* event) override
+    {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (const std::exception& failure) {
+            const QString reason = QString::fromUtf8(failure.what());
+            DebugLog(QStringLiteral("[Window] ") + reason);
+            if (OnFailure)
+                OnFailure(reason);
+            return true;
+        }
+    }
+};
 
 /// What lives as long as the process, in the order in which it is made. Later members use earlier ones.
 struct TSingletons {
@@ -43,6 +66,7 @@ TStartupHost MakeHost(TSingletons& our)
     };
     host.InitialiseApplication = [] {
         QApplication::setApplicationDisplayName(Defaults().OEM.Name);
+        QApplication::setLayoutDirection(Language().IsRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
         QApplication::setDesktopFileName(QStringLiteral("org.kestrune.Kestrune"));
         QImageReader::setAllocationLimit(LargestPicture);
     };
@@ -70,13 +94,23 @@ TStartupHost MakeHost(TSingletons& our)
 
 int main(int argc, char** argv)
 {
-    QApplication application(argc, argv);
+    // Qt would take options of its own from the command line; "-debug" is all that there is.
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    int programOnly = std::min(argc, 1);
+    TApplication application(programOnly, argv);
     LoadSettings();
     int code = 0;
     {
         TSingletons singletons;
-        RunStartup(MakeHost(singletons), QApplication::arguments());
+        application.OnFailure = [&](const QString& reason) {
+            if (singletons.Form)
+                singletons.Form->ReportFailure(reason);
+        };
+        RunStartup(MakeHost(singletons), arguments);
         code = QApplication::exec();
+        application.OnFailure = nullptr;
         SetDebugLogSink({});
     }
     SaveSettings();

@@ -2,9 +2,11 @@
 #include "uCommand.h"
 #include "uDebugLog.h"
 #include "uDefaults.h"
+#include "uFilePath.h"
 
 #include <QGuiApplication>
 
+#include <algorithm>
 #include <cstdio>
 
 using namespace Kestrune;
@@ -66,10 +68,13 @@ int main(int argc, char** argv)
         [](QtMsgType, const QMessageLogContext&, const QString& text) { DebugLog(u"[Qt] "_s + text); });
     // Image plugins need a GUI application; no display is needed for it.
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QGuiApplication application(argc, argv);
+    int programOnly = std::min(argc, 1); // Qt has no options of its own here
+    const QGuiApplication application(programOnly, argv);
     QCoreApplication::setApplicationName(u"kestrune-cli"_s);
     QCoreApplication::setApplicationVersion(QStringLiteral(KESTRUNE_VERSION));
-    const QStringList arguments = QCoreApplication::arguments();
+    QStringList arguments; // in the text form of paths, so that any file name can be given
+    for (int i = 0; i < argc; ++i)
+        arguments << PathToText(argv[i]);
     const auto commands = AllCommands();
     const QString word = arguments.value(1);
     if (word == "--help"_L1 || word == "-h"_L1) {

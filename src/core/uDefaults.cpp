@@ -3,6 +3,8 @@
 
 #include "uArticles.h"
 #include "uDebugLog.h"
+#include "uFilePath.h"
+#include "uObjs.h"
 #include "uProgramFiles.h"
 #include "uTHStrings.h"
 
@@ -11,6 +13,7 @@
 #include <QFileInfo>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace Kestrune {
 
@@ -243,7 +246,10 @@ TDefaults ReadSettings(const TTHCustomSettings& store)
 
 void WriteSettings(TDefaults& settings, TTHCustomSettings& store)
 {
-    settings.RecentDBs.removeIf([](const QString& path) { return !QFile::exists(path); });
+    settings.RecentDBs.removeIf([](const QString& path) {
+        std::error_code error;
+        return !std::filesystem::exists(TextToPath(path), error);
+    });
     for (const TSettingDef& def : SettingRows) {
         if (!def.Saved)
             continue;
@@ -269,6 +275,7 @@ void LoadSettings()
     QDir().mkpath(services);
     settings.InfoGrabberPath = services + u"/infograbber.xml"_s;
     Defaults() = settings;
+    PictureUserAgents() = {oem.HTTPAgent};
 
     if (!Language().LoadLanguage(settings.Language))
         Language().InitLanguageFromResources(u"ENGLISHLANG"_s, u"English"_s);

@@ -173,14 +173,19 @@ void TAlbumRelease::DownloadAllPics(TCoverPictureTypes picTypes)
             continue;
         bytes.clear();
         const QString agent = agents.isEmpty() ? QString() : agents[QRandomGenerator::global()->bounded(agents.size())];
-        if (!fetcher->Fetch(picture.URL(), agent, bytes) || !picture.LoadFromBytes(bytes) || type == cptOther)
+        if (!fetcher->Fetch(picture.URL(), agent, bytes) || !picture.LoadFromBytes(bytes))
+            continue;
+        const QImage image = picture.Decode();
+        if (image.isNull()) { // cut or damaged behind its header
+            picture.Clear();
+            continue;
+        }
+        if (type == cptOther)
             continue;
         TCoverPicture* thumb = GetPicByType(ThumbTypeOf(type));
         if (!thumb)
             thumb = &AddPicture(ThumbTypeOf(type));
-        const TCoverPicture& large = *Pictures[i];
-        thumb->Assign(large.Decode().scaled(thumbSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation),
-                      large.Format());
+        thumb->Assign(image.scaled(thumbSize, Qt::IgnoreAspectRatio, Qt::SmoothTransformation), Pictures[i]->Format());
     }
 }
 

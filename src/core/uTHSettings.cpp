@@ -48,9 +48,12 @@ TTHIniSettings::TTHIniSettings(const QString& path)
     QDir().mkpath(QFileInfo(path).path());
     if (QFile::exists(path) && !IsReadableIni(path)) {
         FBrokenFile = PutAside(path);
+        FKeepsBroken = FBrokenFile.isEmpty();
+        if (FKeepsBroken) // it cannot be renamed, so it must not be written over either
+            FBrokenFile = path;
         DebugLog(u"[Settings] unreadable settings file put aside as %1"_s.arg(FBrokenFile));
     }
-    FStore = std::make_unique<QSettings>(path, QSettings::IniFormat);
+    FStore = std::make_unique<QSettings>(FKeepsBroken ? QString() : path, QSettings::IniFormat);
     FStore->setAtomicSyncRequired(true);
 }
 
@@ -97,6 +100,8 @@ void TTHIniSettings::WriteDouble(const QString& key, double, double value) { FSt
 
 bool TTHIniSettings::Flush()
 {
+    if (FKeepsBroken)
+        return false;
     FStore->sync();
     return FStore->status() == QSettings::NoError;
 }

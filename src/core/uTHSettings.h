@@ -49,6 +49,7 @@ public:
 
 private:
     QString FBrokenFile;
+    bool FKeepsBroken = false;
     std::unique_ptr<QSettings> FStore;
 };
 

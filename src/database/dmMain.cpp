@@ -201,7 +201,7 @@ std::vector<TDataset*> TDataModuleMain::AllCursors()
 {
     return {&qFriends,      &qLoans,     &qReleasesMain,        &qOtherPictures,
             &qTracksDetail, &qTracksAll, &qMusiciansPerRelease, &qMusiciansPerTrack,
-            &qReleaseInfo};
+            &qReleaseInfo,  &qStats};
 }
 
 void TDataModuleMain::ExecSQL(const QString& sql)
@@ -316,7 +316,9 @@ qint64 TDataModuleMain::LastTrackID() { return FConnection.Scalar(u"SELECT max(I
 
 void TDataModuleMain::SelectRelease(qint64 id)
 {
-    qReleasesMain.Locate(id);
+    // A release that the filter hides has no place in the list: then its children are not to be had either.
+    if (!qReleasesMain.Locate(id))
+        qReleasesMain.MoveTo(-1);
     qReleaseInfo.SetParam(id);
     qReleaseInfo.First();
     qOtherPictures.SetParam(id);

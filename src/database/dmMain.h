@@ -35,12 +35,15 @@ public:
     bool ConnectToDB(const QString& filepath);
     /// Closes the cursors and the connection.
     void Disconnect();
+    /// Closes the cursors and keeps the connection.
+    void CloseCursors();
     /// The version number of the open file; 0 when its text is no number.
     int GetDBVersion();
     /// Rewrites the file without free space; an old one also gains incremental vacuum and the application id.
     void VacuumDB();
     /// True when the cursors are open.
     bool HasData() const { return qReleasesMain.Active(); }
+    /// True when the open file can only be read.
     bool IsReadOnly() const { return FConnection.IsReadOnly(); }
     /// Path of the open file, or empty.
     QString CurrentFile() const { return FConnection.Path(); }
@@ -50,6 +53,7 @@ public:
     void AddAlbumReleaseToDB(const TAlbumRelease& release, bool assignNewNo);
     /// The row that AddAlbumReleaseToDB stored last.
     qint64 LastAddedReleaseID() const { return FLastAddedReleaseID; }
+    /// True while AddAlbumReleaseToDB runs: handlers that would redraw per row look at it.
     bool AddingReleases() const { return FAddingReleases; }
     /// A copy of the release on which qReleaseInfo and the child cursors stand.
     TAlbumRelease CurrentReleaseToAlbumRelease();
@@ -61,14 +65,17 @@ public:
     /// First column of the first row as a number; -1 when it is null or there is no row.
     qint64 ExecSQLAndGetID(const QString& sql);
 
+    // On the connection. Start and commit do nothing where there is nothing to do.
     void StartTransaction();
     void CommitTransaction();
     void RollbackTransaction();
 
+    // Post or cancel an edit when there is one; begin one when there is a record and none is open. Never throw else.
     static void PostIfApplicable(TDataset& dataSet);
     static void CancelIfApplicable(TDataset& dataSet);
     static void EditIfApplicable(TDataset& dataSet);
 
+    /// Stops and resumes the signals of all cursors; calls nest.
     void DisableControlsAll();
     void EnableControlsAll();
     /// Reads all open cursors again.
@@ -89,6 +96,7 @@ public:
 
     /// Adds the number of tracks with an ID in (from, to] to `count` and gives the sum of their lengths in days.
     double SumTrackLengths(qint64 from, qint64 to, qint64& count);
+    /// The highest ID of a track; 0 without tracks.
     qint64 LastTrackID();
 
     /// Called after qReleaseInfo has posted.
@@ -98,16 +106,16 @@ private:
     TSQLiteConnection FConnection; // before the cursors, which use it
 
 public:
-    TListDataset qReleasesMain;
-    TListDataset qTracksAll;
-    TDetailDataset qReleaseInfo;
-    TDetailDataset qTracksDetail;
-    TDetailDataset qMusiciansPerRelease;
-    TDetailDataset qMusiciansPerTrack;
-    TDetailDataset qOtherPictures;
+    TListDataset qReleasesMain;          ///< all releases, under filter and sort
+    TListDataset qTracksAll;             ///< all tracks with their release; closed until it is needed
+    TDetailDataset qReleaseInfo;         ///< one release with its large pictures, by parameter
+    TDetailDataset qTracksDetail;        ///< tracks of the current release of qReleasesMain
+    TDetailDataset qMusiciansPerRelease; ///< credits of the current release
+    TDetailDataset qMusiciansPerTrack;   ///< credits of one track; its master is set while tracks are walked over
+    TDetailDataset qOtherPictures;       ///< further pictures of one release, by parameter
     TDetailDataset qFriends;
     TDetailDataset qLoans;
-    TDetailDataset qStats;
+    TDetailDataset qStats; ///< one row of totals
 
 Q_SIGNALS:
     /// Another collection was opened, or the open one was closed.
@@ -119,7 +127,10 @@ private:
     void ApplyParameters();
     void CopyBeforeUpgrade(int version);
     void RunUpgradeScript(const QString& name);
-    bool UpgradeFile();
+    void UseWriteAheadLog();
+    bool PrepareUpgrade();
+    void ConvertFirstFormat();
+    void UpgradeFile();
     void MakePerformanceIndices();
     void OpenCursors();
     void SetRules();

@@ -4,12 +4,14 @@
 #include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uFilePath.h"
+#include "uProgramFiles.h"
 #include "uPrompt.h"
 #include "uTHStrings.h"
 #include "uThreads.h"
 
 #include <QFile>
 #include <QFileInfo>
+#include <QScopeGuard>
 
 #include <filesystem>
 #include <fstream>
@@ -25,7 +27,9 @@ namespace {
 QString SQLScript(const QString& name)
 {
     InitDatabaseResources();
-    QFile file(u":/sql/%1.sql"_s.arg(name));
+    // A file beside the program wins over the text that is compiled in.
+    const QString override = ProgramFile(name + u".sql"_s);
+    QFile file(QFile::exists(override) ? override : u":/sql/%1.sql"_s.arg(name));
     if (!file.open(QIODevice::ReadOnly))
         throw EDatabaseError(u"script %1 is missing"_s.arg(name));
     return QString::fromUtf8(file.readAll());
@@ -37,7 +41,7 @@ void MakeEmptyFile(const QString& path)
     const std::filesystem::path file = TextToPath(path);
     std::error_code error;
     if (!std::ofstream(file, std::ios::binary | std::ios::trunc))
-        throw EDatabaseError(u"%1 cannot be written"_s.arg(path));
+        throw EDatabaseError(GetLanguageString(u"cSFileCannotBeWritten"_s).replace(u"%s"_s, path));
     for (const char* suffix : {"-wal", "-shm", "-journal"})
         std::filesystem::remove(file.native() + suffix, error);
 }
@@ -52,8 +56,19 @@ void TDataModuleMain::ApplyParameters()
     FConnection.Exec(u"PRAGMA locking_mode = NORMAL; PRAGMA foreign_keys = ON; PRAGMA secure_delete = OFF;"
                      "PRAGMA synchronous = FULL; PRAGMA cache_size = -16384"_s);
     FConnection.ReleaseFileMap(); // sets the size of the map as well
-    if (!FConnection.IsReadOnly())
+}
+
+void TDataModuleMain::UseWriteAheadLog()
+{
+    if (FConnection.IsReadOnly())
+        return;
+    try {
         FConnection.Exec(u"PRAGMA journal_mode = WAL"_s);
+    } catch (const EDatabaseError& failure) {
+        // Another process that reads the file keeps it in its mode, which serves as well.
+        if (!failure.IsLocked())
+            throw;
+    }
 }
 
 void TDataModuleMain::OpenConnection(const QString& filepath)
@@ -61,8 +76,11 @@ void TDataModuleMain::OpenConnection(const QString& filepath)
     try {
         FConnection.Open(filepath, somReadWrite);
         ApplyParameters();
-    } catch (const EDatabaseError&) {
+        FConnection.Scalar(u"SELECT count(*) FROM sqlite_master"_s);
+    } catch (const EDatabaseError& failure) {
         // A write-ahead log needs a folder that can be written: without one the file is read as it lies there.
+        if (!failure.NeedsWritableFolder())
+            throw;
         FConnection.Open(filepath, somImmutable);
         ApplyParameters();
         FConnection.Scalar(u"SELECT count(*) FROM sqlite_master"_s);
@@ -72,23 +90,31 @@ void TDataModuleMain::OpenConnection(const QString& filepath)
 void TDataModuleMain::CreateNewDB(const QString& filepath, const QString& sql)
 {
     Q_ASSERT(OnMainThread());
-    Disconnect();
+    // A file that cannot be made leaves the open collection alone, unless it is that one.
+    if (QFileInfo(filepath) == QFileInfo(FConnection.Path()))
+        Disconnect();
     MakeEmptyFile(filepath);
+    Disconnect();
     FConnection.Open(filepath, somReadWrite);
     // Both must stand in the header before the first table and before the journal mode is set.
     FConnection.Exec(u"PRAGMA auto_vacuum = INCREMENTAL; PRAGMA application_id = %1"_s.arg(CollectionApplicationId));
     ApplyParameters();
+    UseWriteAheadLog();
     StartTransaction();
     FConnection.Exec(sql);
     CommitTransaction();
     FConnection.Close();
 }
 
-void TDataModuleMain::Disconnect()
+void TDataModuleMain::CloseCursors()
 {
     for (TDataset* cursor : AllCursors())
         cursor->Close();
-    qStats.Close();
+}
+
+void TDataModuleMain::Disconnect()
+{
+    CloseCursors();
     FConnection.Close();
     Q_EMIT collectionChanged();
 }
@@ -104,11 +130,13 @@ bool TDataModuleMain::ConnectToDB(const QString& filepath)
     Disconnect();
     OpenConnection(filepath);
     Defaults().DBPath = filepath;
+    if (!PrepareUpgrade())
+        return false;
     if (!FConnection.IsReadOnly())
         FConnection.Exec(u"DROP TRIGGER IF EXISTS 'Releases2UpdateTrigger';"
                          "DROP TRIGGER IF EXISTS 'Tracks2UpdateTrigger';"_s);
-    if (!UpgradeFile())
-        return false;
+    UpgradeFile();
+    UseWriteAheadLog();
     MakePerformanceIndices();
     ApplyArticleSettings();
     OpenCursors();
@@ -138,27 +166,36 @@ void TDataModuleMain::CopyBeforeUpgrade(int version)
 
 void TDataModuleMain::RunUpgradeScript(const QString& name) { FConnection.Exec(SQLScript(name)); }
 
-bool TDataModuleMain::UpgradeFile()
+bool TDataModuleMain::PrepareUpgrade()
 {
     const int version = GetDBVersion();
     if (version == 1000 && !FPrompt.AskYesNo(GetLanguageString(u"cSDBUpgdate1To2Confirmation"_s)))
         return false;
     if (version < CurrentSchemaVersion)
         CopyBeforeUpgrade(version);
-    if (version == 1000) {
-        // The old tables go one by one, in an order that their references to each other need not allow.
-        FConnection.Exec(u"PRAGMA foreign_keys = OFF"_s);
-        TSQLiteTransaction transaction(FConnection);
-        RunUpgradeScript(u"Upgrade1000To2000"_s);
-        transaction.Commit();
-        FConnection.Exec(u"PRAGMA foreign_keys = ON"_s);
+    return true;
+}
+
+void TDataModuleMain::ConvertFirstFormat()
+{
+    // The old tables go one by one, in an order that their references to each other need not allow.
+    FConnection.Exec(u"PRAGMA foreign_keys = OFF"_s);
+    const auto restore = qScopeGuard([this] { FConnection.Exec(u"PRAGMA foreign_keys = ON"_s); });
+    TSQLiteTransaction transaction(FConnection);
+    RunUpgradeScript(u"Upgrade1000To2000"_s);
+    transaction.Commit();
+}
+
+void TDataModuleMain::UpgradeFile()
+{
+    if (GetDBVersion() == 1000) {
+        ConvertFirstFormat();
         VacuumDB();
     }
     if (GetDBVersion() < 2001)
         RunUpgradeScript(u"Upgrade2001"_s);
     if (GetDBVersion() < 3001)
         RunUpgradeScript(u"Upgrade3001"_s);
-    return true;
 }
 
 void TDataModuleMain::MakePerformanceIndices()

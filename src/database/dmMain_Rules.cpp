@@ -60,7 +60,8 @@ TVariant ConvertToKind(const TVariant& value, TFieldKind kind)
     case fkFloat: return VarToDouble(value);
     case fkBoolean: return VarToBool(value);
     case fkDate: {
-        const QDate date = ParseReleaseDate(VarToStr(value).left(10));
+        const bool withTime = value.typeId() == QMetaType::QDateTime;
+        const QDate date = withTime ? value.toDateTime().date() : ParseReleaseDate(VarToStr(value));
         return date.isValid() ? TVariant(date) : TVariant();
     }
     case fkDateTime: return DateTimeValue(value);

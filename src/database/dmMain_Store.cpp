@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "uTHStrings.h"
 #include "uThreads.h"
 
 #include <array>
@@ -106,9 +107,9 @@ void TDataModuleMain::AddAlbumReleaseToDB(const TAlbumRelease& release, bool ass
 {
     Q_ASSERT(OnMainThread());
     if (!HasData())
-        throw EDatabaseError(u"No collection is open."_s);
+        throw EDatabaseError(GetLanguageString(u"cSNoCollectionOpen"_s));
     if (IsReadOnly())
-        throw EDatabaseError(u"The collection is read-only."_s);
+        throw EDatabaseError(GetLanguageString(u"cSCollectionReadOnly"_s));
     const qint64 before = qReleasesMain.CurrentKey();
     const int count = qReleasesMain.RecordCount();
     FAddingReleases = true;
@@ -118,9 +119,9 @@ void TDataModuleMain::AddAlbumReleaseToDB(const TAlbumRelease& release, bool ass
         for (TDetailDataset* cursor : {&qTracksDetail, &qMusiciansPerRelease, &qMusiciansPerTrack, &qOtherPictures})
             cursor->Invalidate();
         qMusiciansPerTrack.SetMaster(nullptr);
-        FAddingReleases = false;
         FReleaseInWork = nullptr;
         EnableControlsAll();
+        FAddingReleases = false;
     };
     try {
         TSQLiteTransaction transaction(FConnection);
@@ -133,6 +134,7 @@ void TDataModuleMain::AddAlbumReleaseToDB(const TAlbumRelease& release, bool ass
         if (qReleasesMain.RecordCount() > count)
             qReleasesMain.ForgetKey(qReleasesMain.KeyAt(count));
         qReleaseInfo.SetParam(before);
+        qReleaseInfo.First();
         qReleasesMain.Locate(before);
         finish();
         throw;

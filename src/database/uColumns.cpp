@@ -134,24 +134,27 @@ constexpr TColumnDef TrackColumnRows[] = {
 
 constexpr TColumnDef FriendColumnRows[] = {
     {"ID", fkInteger, 0, "", cfAutoIncrement},
-    {"Name", fkString, 100, ""},
-    {"Description", fkString, 2000, ""},
-    {"Picture", fkBlob, 0, ""},
+    {"Name", fkString, 100, "cSFriendsFieldName"},
+    {"Description", fkString, 2000, "cSFriendsFieldDescription"},
+    {"Picture", fkBlob, 0, "cSFriendsFieldPicture"},
 };
 
 constexpr TColumnDef LoanColumnRows[] = {
     {"ID", fkInteger, 0, "", cfAutoIncrement},
-    {"FriendID", fkInteger, 0, ""},
-    {"ReleaseId", fkInteger, 0, ""},
-    {"LoanDate", fkDate, 0, ""},
-    {"DueDate", fkDate, 0, ""},
-    {"ReturnDate", fkDate, 0, ""},
-    {"Description", fkString, 2000, ""},
+    {"FriendID", fkInteger, 0, "cSLoansFieldFriendID"},
+    {"ReleaseId", fkInteger, 0, "cSLoansFieldReleaseId"},
+    {"LoanDate", fkDate, 0, "cSLoansFieldLoanDate"},
+    {"DueDate", fkDate, 0, "cSLoansFieldDueDate"},
+    {"ReturnDate", fkDate, 0, "cSLoansFieldReturnDate"},
+    {"Description", fkString, 2000, "cSLoansFieldDescription"},
 };
 
 constexpr TColumnDef MusicianColumnRows[] = {
-    {"ID", fkInteger, 0, "", cfAutoIncrement}, {"Musician", fkString, 300, ""}, {"Instrument", fkString, 500, ""},
-    {"ReleaseId", fkInteger, 0, ""},           {"TrackId", fkInteger, 0, ""},
+    {"ID", fkInteger, 0, "", cfAutoIncrement},
+    {"Musician", fkString, 300, "cSMusiciansFieldMusician"},
+    {"Instrument", fkString, 500, "cSMusiciansFieldInstrument"},
+    {"ReleaseId", fkInteger, 0, ""},
+    {"TrackId", fkInteger, 0, ""},
 };
 
 constexpr TColumnDef OtherPictureColumnRows[] = {
@@ -176,6 +179,12 @@ std::span<const TColumnDef> FriendColumns() { return FriendColumnRows; }
 std::span<const TColumnDef> LoanColumns() { return LoanColumnRows; }
 std::span<const TColumnDef> MusicianColumns() { return MusicianColumnRows; }
 std::span<const TColumnDef> OtherPictureColumns() { return OtherPictureColumnRows; }
+
+bool IsFieldShown(const TFieldDef& field, const TDefaults& settings, bool ofTracks)
+{
+    const TCustomFieldDef* custom = CustomField(field.Name, ofTracks ? settings.TrackFields : settings.ReleaseFields);
+    return !custom || (settings.CustomFieldsEnabled && custom->Enabled);
+}
 
 QString ColumnLabel(const TFieldDef& field, const TDefaults& settings, bool ofTracks)
 {

@@ -51,4 +51,7 @@ struct TFieldDef {
 /// The caption of a field: its text in the current language, or the name the user gave to a custom field.
 QString ColumnLabel(const TFieldDef& field, const TDefaults& settings, bool ofTracks);
 
+/// False for custom fields that the user has not switched on.
+bool IsFieldShown(const TFieldDef& field, const TDefaults& settings, bool ofTracks);
+
 } // namespace Kestrune

@@ -19,7 +19,7 @@ namespace {
 constexpr qint64 SmallestFile = 4096;
 const QByteArray SQLiteMagic("SQLite format 3\0", 16);
 
-bool HoldsCollection(const QString& path)
+bool HoldsCollection(const QString& path, TSQLiteOpenMode mode)
 {
     static const QStringList current{u"Releases2"_s,  u"Tracks2"_s,        u"Friends2"_s, u"Loans2"_s,
                                      u"Musicians2"_s, u"OtherPictures2"_s, u"version"_s};
@@ -29,7 +29,7 @@ bool HoldsCollection(const QString& path)
     int firstCount = 0;
     TSQLiteConnection connection;
     // Only looked at: a database of another program is left in the journal mode that it has.
-    connection.Open(path, somReadWrite);
+    connection.Open(path, mode);
     TSQLiteStatement names = connection.Prepare(u"SELECT name FROM sqlite_master WHERE type='table'"_s);
     while (names.Step()) {
         const QString name = names.Column(0).toString();
@@ -55,11 +55,18 @@ TDBValidationResult ValidateDatabaseFile(const QString& path)
     const auto source = TFileSource::Open(file);
     if (!source || source->Read(0, SQLiteMagic.size()) != SQLiteMagic)
         return dvrNotSQLite;
-    try {
-        return HoldsCollection(path) ? dvrOK : dvrNotCollection;
-    } catch (const EDatabaseError&) {
-        return dvrNotCollection;
+    for (const TSQLiteOpenMode mode : {somReadWrite, somImmutable}) {
+        try {
+            return HoldsCollection(path, mode) ? dvrOK : dvrNotCollection;
+        } catch (const EDatabaseError& failure) {
+            // What another process has locked cannot be looked into now: opening it tells the user why.
+            if (failure.IsLocked())
+                return dvrOK;
+            if (!failure.NeedsWritableFolder())
+                return dvrNotCollection;
+        }
     }
+    return dvrNotCollection;
 }
 
 QString DatabaseValidationMessage(TDBValidationResult result)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDataSet.h"
 
+#include "uTHStrings.h"
+
 #include <QDateTime>
 #include <QStringList>
 
@@ -150,16 +152,19 @@ void TDataset::SetValue(int field, const TVariant& value)
 {
     if (field < 0)
         return;
+    const TFieldDef& def = FDef.Fields[static_cast<size_t>(field)];
+    if (def.ReadOnly || def.AutoIncrement)
+        throw EDatabaseError(GetLanguageString(u"cSFieldReadOnly"_s).replace(u"%s"_s, def.Name));
     if (FState == dsBrowse)
         Edit();
     if (FState != dsEdit && FState != dsInsert)
-        throw EDatabaseError(u"%1: no record to edit"_s.arg(FDef.Name));
+        throw EDatabaseError(GetLanguageString(u"cSNoRecord"_s));
     if (field == FRatingCalcField) {
         const TVariant stars = VarToDouble(value);
         SetValue(FRatingField, VarIsNull(stars) ? TVariant() : TVariant(RoundHalfEven(stars.toDouble() * 2.0)));
         return;
     }
-    if (FDef.Fields[static_cast<size_t>(field)].Expression.isEmpty())
+    if (def.Expression.isEmpty())
         return;
     FBuffer[static_cast<size_t>(field)] = value;
     FChanged[static_cast<size_t>(field)] = true;
@@ -170,7 +175,8 @@ void TDataset::SetValue(int field, const TVariant& value)
 void TDataset::Append()
 {
     if (FState == dsInactive)
-        throw EDatabaseError(u"%1 is not open"_s.arg(FDef.Name));
+        throw EDatabaseError(GetLanguageString(u"cSNoCollectionOpen"_s));
+    Post(); // an edit that is open goes into the file first
     PrepareAppend();
     FBuffer.assign(FDef.Fields.size(), TVariant());
     FChanged.assign(FDef.Fields.size(), false);
@@ -184,7 +190,7 @@ void TDataset::Edit()
     if (FState != dsBrowse)
         return;
     if (FRecNo < 0)
-        throw EDatabaseError(u"%1: no record to edit"_s.arg(FDef.Name));
+        throw EDatabaseError(GetLanguageString(u"cSNoRecord"_s));
     FBuffer = RecordAt(FRecNo);
     FBuffer.resize(FDef.Fields.size());
     FChanged.assign(FDef.Fields.size(), false);

@@ -129,7 +129,6 @@ protected:
     void SetState(TDatasetState state) { FState = state; }
     void SetRecNo(int row);
     void NotifyReset();
-    void ResetRecNo() { FRecNo = -1; }
 
 private:
     TVariant Computed(const TRecord& record, int field) const;

@@ -18,6 +18,7 @@ constexpr int BlockSize = 48;
 
 void TDetailDataset::Open()
 {
+    Connection().Cached(RowRefreshSQL()); // a file that lacks a column is refused here, not when it is looked at
     SetState(dsBrowse);
     FLoaded = false;
     FRecords.clear();
@@ -157,6 +158,7 @@ TListDataset::TListDataset(TSQLiteConnection& connection, TDatasetDef def) : TDa
 
 void TListDataset::Open()
 {
+    Connection().Cached(RowRefreshSQL()); // a file that lacks a column is refused here, not while it is painted
     SetState(dsBrowse);
     ReadKeys();
     SetRecNo(FKeys.empty() ? -1 : 0);
@@ -192,7 +194,9 @@ void TListDataset::ApplyFilter()
     const auto found = std::ranges::find(FKeys, key);
     const int row = found == FKeys.end() ? -1 : static_cast<int>(found - FKeys.begin());
     SetRecNo(row >= 0 ? row : (FKeys.empty() ? -1 : 0));
-    NotifyReset();
+    // What the user asked for is shown also while releases are being added.
+    Q_EMIT dataReset();
+    Q_EMIT currentChanged();
 }
 
 void TListDataset::SetSort(std::vector<TSortItem> sort)
@@ -267,13 +271,13 @@ void TListDataset::ReadBlock(int row) const
 
 void TListDataset::StoreRecord(int row, TRecord record) { FCache.insert(KeyAt(row), new TRecord(std::move(record))); }
 
-int TListDataset::AppendRecord(qint64 key, TRecord record)
+int TListDataset::AppendRecord(qint64 key, TRecord)
 {
     FKeys.push_back(key);
     const int row = RecordCount() - 1;
     if (!FRowOfKey.isEmpty() || FKeys.size() == 1)
         FRowOfKey.insert(key, row);
-    FCache.insert(key, new TRecord(std::move(record)));
+    // Not kept: the file fills in columns of its own, so the record is read when it is looked at.
     return row;
 }
 

@@ -120,7 +120,9 @@ QString SortToSQL(const std::vector<TSortItem>& sort, const std::vector<TFieldDe
         QString expression = field ? FieldExpression(*field, fields) : QString();
         if (expression.isEmpty())
             continue;
-        if (field->IsText()) {
+        if (field->Name.startsWith("Custom"_L1)) { // numbers and texts alike: numbers first, by value
+            expression += u" COLLATE KRN_NOCASE"_s;
+        } else if (field->IsText()) {
             const bool articles = articleColumns.contains(field->Name, Qt::CaseInsensitive);
             expression = (articles ? u"krn_article_key(%1)"_s : u"krn_key(%1)"_s).arg(expression);
         }

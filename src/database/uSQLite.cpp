@@ -24,10 +24,17 @@ constexpr qint64 MapSize = 0x7fff0000; // the most that the engine maps
     const QString reason =
         connection ? QString::fromUtf8(sqlite3_errmsg(connection)) : QString::fromUtf8(sqlite3_errstr(code));
     DebugLog(u"[Database] %1: %2"_s.arg(what, reason));
-    throw EDatabaseError(what.isEmpty() ? reason : u"%1 (%2)"_s.arg(reason, what), code & 0xFF);
+    throw EDatabaseError(reason, code & 0xFF);
 }
 
 } // namespace
+
+bool EDatabaseError::IsLocked() const { return FCode == SQLITE_BUSY || FCode == SQLITE_LOCKED; }
+
+bool EDatabaseError::NeedsWritableFolder() const
+{
+    return FCode == SQLITE_CANTOPEN || FCode == SQLITE_READONLY || FCode == SQLITE_PERM;
+}
 
 void TSQLiteStatement::TFinalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }
 
@@ -236,7 +243,7 @@ void TSQLiteConnection::BackupTo(const QString& path)
         throw EDatabaseError(u"%1: %2"_s.arg(path, target.errorString()));
     target.close();
     sqlite3* copy = nullptr;
-    int code = sqlite3_open_v2(QFile::encodeName(path).constData(), &copy, SQLITE_OPEN_READWRITE, nullptr);
+    int code = sqlite3_open_v2(TextToPath(path).c_str(), &copy, SQLITE_OPEN_READWRITE, nullptr);
     if (code == SQLITE_OK) {
         if (sqlite3_backup* backup = sqlite3_backup_init(copy, "main", FConnection, "main")) {
             sqlite3_backup_step(backup, -1);

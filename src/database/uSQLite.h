@@ -25,6 +25,10 @@ public:
     QString Text() const { return QString::fromUtf8(what()); }
     /// SQLite's primary result code, 0 when the engine was not involved.
     int Code() const { return FCode; }
+    /// Another process holds the file.
+    bool IsLocked() const;
+    /// The file or its folder cannot be written, which a file with a write-ahead log needs even for reading.
+    bool NeedsWritableFolder() const;
 
 private:
     int FCode;
@@ -38,13 +42,16 @@ public:
 
     /// Binds the parameter at a 1-based index.
     void Bind(int index, const TVariant& value);
+    /// Binds the parameters in order, from the first on.
     void BindAll(const std::vector<TVariant>& values);
     /// True while there is a row.
     bool Step();
     /// Runs to the end and makes the statement ready for the next use.
     void Execute();
+    /// Makes the statement ready for the next use and drops its bindings.
     void Reset();
 
+    // Of the row that Step has reached; columns count from 0.
     int ColumnCount() const;
     QString ColumnName(int column) const;
     TVariant Column(int column) const;
@@ -67,6 +74,7 @@ struct TTextRules {
     QStringList Articles; ///< left out by the function krn_article_key
 };
 
+/// How a file is opened. Immutable: nobody else writes it and it is read as it lies there, without locks or journal.
 enum class TSQLiteOpenMode : quint8 { somReadWrite, somReadOnly, somImmutable };
 using enum TSQLiteOpenMode;
 
@@ -83,8 +91,8 @@ public:
 
     /// Opens an existing file; never creates one.
     void Open(const QString& path, TSQLiteOpenMode mode = somReadWrite);
+    /// Ends the statements of the cache and the connection.
     void Close();
-    bool IsOpen() const { return FConnection != nullptr; }
     /// True when the file can only be read.
     bool IsReadOnly() const;
     QString Path() const { return FPath; }
@@ -94,6 +102,7 @@ public:
     void Exec(const QString& script);
     /// A statement from the cache, reset and with no bindings: valid until the next call with the same text.
     TSQLiteStatement& Cached(const QString& sql);
+    /// A statement of its own, for use once.
     TSQLiteStatement Prepare(const QString& sql);
     /// First column of the first row; null without rows.
     TVariant Scalar(const QString& sql, const std::vector<TVariant>& values = {});
@@ -124,6 +133,7 @@ public:
     ~TSQLiteTransaction();
     TSQLiteTransaction(const TSQLiteTransaction&) = delete;
     TSQLiteTransaction& operator=(const TSQLiteTransaction&) = delete;
+    /// Throws when the commit failed; the destructor then rolls back.
     void Commit();
 
 private:

@@ -37,7 +37,8 @@ TKRNMainForm::~TKRNMainForm() = default;
 
 void TKRNMainForm::FormCreate(const std::function<void()>& createDebugWindow)
 {
-    if (createDebugWindow)
+    FDebugMode = static_cast<bool>(createDebugWindow);
+    if (FDebugMode)
         createDebugWindow();
     SetSplashText(GetLanguageString(u"cSSplashLoadingSettings"_s));
     if (!Defaults().BrokenSettingsFile.isEmpty()) {
@@ -59,7 +60,6 @@ void TKRNMainForm::FormShow()
     if (FFormShown)
         return;
     FFormShown = true;
-    FMakeItMaximized = Defaults().MainFormMaximized;
     Q_EMIT paneChanged();
 }
 
@@ -106,7 +106,8 @@ void TKRNMainForm::SetPaneClosed(bool closed)
 QString TKRNMainForm::Caption() const
 {
     const QString name = Defaults().OEM.Name;
-    return FData.HasData() ? u"%1 - %2"_s.arg(QFileInfo(FData.CurrentFile()).fileName(), name) : name;
+    const QString file = QFileInfo(Defaults().DBPath).fileName();
+    return file.isEmpty() ? name : u"%1 - %2"_s.arg(file, name);
 }
 
 QStringList TKRNMainForm::RecentDBs() const { return Defaults().RecentDBs; }
@@ -114,6 +115,7 @@ QStringList TKRNMainForm::RecentDBs() const { return Defaults().RecentDBs; }
 bool TKRNMainForm::OpenCollection(const QString& path)
 {
     FOpenFailure.clear();
+    FReportedFailure.clear();
     bool opened = false;
     try {
         opened = FData.ConnectToDB(path);
@@ -121,6 +123,7 @@ bool TKRNMainForm::OpenCollection(const QString& path)
             FOpenFailure = DatabaseValidationMessage(ValidateDatabaseFile(path));
     } catch (const EDatabaseError& failure) {
         FOpenFailure = failure.Text();
+        FData.CloseCursors();
         FPrompt.ShowError(failure.Text());
     }
     AfterCollectionChange();
@@ -129,6 +132,8 @@ bool TKRNMainForm::OpenCollection(const QString& path)
 
 void TKRNMainForm::OpenRecent(const QString& path)
 {
+    if (FAddFiles) // its releases would go into the other file
+        return;
     OpenCollection(path);
     FActions.Update();
 }
@@ -180,8 +185,13 @@ void TKRNMainForm::RefreshDetail()
     if (!FData.HasData() || FFocused == 0 || FData.qReleasesMain.RowOfKey(FFocused) < 0) {
         FDetail = {};
     } else {
-        FData.SelectRelease(FFocused);
-        FDetail = BuildDetailData(FData);
+        try {
+            FData.SelectRelease(FFocused);
+            FDetail = BuildDetailData(FData);
+        } catch (const EDatabaseError& failure) {
+            FDetail = {};
+            ReportFailure(failure.Text());
+        }
     }
     Q_EMIT detailChanged();
 }
@@ -249,10 +259,14 @@ void TKRNMainForm::CountTracks()
         FCountTimer.stop();
         return;
     }
-    FTracksLength += FData.SumTrackLengths(FCountedTo, FCountedTo + CountStep, FTracks);
-    FCountedTo += CountStep;
-    if (FCountedTo < FData.LastTrackID())
-        return;
+    try {
+        FTracksLength += FData.SumTrackLengths(FCountedTo, FCountedTo + CountStep, FTracks);
+        FCountedTo += CountStep;
+        if (FCountedTo < FData.LastTrackID())
+            return;
+    } catch (const EDatabaseError& failure) {
+        ReportFailure(failure.Text());
+    }
     FCountTimer.stop();
     Q_EMIT figuresChanged();
 }
@@ -268,6 +282,13 @@ TStatusFigures TKRNMainForm::StatusFigures() const
     figures.FileName = FData.HasData() ? QFileInfo(FData.CurrentFile()).fileName() : QString();
     figures.ReadOnly = FData.IsReadOnly();
     return figures;
+}
+
+void TKRNMainForm::ReportFailure(const QString& reason)
+{
+    if (reason != FReportedFailure)
+        Q_EMIT barRaised(bkError, GetLanguageString(u"cSCollectionUnreadable"_s), reason);
+    FReportedFailure = reason;
 }
 
 void TKRNMainForm::AddFolders(const QStringList& paths)
@@ -299,11 +320,7 @@ void TKRNMainForm::SetNormalGeometry(const QRect& geometry)
     settings.MainFormHeight = geometry.height();
 }
 
-void TKRNMainForm::SetMaximized(bool maximized)
-{
-    FMakeItMaximized = maximized;
-    Defaults().MainFormMaximized = maximized;
-}
+void TKRNMainForm::SetMaximized(bool maximized) { Defaults().MainFormMaximized = maximized; }
 
 void TKRNMainForm::SetFrameSize(int width, int height)
 {

@@ -56,8 +56,8 @@ public:
     TKRNMainForm(TDataModuleMain& data, TPrompt& prompt);
     ~TKRNMainForm() override;
 
-    /// Creation in its fixed order: settings, theme and caption, the collection, the first view. `showDebugWindow` is
-    /// called at its place in debug mode.
+    /// Creation in its fixed order: debug window, settings, the collection, the detail pane, the first view.
+    /// `createDebugWindow` is set in debug mode only.
     void FormCreate(const std::function<void()>& createDebugWindow);
     /// Restores the window; its body runs once.
     void FormShow();
@@ -112,6 +112,10 @@ public:
     void SortBy(const QString& column, bool add);
 
     TStatusFigures StatusFigures() const;
+
+    /// A failure of the collection outside an action (a damaged page, a disk that is gone): shown as a bar, once for
+    /// the same reason in a row.
+    void ReportFailure(const QString& reason);
 
     /// Adds the audio files of these folders and files in the background.
     void AddFolders(const QStringList& paths);
@@ -168,7 +172,8 @@ private:
     TActionList FActions;
     TMainView FView = mvThumbs;
     bool FFormShown = false;
-    bool FMakeItMaximized = false;
+    bool FDebugMode = false;
+    QString FReportedFailure;
     QString FOpenFailure;
 
     TFilterGroup::TId FStatusFilter = 0;

@@ -55,7 +55,8 @@ void TKRNMainForm::BindFileActions()
             Q_EMIT barRaised(bkDone, GetLanguageString(u"cSOptimizationDone"_s), {});
         },
         canWrite);
-    FActions.Bind(u"actToggleDebug"_s, [this] { Q_EMIT debugWindowToggled(); });
+    FActions.Bind(
+        u"actToggleDebug"_s, [this] { Q_EMIT debugWindowToggled(); }, [this] { return FDebugMode; });
 }
 
 void TKRNMainForm::BindViewActions()
@@ -143,7 +144,12 @@ void TKRNMainForm::NewDatabase()
     const QString path = FPrompt.AskSaveFile(DatabaseDialog(u"cSactNewDatabase"_s));
     if (path.isEmpty())
         return;
-    FData.CreateNewDB(path, FData.GetNewDatabaseSQL());
+    try {
+        FData.CreateNewDB(path, FData.GetNewDatabaseSQL());
+    } catch (const EDatabaseError&) {
+        AfterCollectionChange(); // it may have closed the one that was open
+        throw;
+    }
     OpenCollection(path);
 }
 

@@ -36,7 +36,7 @@ constexpr TActionDef ActionRows[] = {
     {"actSortDesc", "cSactSortDesc", "cSactSortDescShort", "", "sortdesc"},
     {"actClearSorting", "cSactClearSorting", "", "", "sortclear"},
     {"actVacuumDB", "cSactVacuumDB", "cSactVacuumDBShort", "", "opt"},
-    {"actToggleDebug", "cSactToggleDebug", "", "Ctrl+Alt+Shift+D", "", true},
+    {"actToggleDebug", "cSactToggleDebug", "", "Ctrl+Alt+Shift+D", ""},
 };
 
 } // namespace

@@ -109,6 +109,8 @@ std::vector<TDetailSection> Sections(TDataModuleMain& data)
             const QString name = QString::fromUtf16(column);
             const int index = data.qReleaseInfo.FieldIndex(name);
             const TFieldDef& field = data.qReleaseInfo.Fields()[static_cast<size_t>(index)];
+            if (!IsFieldShown(field, Defaults(), false))
+                continue;
             const QString shown = ShownValue(data, field, data.qReleaseInfo.Value(index));
             if (!shown.isEmpty())
                 section.Fields.push_back({name, ColumnLabel(field, Defaults(), false), shown, LinkOf(name, shown)});
@@ -203,7 +205,6 @@ TDetailData BuildDetailData(TDataModuleMain& data)
     detail.ID = data.qReleaseInfo.CurrentKey();
     if (detail.ID == 0)
         return detail;
-    const TDefaults& settings = Defaults();
     const auto text = [&](const QString& name) { return VarToStr(data.qReleaseInfo.Value(name)); };
     detail.Title = data.DisplayText(u"ReleaseName"_s, text(u"ReleaseName"_s));
     detail.Artist = data.DisplayText(u"Artist"_s, text(u"Artist"_s));
@@ -212,8 +213,6 @@ TDetailData BuildDetailData(TDataModuleMain& data)
     if (detail.Cover.isEmpty())
         detail.Cover = data.qReleaseInfo.Value(u"ThumbPicture"_s).toByteArray();
     detail.Sections = Sections(data);
-    if (!settings.CustomFieldsEnabled)
-        std::erase_if(detail.Sections, [](const TDetailSection& section) { return section.Id == "Custom"_L1; });
     AddTracks(detail, TrackRows(data, text(u"Artist"_s)));
     for (int row = 0; row < data.qMusiciansPerRelease.RecordCount(); ++row)
         detail.Credits.push_back(

@@ -27,18 +27,12 @@ TReleasesModel::TReleasesModel(TDataModuleMain& data, QObject* parent) : QAbstra
         const TFieldDef& field = fields[static_cast<size_t>(i)];
         const bool custom = field.Name.startsWith("Custom"_L1);
         // The stars stand for both ratings.
-        if (!field.Lazy && (custom || !field.LabelKey.isEmpty()) && field.Name != "Rating"_L1)
+        if (!field.Lazy && IsFieldShown(field, Defaults(), false) && (custom || !field.LabelKey.isEmpty()) &&
+            field.Name != "Rating"_L1)
             FFields.append(i);
     }
-    connect(&FData.qReleasesMain, &TDataset::dataReset, this, [this] {
-        beginResetModel();
-        ReadLoans();
-        endResetModel();
-    });
-    connect(&FData.qReleasesMain, &TDataset::recordInserted, this, [this] {
-        beginResetModel();
-        endResetModel();
-    });
+    connect(&FData.qReleasesMain, &TDataset::dataReset, this, &TReleasesModel::Reset);
+    connect(&FData.qReleasesMain, &TDataset::recordInserted, this, &TReleasesModel::Reset);
     connect(&FData.qReleasesMain, &TDataset::recordChanged, this,
             [this](int row) { Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1)); });
     connect(&FData.qLoans, &TDataset::dataReset, this, [this] {
@@ -46,13 +40,18 @@ TReleasesModel::TReleasesModel(TDataModuleMain& data, QObject* parent) : QAbstra
         if (rowCount() > 0)
             Q_EMIT dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
     });
-    ReadLoans();
+    Reset();
 }
 
-int TReleasesModel::rowCount(const QModelIndex& parent) const
+void TReleasesModel::Reset()
 {
-    return parent.isValid() ? 0 : FData.qReleasesMain.RecordCount();
+    beginResetModel();
+    FRows = FData.qReleasesMain.RecordCount();
+    ReadLoans();
+    endResetModel();
 }
+
+int TReleasesModel::rowCount(const QModelIndex& parent) const { return parent.isValid() ? 0 : FRows; }
 
 int TReleasesModel::columnCount(const QModelIndex& parent) const
 {
@@ -82,7 +81,7 @@ qint64 TReleasesModel::IdOf(const QModelIndex& index) const
 QModelIndex TReleasesModel::IndexOfId(qint64 id) const
 {
     const int row = FData.qReleasesMain.RowOfKey(id);
-    return row < 0 ? QModelIndex() : index(row, 0);
+    return row < 0 || row >= FRows ? QModelIndex() : index(row, 0);
 }
 
 void TReleasesModel::ReadLoans()

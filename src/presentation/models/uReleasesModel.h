@@ -42,7 +42,10 @@ private:
     TCellKind KindOf(int column) const;
     void ReadLoans();
 
+    void Reset();
+
     TDataModuleMain& FData;
+    int FRows = 0;      // what the views have been told
     QList<int> FFields; // field of each column behind the cover
     QHash<qint64, TLoan> FLoans;
 };
