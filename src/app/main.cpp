@@ -11,7 +11,6 @@
 #include "uWidgetPrompt.h"
 
 #include <QApplication>
-#include <QImageReader>
 
 #include <algorithm>
 #include <functional>
@@ -21,8 +20,6 @@
 using namespace Kestrune;
 
 namespace {
-
-constexpr int LargestPicture = 512; // MiB of a decoded picture
 
 /// The edge of the event loop: what was thrown inside an event ends here and is told, not the process.
 class TApplication final : public QApplication {
@@ -68,7 +65,6 @@ TStartupHost MakeHost(TSingletons& our)
         QApplication::setApplicationDisplayName(Defaults().OEM.Name);
         QApplication::setLayoutDirection(Language().IsRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
         QApplication::setDesktopFileName(QStringLiteral("org.kestrune.Kestrune"));
-        QImageReader::setAllocationLimit(LargestPicture);
     };
     host.CreateDataModuleImages = [&] {
         our.Images.emplace();

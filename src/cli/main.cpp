@@ -51,6 +51,7 @@ int RunCommand(TCommand& command, const QStringList& arguments)
     }
     try {
         command.Run(parser);
+        FlushOutput();
         return 0;
     } catch (const EUsageError& error) {
         return Fail(QString::fromUtf8(error.what()), 2);

@@ -40,7 +40,8 @@ public:
         QJsonArray errors;
         int tracks = 0;
         QObject::connect(&run, &TAddFilesRun::releaseStored, &run, [&](qint64 id, const QString& name) {
-            PrintLine(u"stored %1 %2"_s.arg(id).arg(name));
+            PrintLine(u"stored %1 %2"_s.arg(id).arg(OneLine(name)));
+            FlushOutput();
             tracks += static_cast<int>(
                 collection.Data().ExecSQLAndGetID(u"SELECT count(*) FROM Tracks2 WHERE ReleaseId = %1"_s.arg(id)));
         });
@@ -54,7 +55,7 @@ public:
         run.Start();
         loop.exec();
         if (!run.Error().isEmpty())
-            throw ECommandError(run.Error());
+            errors.append(QJsonObject{{u"file"_s, arguments.front()}, {u"sentence"_s, run.Error()}});
         if (parser.isSet(u"json"_s))
             PrintJson(QJsonDocument(QJsonObject{{u"releases"_s, run.Releases()},
                                                 {u"tracks"_s, tracks},
@@ -67,6 +68,8 @@ public:
                           .arg(tracks)
                           .arg(run.Files())
                           .arg(run.ElapsedSeconds(), 0, 'f', 2));
+        if (!run.Error().isEmpty())
+            throw ECommandError(run.Error());
     }
 };
 

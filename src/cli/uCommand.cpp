@@ -42,8 +42,26 @@ QStringList Arguments(const QCommandLineParser& parser, int least, int most)
 void PrintLine(const QString& line)
 {
     const QByteArray utf8 = line.toUtf8() + '\n';
-    std::fwrite(utf8.constData(), 1, static_cast<size_t>(utf8.size()), stdout);
-    std::fflush(stdout);
+    const auto size = static_cast<size_t>(utf8.size());
+    if (std::fwrite(utf8.constData(), 1, size, stdout) != size)
+        throw ECommandError(u"standard output cannot be written"_s);
+}
+
+void FlushOutput()
+{
+    if (std::fflush(stdout) != 0)
+        throw ECommandError(u"standard output cannot be written"_s);
+}
+
+QString OneLine(const QString& text)
+{
+    constexpr qsizetype longest = 500;
+    QString line = text.left(longest);
+    for (QChar& c : line) {
+        if (c.category() == QChar::Other_Control || c == QChar::LineSeparator || c == QChar::ParagraphSeparator)
+            c = u' ';
+    }
+    return text.size() > longest ? line + u'…' : line;
 }
 
 void PrintJson(const QJsonDocument& document, QJsonDocument::JsonFormat format)

@@ -84,8 +84,12 @@ private:
 /// The positional arguments; throws EUsageError unless there are `least` to `most` of them.
 QStringList Arguments(const QCommandLineParser& parser, int least, int most = -1);
 
-/// Prints a line in UTF-8 and flushes it.
+/// Prints a line in UTF-8; throws ECommandError when standard output takes it no more.
 void PrintLine(const QString& line);
+/// Hands what was printed on at once.
+void FlushOutput();
+/// A text for one cell of a line: control characters become blanks, and what is very long is cut.
+QString OneLine(const QString& text);
 void PrintJson(const QJsonDocument& document, QJsonDocument::JsonFormat format = QJsonDocument::Indented);
 
 } // namespace Kestrune

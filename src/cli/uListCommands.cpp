@@ -156,7 +156,7 @@ private:
         for (int row = 0; row < count; ++row) {
             QStringList cells;
             for (const QString& column : columns)
-                cells << VarToStr(list.ValueAt(row, list.FieldIndex(column)));
+                cells << OneLine(VarToStr(list.ValueAt(row, list.FieldIndex(column))));
             PrintLine(cells.join(u'\t'));
         }
     }

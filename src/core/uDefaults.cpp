@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QImageReader>
 
 #include <algorithm>
 #include <filesystem>
@@ -108,6 +109,9 @@ constexpr TSettingDef SettingRows[] = {
 
 const QString ArticlesKey = QStringLiteral("Articles.List");
 constexpr qsizetype MaxRecentDBs = 8;
+constexpr int SmallestThumb = 16; // pixels
+constexpr int LargestThumb = 2048;
+constexpr int LargestPicture = 512; // MiB of a decoded picture
 
 template <class... Ts>
 struct TOverloaded : Ts... {
@@ -241,6 +245,10 @@ TDefaults ReadSettings(const TTHCustomSettings& store)
     }
     ReadCustomFields(settings.ReleaseFields, store);
     ReadCustomFields(settings.TrackFields, store);
+    // A hand-edited size would otherwise ask for thumbnails of any number of bytes.
+    settings.LargeWidth = std::clamp(settings.LargeWidth, SmallestThumb, LargestThumb);
+    settings.LargeHeight = std::clamp(settings.LargeHeight, SmallestThumb, LargestThumb);
+    settings.Values.Rating = std::clamp(settings.Values.Rating, 0, 10);
     return settings;
 }
 
@@ -262,6 +270,7 @@ void WriteSettings(TDefaults& settings, TTHCustomSettings& store)
 
 void LoadSettings()
 {
+    QImageReader::setAllocationLimit(LargestPicture);
     const TOEMInfo oem = LoadOEMInfo(OEMInfoPath());
     const QDir configFolder(ConfigFolder(oem.Company, oem.Product));
     ProcessStore() = std::make_unique<TTHIniSettings>(configFolder.filePath(oem.Product + u".ini"_s));

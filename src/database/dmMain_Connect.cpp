@@ -95,6 +95,11 @@ void TDataModuleMain::CreateNewDB(const QString& filepath, const QString& sql)
         Disconnect();
     MakeEmptyFile(filepath);
     Disconnect();
+    auto discard = qScopeGuard([&] {
+        FConnection.Close();
+        std::error_code error;
+        std::filesystem::remove(TextToPath(filepath), error);
+    });
     FConnection.Open(filepath, somReadWrite);
     // Both must stand in the header before the first table and before the journal mode is set.
     FConnection.Exec(u"PRAGMA auto_vacuum = INCREMENTAL; PRAGMA application_id = %1"_s.arg(CollectionApplicationId));
@@ -104,6 +109,7 @@ void TDataModuleMain::CreateNewDB(const QString& filepath, const QString& sql)
     FConnection.Exec(sql);
     CommitTransaction();
     FConnection.Close();
+    discard.dismiss();
 }
 
 void TDataModuleMain::CloseCursors()

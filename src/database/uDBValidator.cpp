@@ -28,7 +28,7 @@ bool HoldsCollection(const QString& path, TSQLiteOpenMode mode)
     int currentCount = 0;
     int firstCount = 0;
     TSQLiteConnection connection;
-    // Only looked at: a database of another program is left in the journal mode that it has.
+    // Only looked at: a database of another program keeps its journal and the mode that it has.
     connection.Open(path, mode);
     TSQLiteStatement names = connection.Prepare(u"SELECT name FROM sqlite_master WHERE type='table'"_s);
     while (names.Step()) {
@@ -55,7 +55,7 @@ TDBValidationResult ValidateDatabaseFile(const QString& path)
     const auto source = TFileSource::Open(file);
     if (!source || source->Read(0, SQLiteMagic.size()) != SQLiteMagic)
         return dvrNotSQLite;
-    for (const TSQLiteOpenMode mode : {somReadWrite, somImmutable}) {
+    for (const TSQLiteOpenMode mode : {somReadOnly, somImmutable}) {
         try {
             return HoldsCollection(path, mode) ? dvrOK : dvrNotCollection;
         } catch (const EDatabaseError& failure) {

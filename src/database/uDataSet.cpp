@@ -209,6 +209,7 @@ void TDataset::Post()
 {
     if (FState != dsEdit && FState != dsInsert)
         return;
+    FConnection.CheckFileIsThere();
     if (BeforePost)
         BeforePost(*this);
     if (FState == dsInsert)
@@ -315,6 +316,7 @@ void TDataset::Delete()
 void TDataset::DeleteKeys(const std::vector<qint64>& keys)
 {
     Cancel();
+    FConnection.CheckFileIsThere();
     TSQLiteTransaction transaction(FConnection);
     for (const qint64 key : keys) {
         TSQLiteStatement& statement = FConnection.Cached(u"DELETE FROM %1 WHERE ID=?"_s.arg(FDef.Table));

@@ -3,12 +3,14 @@
 
 #include "uDebugLog.h"
 #include "uFilePath.h"
+#include "uTHStrings.h"
 
 #include <QDateTime>
 #include <QFile>
 #include <QUrl>
 
 #include <sqlite3.h>
+#include <sys/stat.h>
 
 namespace Kestrune {
 
@@ -173,6 +175,11 @@ void TSQLiteConnection::Open(const QString& path, TSQLiteOpenMode mode)
     }
     FConnection = connection;
     FPath = path;
+    struct stat info = {};
+    if (::stat(TextToPath(path).c_str(), &info) == 0) {
+        FDevice = info.st_dev;
+        FInode = info.st_ino;
+    }
     sqlite3_extended_result_codes(connection, 1);
     sqlite3_busy_timeout(connection, 2000);
     RegisterFunctions();
@@ -185,6 +192,13 @@ void TSQLiteConnection::Close()
         sqlite3_close_v2(FConnection);
     FConnection = nullptr;
     FPath.clear();
+}
+
+void TSQLiteConnection::CheckFileIsThere() const
+{
+    struct stat info = {};
+    if (::stat(TextToPath(FPath).c_str(), &info) != 0 || info.st_dev != FDevice || info.st_ino != FInode)
+        throw EDatabaseError(GetLanguageString(u"cSFileGone"_s));
 }
 
 bool TSQLiteConnection::IsReadOnly() const { return FConnection && sqlite3_db_readonly(FConnection, "main") == 1; }

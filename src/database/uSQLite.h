@@ -96,6 +96,8 @@ public:
     /// True when the file can only be read.
     bool IsReadOnly() const;
     QString Path() const { return FPath; }
+    /// Throws when the file was removed or replaced while it is open: what is written now would be lost.
+    void CheckFileIsThere() const;
     TTextRules& TextRules() { return FTextRules; }
 
     /// Runs a script of any number of statements through the engine's own statement loop.
@@ -122,6 +124,8 @@ private:
 
     sqlite3* FConnection = nullptr;
     QString FPath;
+    quint64 FDevice = 0; // of the file that was opened
+    quint64 FInode = 0;
     TTextRules FTextRules;
     std::unordered_map<QString, std::unique_ptr<TSQLiteStatement>, TStringHash> FCache;
 };

@@ -119,7 +119,9 @@ bool TKRNMainForm::OpenCollection(const QString& path)
     bool opened = false;
     try {
         opened = FData.ConnectToDB(path);
-        if (!opened && !FData.HasData())
+        if (!opened && FData.HasData())
+            return false; // the collection that was open stays, with its filters
+        if (!opened)
             FOpenFailure = DatabaseValidationMessage(ValidateDatabaseFile(path));
     } catch (const EDatabaseError& failure) {
         FOpenFailure = failure.Text();

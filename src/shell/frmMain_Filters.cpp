@@ -99,6 +99,12 @@ void TKRNMainForm::ApplyFilters()
     TListDataset& list = FData.qReleasesMain;
     list.SetFilterActive(!list.Filter().IsEmpty());
     list.ApplyFilter();
+    // What the filter hides can be neither selected nor focused, or it would be removed unseen.
+    std::erase_if(FSelection, [&](qint64 id) { return list.RowOfKey(id) < 0; });
+    if (list.RowOfKey(FFocused) < 0) {
+        FFocused = list.CurrentKey();
+        FDetailTimer.start();
+    }
     Q_EMIT filtersChanged();
     Q_EMIT figuresChanged();
     FActions.Update();
