@@ -86,7 +86,7 @@ TLetterBar::TLetterBar(QWidget* parent)
     FFieldButton->setMenu(menu);
     connect(FFieldSegments, &TSegments::chosen, this, &TLetterBar::ChooseField);
     setFixedHeight(RowHeight(30, ThemeFont(fsBody), 10));
-    QStringList letters = {u"#"_s};
+    QStringList letters;
     for (char16_t c = u'A'; c <= u'Z'; ++c)
         letters << QString(QChar(c));
     SetLetters(letters);

@@ -17,7 +17,7 @@ class TLetterBar : public QWidget {
 public:
     explicit TLetterBar(QWidget* parent = nullptr);
 
-    /// The letters in their order; "#" and A to Z at first. All comes before them.
+    /// The letters in their order; A to Z at first. All comes before them.
     void SetLetters(const QStringList& letters);
     /// Letters that some release begins with: the others look empty but work all the same.
     void SetHits(const QSet<QString>& letters);
