@@ -6,6 +6,7 @@
 #include "uSQLite.h"
 
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QTimer>
 
@@ -90,6 +91,10 @@ public:
     /// Adds the number of tracks with an ID in (from, to] to `count` and gives the sum of their lengths in days.
     double SumTrackLengths(qint64 from, qint64 to, qint64& count);
     qint64 LastTrackID();
+
+    /// The letters, in upper case, with which the stored names of a column of the main list begin. Quick for the
+    /// indexed columns Artist and ReleaseName: one seek per letter.
+    QSet<QString> FirstLetters(const QString& column);
 
     /// Called after qReleaseInfo has posted.
     std::function<void(TDataset&)> OnReleaseInfoAfterPost;

@@ -59,6 +59,8 @@ TAlbumTrack ReadTrack(const TDataset& cursor)
     return track;
 }
 
+QString OneCharacter(char32_t character) { return QString::fromUcs4(&character, 1); }
+
 } // namespace
 
 TAlbumRelease TDataModuleMain::CurrentReleaseToAlbumRelease()
@@ -85,6 +87,30 @@ TAlbumRelease TDataModuleMain::CurrentReleaseToAlbumRelease()
             release.AddPicture(cptOther).LoadFromBytes(bytes.toByteArray());
     }
     return release;
+}
+
+QSet<QString> TDataModuleMain::FirstLetters(const QString& column)
+{
+    QSet<QString> letters;
+    const int field = qReleasesMain.FieldIndex(column);
+    if (!HasData() || field < 0)
+        return letters;
+    TSQLiteStatement& query = FConnection.Cached(
+        u"SELECT %1 FROM Releases2 WHERE %1 >= ? COLLATE BINARY ORDER BY %1 COLLATE BINARY LIMIT 1"_s.arg(
+            qReleasesMain.Fields()[static_cast<size_t>(field)].Name));
+    // The names of one letter stand together, so the first name behind them is one step away however many they are.
+    char32_t from = 1; // leaves out the empty text
+    while (from <= 0x10FFFF) {
+        query.Bind(1, OneCharacter(from));
+        const QString name = query.Step() ? VarToStr(query.Column(0)) : QString();
+        query.Reset();
+        const QList<uint> first = name.left(2).toUcs4();
+        if (first.isEmpty() || first[0] < from)
+            break; // no text follows
+        letters.insert(OneCharacter(first[0]).toUpper());
+        from = first[0] == 0xD7FF ? 0xE000 : first[0] + 1; // surrogates are no characters
+    }
+    return letters;
 }
 
 void TDataModuleMain::ReadTracks(TAlbumRelease& release)

@@ -218,6 +218,7 @@ void TMainWindow::ConnectForm()
     connect(&FForm, &TKRNMainForm::collectionOpened, this, &TMainWindow::ShowCollection);
     connect(&FForm, &TKRNMainForm::viewChanged, this, &TMainWindow::ShowView);
     connect(&FForm, &TKRNMainForm::filtersChanged, this, &TMainWindow::ShowFilters);
+    connect(&FForm, &TKRNMainForm::letterHitsChanged, this, [this] { FLetters->SetHits(FForm.LetterHits()); });
     connect(&FForm, &TKRNMainForm::sortChanged, this, &TMainWindow::ShowSort);
     connect(&FForm, &TKRNMainForm::figuresChanged, this, &TMainWindow::ShowFigures);
     connect(&FForm, &TKRNMainForm::detailChanged, this, &TMainWindow::ShowDetail);

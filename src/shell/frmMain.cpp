@@ -29,6 +29,9 @@ TKRNMainForm::TKRNMainForm(TDataModuleMain& data, TPrompt& prompt) : FData(data)
     connect(&FDetailTimer, &QTimer::timeout, this, &TKRNMainForm::RefreshDetail);
     FCountTimer.setInterval(0);
     connect(&FCountTimer, &QTimer::timeout, this, &TKRNMainForm::CountTracks);
+    FLetterTimer.setSingleShot(true);
+    FLetterTimer.setInterval(0);
+    connect(&FLetterTimer, &QTimer::timeout, this, &TKRNMainForm::FindLetterHits);
     FActions.OnFailure = [this](const QString& sentence) { Q_EMIT barRaised(bkError, sentence, {}); };
     BindActions();
 }
@@ -70,6 +73,7 @@ void TKRNMainForm::WMAfterFormShow()
     if (const qint64 id = FData.qReleasesMain.CurrentKey(); id != 0)
         Q_EMIT focusRequested(id);
     StartCounting();
+    FLetterTimer.start();
 }
 
 void TKRNMainForm::FormClose() { Defaults().CurrentView = static_cast<int>(FView); }
@@ -231,6 +235,9 @@ void TKRNMainForm::RemoveSelected()
 void TKRNMainForm::CountReleases()
 {
     FTotal = FData.HasData() ? static_cast<int>(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2"_s)) : 0;
+    // The first time waits until the window is on the screen.
+    if (FFormShown)
+        FLetterTimer.start();
 }
 
 void TKRNMainForm::StartCounting()

@@ -102,6 +102,8 @@ public:
     /// 0 artist, 1 release name.
     void SetLetterField(int index);
     int LetterField() const { return FLetterField; }
+    /// Letters with which some stored name of the letter field begins; empty until letterHitsChanged has told.
+    const QSet<QString>& LetterHits() const { return FLetterHits; }
     QStringList StatusItems() const;
     void FilterStatus(const QString& status);
     QString StatusFilter() const { return FStatus; }
@@ -128,6 +130,7 @@ public:
 Q_SIGNALS:
     void viewChanged();
     void filtersChanged();
+    void letterHitsChanged();
     void sortChanged();
     void detailChanged();
     void figuresChanged();
@@ -158,6 +161,7 @@ private:
     void Search();
     void RefreshDetail();
     void RefreshFocusedRow(TDataset& releaseInfo);
+    void FindLetterHits();
     void CountReleases();
     void StartCounting();
     void CountTracks();
@@ -176,6 +180,8 @@ private:
     TFilterGroup::TId FKeywordFilter = 0;
     QString FStatus, FLetter, FKeyword, FKeywordText;
     int FLetterField = 0;
+    QSet<QString> FLetterHits;
+    QTimer FLetterTimer;
     QString FSearchBy;
     QString FSearchText;
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frmMain.h"
+#include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uTHStrings.h"
 
@@ -43,10 +44,22 @@ void TKRNMainForm::LetterClick(const QString& caption)
 void TKRNMainForm::SetLetterField(int index)
 {
     FLetterField = index;
+    FLetterTimer.start();
     if (const QString letter = FLetter; !letter.isEmpty())
         LetterClick(letter);
     else
         Q_EMIT filtersChanged();
+}
+
+void TKRNMainForm::FindLetterHits()
+{
+    try {
+        FLetterHits = FData.FirstLetters(FLetterField == 0 ? u"Artist"_s : u"ReleaseName"_s);
+    } catch (const EDatabaseError& failure) {
+        DebugLog(u"[Letters] %1"_s.arg(failure.Text()));
+        return;
+    }
+    Q_EMIT letterHitsChanged();
 }
 
 QStringList TKRNMainForm::StatusItems() const { return Defaults().Statuses.Items(); }

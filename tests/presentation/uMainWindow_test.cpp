@@ -106,6 +106,24 @@ TEST_F(MainWindow, ViewsShareTheFocusedRelease)
     EXPECT_EQ(Defaults().CurrentView, 3);
 }
 
+TEST_F(MainWindow, LettersWithoutHitsFollowTheFieldAndTheCollection)
+{
+    Open(4);
+    EXPECT_EQ(FWindow->Letters()->Hits(), (QSet<QString>{u"I"_s, u"N"_s}));
+    Q_EMIT FWindow->Letters()->fieldChosen(1);
+    QApplication::processEvents();
+    EXPECT_EQ(FWindow->Letters()->Hits(), QSet<QString>{u"S"_s});
+    Q_EMIT FWindow->Letters()->fieldChosen(0);
+    FWindow->Tiles()->setCurrentIndex(FWindow->Tiles()->model()->index(0, 0));
+    QApplication::processEvents();
+    FWindow->Actions().Find(u"actRemoveSelected"_s)->trigger();
+    FWindow->Tiles()->setCurrentIndex(FWindow->Tiles()->model()->index(1, 0));
+    QApplication::processEvents();
+    FWindow->Actions().Find(u"actRemoveSelected"_s)->trigger();
+    QApplication::processEvents();
+    EXPECT_EQ(FWindow->Letters()->Hits(), QSet<QString>{u"N"_s});
+}
+
 TEST_F(MainWindow, LetterSearchAndChipsFilterTheList)
 {
     Open(40);

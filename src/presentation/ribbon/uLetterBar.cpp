@@ -115,6 +115,15 @@ void TLetterBar::SetHits(const QSet<QString>& letters)
     }
 }
 
+QSet<QString> TLetterBar::Hits() const
+{
+    QSet<QString> letters;
+    for (const TLetterCell* cell : FCells)
+        if (cell->HasHits && !cell->Letter.isEmpty())
+            letters.insert(cell->Letter);
+    return letters;
+}
+
 void TLetterBar::SetCurrent(const QString& letter)
 {
     FCurrent = letter;

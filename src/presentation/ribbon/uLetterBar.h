@@ -21,6 +21,8 @@ public:
     void SetLetters(const QStringList& letters);
     /// Letters that some release begins with: the others look empty but work all the same.
     void SetHits(const QSet<QString>& letters);
+    /// Those of the letters shown that have hits.
+    QSet<QString> Hits() const;
     /// The letter that holds; empty is All.
     void SetCurrent(const QString& letter);
     const QString& Current() const { return FCurrent; }
