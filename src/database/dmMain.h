@@ -95,6 +95,8 @@ public:
     /// The letters, in upper case, with which the stored names of a column of the main list begin. Quick for the
     /// indexed columns Artist and ReleaseName: one seek per letter.
     QSet<QString> FirstLetters(const QString& column);
+    /// The releases whose title, as DisplayText gives it, begins with a text, in no order.
+    std::vector<qint64> ReleasesByTitle(const QString& beginning);
 
     /// Called after qReleaseInfo has posted.
     std::function<void(TDataset&)> OnReleaseInfoAfterPost;

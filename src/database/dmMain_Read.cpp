@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "uDefaults.h"
+
+#include <algorithm>
 
 namespace Kestrune {
 
@@ -59,6 +62,18 @@ TAlbumTrack ReadTrack(const TDataset& cursor)
     return track;
 }
 
+QString EscapedForLike(QString text)
+{
+    return text.replace(u'\\', u"\\\\"_s).replace(u'%', u"\\%"_s).replace(u'_', u"\\_"_s);
+}
+
+// A name with articles may be shown in another order than it is stored ("Wall, The"), but its words stand in both.
+QString LongestWord(QString text)
+{
+    const QStringList words = text.replace(u',', u' ').split(u' ', Qt::SkipEmptyParts);
+    return words.isEmpty() ? QString() : *std::ranges::max_element(words, {}, &QString::size);
+}
+
 QString OneCharacter(char32_t character) { return QString::fromUcs4(&character, 1); }
 
 } // namespace
@@ -111,6 +126,25 @@ QSet<QString> TDataModuleMain::FirstLetters(const QString& column)
         from = first[0] == 0xD7FF ? 0xE000 : first[0] + 1; // surrogates are no characters
     }
     return letters;
+}
+
+std::vector<qint64> TDataModuleMain::ReleasesByTitle(const QString& beginning)
+{
+    std::vector<qint64> ids;
+    if (!HasData() || beginning.isEmpty())
+        return ids;
+    const bool asStored = !Defaults().ArticlesEnabled || !Defaults().ArticlesFieldReleaseName;
+    const QString pattern = EscapedForLike(asStored ? beginning : LongestWord(beginning)) + u'%';
+    TSQLiteStatement& query =
+        FConnection.Cached(u"SELECT ID, ReleaseName FROM Releases2 WHERE ReleaseName LIKE ? ESCAPE '\\'"_s);
+    query.Bind(1, asStored ? pattern : u'%' + pattern);
+    while (query.Step()) {
+        const QString title = DisplayText(u"ReleaseName"_s, VarToStr(query.Column(1)));
+        if (title.startsWith(beginning, Qt::CaseInsensitive))
+            ids.push_back(query.ColumnInt64(0));
+    }
+    query.Reset();
+    return ids;
 }
 
 void TDataModuleMain::ReadTracks(TAlbumRelease& release)

@@ -132,6 +132,9 @@ void TMainWindow::BuildViews()
     FTiles = new TTileView(FViews);
     FTable = new TAlbumTable(&FCovers, FViews);
     FNoHits = new TEmptyPage(FViews);
+    const TLocate locate = [this](const QString& text, int from) { return FForm.LocateTitle(text, from); };
+    FTiles->SetLocate(locate);
+    FTable->SetLocate(locate);
     FThumbsPainter.SetStep(FForm.ThumbSize());
     FTiles->SetPainter(&FThumbsPainter);
     FTiles->setModel(FModel);

@@ -110,6 +110,10 @@ public:
     std::vector<TFilterChip> FilterChips() const;
     void RemoveFilter(TFilterChipKind kind);
 
+    /// The row whose title, as shown, begins with a text: the next one from a row on and round, in the order of the
+    /// list; -1 for none.
+    int LocateTitle(const QString& text, int fromRow);
+
     /// A click on a column heading: sorts by it, or turns its order; `add` keeps the columns sorted by before.
     void SortBy(const QString& column, bool add);
 

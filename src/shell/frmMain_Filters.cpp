@@ -117,6 +117,27 @@ void TKRNMainForm::ApplyFilters()
     FActions.Update();
 }
 
+int TKRNMainForm::LocateTitle(const QString& text, int fromRow)
+{
+    const TListDataset& list = FData.qReleasesMain;
+    const int count = list.RecordCount();
+    int best = -1;
+    int nearest = count;
+    try {
+        for (const qint64 id : FData.ReleasesByTitle(text)) {
+            const int row = list.RowOfKey(id);
+            const int steps = row < 0 ? count : (row - fromRow % count + count) % count;
+            if (steps < nearest) {
+                nearest = steps;
+                best = row;
+            }
+        }
+    } catch (const EDatabaseError& failure) {
+        DebugLog(u"[Locate] %1"_s.arg(failure.Text()));
+    }
+    return best;
+}
+
 void TKRNMainForm::SortBy(const QString& column, bool add)
 {
     std::vector<TSortItem> sort = FData.qReleasesMain.Sort();

@@ -106,6 +106,25 @@ TEST_F(MainWindow, ViewsShareTheFocusedRelease)
     EXPECT_EQ(Defaults().CurrentView, 3);
 }
 
+TEST_F(MainWindow, TypedLettersJumpToTheNextTitleInBothViews)
+{
+    Open(40);
+    const int interval = QApplication::keyboardInputInterval();
+    for (const QString& view : {u"actThumbView"_s, u"actAlbumTableView"_s}) {
+        FWindow->Actions().Find(view)->trigger();
+        QWidget* shown = FWindow->Views()->currentWidget();
+        QTest::keyClick(shown, Qt::Key_Home);
+        QTest::keyClicks(shown, u"salt atlas 02"_s);
+        EXPECT_EQ(FocusedTitle(), u"Salt Atlas 020"_s) << view.toStdString();
+        QApplication::setKeyboardInputInterval(0); // from here on each letter is the first one
+        QTest::keyClick(shown, Qt::Key_S);
+        EXPECT_EQ(FocusedTitle(), u"Salt Atlas 021"_s) << "the next one, not the first one";
+        QTest::keyClicks(shown, u"x"_s);
+        EXPECT_EQ(FocusedTitle(), u"Salt Atlas 021"_s) << "no such title";
+        QApplication::setKeyboardInputInterval(interval);
+    }
+}
+
 TEST_F(MainWindow, LettersWithoutHitsFollowTheFieldAndTheCollection)
 {
     Open(4);

@@ -72,6 +72,31 @@ protected:
 
 } // namespace
 
+TEST_F(MainForm, TitlesAreLocatedAsShownFromARowOnAndRound)
+{
+    OpenFilled(); // Help, Arrival, Lexicon, 100% Zappa
+    TAlbumRelease wall;
+    wall.SetItem2(u"ReleaseName"_s, u"The Wall"_s);
+    FData.AddAlbumReleaseToDB(wall, true);
+    const std::tuple<QString, int, int> cases[] = {{u"l"_s, 0, 2},     {u"LEX"_s, 3, 2},  {u"100%"_s, 0, 3},
+                                                   {u"10_"_s, 0, -1},  {u"x"_s, 0, -1},   {u"wall"_s, 0, -1},
+                                                   {u"the w"_s, 9, 4}, {QString(), 0, -1}};
+    for (const auto& [text, from, row] : cases) {
+        SCOPED_TRACE(text.toStdString());
+        EXPECT_EQ(FForm.LocateTitle(text, from), row);
+    }
+    Defaults().ArticlesEnabled = Defaults().ArticlesFieldReleaseName = true;
+    Defaults().ArticlesDisplayMode = 2;
+    EXPECT_EQ(FForm.LocateTitle(u"wall, th"_s, 0), 4) << "shown as \"Wall, The\"";
+    EXPECT_EQ(FForm.LocateTitle(u"the w"_s, 0), -1);
+    Defaults().ArticlesDisplayMode = 1;
+    EXPECT_EQ(FForm.LocateTitle(u"the w"_s, 0), 4);
+    FForm.SortBy(u"ReleaseName"_s, false);
+    EXPECT_EQ(FForm.LocateTitle(u"h"_s, 0), FData.qReleasesMain.RowOfKey(1));
+    FForm.LetterClick(u"A"_s);
+    EXPECT_EQ(FForm.LocateTitle(u"h"_s, 0), -1) << "filtered out";
+}
+
 TEST(Startup, OnlyTheFirstArgumentAsksForDebugMode)
 {
     EXPECT_TRUE(IsDebugModeAsked({u"kestrune"_s, u"-DEBUG"_s}));

@@ -185,6 +185,14 @@ QModelIndex TAlbumTable::moveCursor(CursorAction action, Qt::KeyboardModifiers m
     return QTreeView::moveCursor(action, modifiers);
 }
 
+void TAlbumTable::keyboardSearch(const QString& search)
+{
+    // The view's own search would read every row of the model.
+    const int row = FLocate ? FTyped.Add(search, currentIndex().row(), FLocate) : -1;
+    if (row >= 0 && row < model()->rowCount())
+        setCurrentIndex(model()->index(row, std::max(0, currentIndex().column())));
+}
+
 void TAlbumTable::paintEvent(QPaintEvent* event)
 {
     QPainter painter(viewport());

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "uCellDelegate.h"
+#include "uTypedLetters.h"
 
 #include <QHeaderView>
 #include <QTreeView>
@@ -49,6 +50,9 @@ public:
     void SetRowSize(TRowSize size);
     void SetSortMarks(std::vector<TSortMark> marks) { FHeader->SetSortMarks(std::move(marks)); }
     TTableHeader* Header() { return FHeader; }
+    /// Finds the row for typed letters; without it the view does nothing with them.
+    void SetLocate(TLocate locate) { FLocate = std::move(locate); }
+    void keyboardSearch(const QString& search) override;
     /// Widths that fit the heading and the rows in sight.
     void ApplyBestFit();
 
@@ -69,6 +73,8 @@ private:
     TTableHeader* FHeader;
     TCellDelegate* FDelegate;
     QPersistentModelIndex FHovered;
+    TLocate FLocate;
+    TTypedLetters FTyped;
 };
 
 } // namespace Kestrune
