@@ -125,8 +125,6 @@ QVariant TReleasesModel::RoleData(int row, int role) const
     case rrOverdue: return FLoans.value(id).Overdue;
     case rrCountry: return VarToStr(Value(row, u"CountryCode"_s));
     case rrLastModified: return VarToStr(Value(row, u"LastModified"_s));
-    case rrHasThumb:
-        return !FData.qReleasesMain.ReadBlob(row, FData.qReleasesMain.FieldIndex(u"ThumbPicture"_s)).isEmpty();
     case rrThumbBytes: return FData.qReleasesMain.ReadBlob(row, FData.qReleasesMain.FieldIndex(u"ThumbPicture"_s));
     default: return {};
     }
