@@ -229,7 +229,6 @@ void TMainWindow::ConnectForm()
     connect(&FForm, &TKRNMainForm::focusRequested, this, &TMainWindow::FocusRelease);
     connect(&FForm, &TKRNMainForm::addFilesStarted, this, &TMainWindow::OpenAddFiles);
     connect(&FForm, &TKRNMainForm::closeRequested, this, &QWidget::close);
-    connect(&FForm, &TKRNMainForm::searchFocusRequested, this, [this] { FRibbon->SearchBox()->FocusEditor(); });
     connect(&FForm, &TKRNMainForm::selectionRequested, this,
             [this](bool all) { all ? FTiles->selectAll() : FTiles->clearSelection(); });
     connect(&FForm, &TKRNMainForm::barRaised, this,
@@ -256,11 +255,8 @@ void TMainWindow::ConnectParts()
     });
     TSearchBox* search = FRibbon->SearchBox();
     connect(search, &TSearchBox::fieldChanged, &FForm, &TKRNMainForm::SetSearchBy);
-    connect(search, &TSearchBox::searchRequested, this, [this, search] {
-        FForm.SetSearchBy(search->CurrentField().Name);
-        FForm.SetSearchText(search->Text());
-        FForm.Actions().Trigger(u"actSearch"_s);
-    });
+    connect(search, &TSearchBox::textChanged, &FForm, &TKRNMainForm::SetSearchText);
+    connect(search, &TSearchBox::searchRequested, this, [this] { FForm.Actions().Trigger(u"actSearch"_s); });
     connect(search, &TSearchBox::cleared, this, [this] { FForm.RemoveFilter(fckKeyword); });
     connect(search, &TSearchBox::leaveRequested, this, [this] { CurrentViewWidget()->setFocus(); });
     TChipRow* chips = FFilters->Chips();
@@ -268,7 +264,7 @@ void TMainWindow::ConnectParts()
             [this](const QString& id) { FForm.RemoveFilter(static_cast<TFilterChipKind>(id.toInt())); });
     connect(chips, &TChipRow::editRequested, this, [this](const QString& id) {
         if (static_cast<TFilterChipKind>(id.toInt()) == fckKeyword)
-            FRibbon->SearchBox()->FocusEditor();
+            EditKeyword();
         else if (static_cast<TFilterChipKind>(id.toInt()) == fckLetter)
             FLetters->setFocus();
         else
@@ -304,6 +300,15 @@ void TMainWindow::ConnectParts()
                 [this, view](const QPoint& at) { OpenContextMenu(view->viewport()->mapToGlobal(at)); });
         connect(view, &QAbstractItemView::activated, this, [this] { FForm.Actions().Trigger(u"actEditItem"_s); });
     }
+}
+
+void TMainWindow::EditKeyword()
+{
+    TSearchBox* search = FRibbon->SearchBox();
+    const auto [field, text] = FForm.Keyword();
+    search->SetCurrentField(field);
+    search->SetText(text);
+    search->FocusEditor();
 }
 
 void TMainWindow::ShowRestored()

@@ -97,6 +97,7 @@ private:
     void KeepGeometry();
     void OpenContextMenu(const QPoint& globalPosition);
     void OpenAddFiles();
+    void EditKeyword();
     void MoveArea(int direction);
     QWidget* CurrentViewWidget() const;
 

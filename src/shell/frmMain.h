@@ -96,6 +96,8 @@ public:
     void SetSearchBy(const QString& column);
     /// What stands in the search box; actSearch searches for it.
     void SetSearchText(const QString& text) { FSearchText = text; }
+    /// Column and text of the keyword filter; empty without one.
+    std::pair<QString, QString> Keyword() const { return {FKeywordColumn, FKeywordText}; }
     /// One letter filters by it, any longer caption removes the letter.
     void LetterClick(const QString& caption);
     QString Letter() const { return FLetter; }
@@ -143,7 +145,6 @@ Q_SIGNALS:
     /// Bring this release into sight and focus it.
     void focusRequested(qint64 id);
     void selectionRequested(bool all);
-    void searchFocusRequested();
     void addFilesStarted();
     void addFilesFinished();
     void closeRequested();
@@ -182,7 +183,7 @@ private:
     TFilterGroup::TId FStatusFilter = 0;
     TFilterGroup::TId FQuickFilter = 0;
     TFilterGroup::TId FKeywordFilter = 0;
-    QString FStatus, FLetter, FKeyword, FKeywordText;
+    QString FStatus, FLetter, FKeyword, FKeywordColumn, FKeywordText;
     int FLetterField = 0;
     QSet<QString> FLetterHits;
     QTimer FLetterTimer;

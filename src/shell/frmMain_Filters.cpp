@@ -23,6 +23,7 @@ void TKRNMainForm::Search()
     if (field == fields.end())
         field = fields.begin();
     FKeyword = field->Caption;
+    FKeywordColumn = field->Column;
     FKeywordText = FSearchText;
     FKeywordFilter = list.Filter().Add(SearchCriterion(*field, FSearchText));
     ApplyFilters();

@@ -19,6 +19,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QStackedWidget>
@@ -171,6 +172,40 @@ TEST_F(MainWindow, LetterSearchAndChipsFilterTheList)
     Q_EMIT FWindow->Filters()->Chips()->clearRequested();
     EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 40);
     EXPECT_TRUE(FWindow->Tiles()->isVisible());
+}
+
+TEST_F(MainWindow, SearchBoxSearchesInTheFieldItNames)
+{
+    Open(4);
+    TSearchBox* search = FWindow->Ribbon()->SearchBox();
+    auto* edit = search->findChild<QLineEdit*>();
+    EXPECT_EQ(edit->placeholderText(), u"Search in Artist"_s);
+    QTest::keyClicks(edit, u"kiln"_s);
+    FWindow->Actions().Find(u"actSearch"_s)->trigger();
+    EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 2) << "the button searches for what stands in the box";
+    QTest::keyClick(edit, Qt::Key_Escape);
+    EXPECT_TRUE(FWindow->Tiles()->hasFocus());
+
+    search->SetCurrentField(u"Status"_s);
+    EXPECT_FALSE(edit->isVisible());
+    QTest::keyClick(FWindow.get(), Qt::Key_K, Qt::ControlModifier);
+    auto* list = search->findChild<QComboBox*>();
+    ASSERT_TRUE(list->hasFocus());
+    EXPECT_EQ(list->placeholderText(), u"Search in Status"_s);
+    const int wanted = list->findText(u"Wanted item"_s);
+    ASSERT_GE(wanted, 0);
+    list->setCurrentIndex(wanted);
+    QTest::keyClick(list, Qt::Key_Return);
+    EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 0);
+    list->setCurrentIndex(list->findText(u"In collection"_s));
+    QTest::keyClick(list, Qt::Key_Return);
+    EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 4);
+    search->SetCurrentField(u"Genre"_s);
+    Q_EMIT FWindow->Filters()->Chips()->editRequested(QString::number(static_cast<int>(fckKeyword)));
+    EXPECT_EQ(search->CurrentField().Name, u"Status"_s);
+    EXPECT_EQ(search->Text(), u"In collection"_s) << "a chip is edited with what it holds";
+    QTest::keyClick(list, Qt::Key_Escape);
+    EXPECT_TRUE(FWindow->Tiles()->hasFocus());
 }
 
 TEST_F(MainWindow, SelectionIsToldAndRemovedAfterAQuestion)
