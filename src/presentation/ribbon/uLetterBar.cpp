@@ -129,6 +129,10 @@ void TLetterBar::SetCurrent(const QString& letter)
     FCurrent = letter;
     for (TLetterCell* cell : std::as_const(FCells))
         cell->setChecked(cell->Letter == letter);
+    // The keyboard comes to the letter that holds.
+    for (TLetterCell* cell : std::as_const(FCells))
+        if (cell->isChecked())
+            setFocusProxy(cell);
 }
 
 void TLetterBar::Choose(const QString& letter)
