@@ -46,25 +46,6 @@ constexpr QSize FirstSize(1440, 900);
 constexpr QSize SmallestSize(800, 560);
 constexpr int FoldedUpTo = 1024; // a window this narrow starts with the ribbon folded
 
-// The columns of the table before the user chooses: presets may hide and show more.
-const QStringList FirstColumns = {u"No"_s,          u"ThumbPicture"_s, u"Artist"_s,      u"ReleaseName"_s,
-                                  u"ReleaseYear"_s, u"MediaType"_s,    u"Label"_s,       u"CatalogNO"_s,
-                                  u"CountryCode"_s, u"DiscCount"_s,    u"Rating_Calc"_s, u"Status"_s,
-                                  u"Genre"_s,       u"Location"_s};
-
-int FirstWidthOf(const QString& field)
-{
-    if (field == "Artist"_L1)
-        return 190;
-    if (field == "ReleaseName"_L1)
-        return 220;
-    if (field == "ThumbPicture"_L1)
-        return 36;
-    if (field == "No"_L1 || field == "DiscCount"_L1 || field == "CountryCode"_L1)
-        return 76;
-    return 112;
-}
-
 } // namespace
 
 TMainWindow::TMainWindow(TKRNMainForm& form, TThemeController& theme, bool debugMode) : FForm(form), FTheme(theme)
@@ -155,20 +136,6 @@ void TMainWindow::BuildViews()
     column->setSpacing(0);
     column->addWidget(FLetters);
     column->addWidget(FViews, 1);
-}
-
-void TMainWindow::SetUpColumns()
-{
-    TTableHeader* header = FTable->Header();
-    for (int column = 0; column < FModel->columnCount(); ++column) {
-        const QString field = column == 0 ? u"ThumbPicture"_s : FModel->FieldOf(column);
-        FTable->setColumnHidden(column, !FirstColumns.contains(field));
-        header->resizeSection(column, FirstWidthOf(field));
-    }
-    int visual = 0;
-    for (const QString& field : FirstColumns)
-        if (const int column = FModel->ColumnOf(field); column >= 0)
-            header->moveSection(header->visualIndex(column), visual++);
 }
 
 void TMainWindow::BuildMenus()

@@ -11,6 +11,7 @@
 #include "uMessageBars.h"
 #include "uReleaseRoles.h"
 #include "uRibbon.h"
+#include "uRibbonButton.h"
 #include "uScriptedPrompt.h"
 #include "uSearchBox.h"
 #include "uTestFiles.h"
@@ -21,6 +22,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QMenu>
 #include <QSignalSpy>
 #include <QStackedWidget>
 #include <QTest>
@@ -265,6 +267,28 @@ TEST_F(MainWindow, PaneFollowsItsPlaceAndSmallWindowsHideIt)
     FWindow->Actions().Find(u"actHideDetailPanel"_s)->trigger();
     EXPECT_FALSE(FWindow->Pane()->isVisible());
     EXPECT_TRUE(Defaults().FrameClosed);
+}
+
+TEST_F(MainWindow, AWideTableSharesItsRoomAndNoHeadingIsCut)
+{
+    Open(4);
+    FWindow->Actions().Find(u"actAlbumTableView"_s)->trigger();
+    TTableHeader* header = FWindow->Table()->Header();
+    for (const int width : {1440, 1000, 1900}) {
+        SCOPED_TRACE(width);
+        FWindow->resize(width, 900);
+        QApplication::processEvents();
+        const int view = FWindow->Table()->viewport()->width();
+        bool edge = false; // some column ends right at the edge of the view
+        for (int visual = 0; visual < header->count(); ++visual) {
+            const int column = header->logicalIndex(visual);
+            if (header->isSectionHidden(column))
+                continue;
+            EXPECT_GE(header->sectionSize(column), header->CaptionWidth(column));
+            edge = edge || header->sectionPosition(column) + header->sectionSize(column) == view;
+        }
+        EXPECT_TRUE(edge);
+    }
 }
 
 TEST_F(MainWindow, ClosingKeepsSizeAndView)

@@ -194,7 +194,13 @@ QVariant TReleasesModel::headerData(int section, Qt::Orientation orientation, in
         return {};
     if (section == 0)
         return QString();
-    return ColumnLabel(FData.qReleasesMain.Fields()[static_cast<size_t>(FFields[section - 1])], Defaults(), false);
+    const TFieldDef& field = FData.qReleasesMain.Fields()[static_cast<size_t>(FFields[section - 1])];
+    // A table has less room than a form.
+    if (field.Name == "ReleaseYear"_L1)
+        return GetLanguageString(u"cSGuiHeadingYear"_s);
+    if (field.Name == "DiscCount"_L1)
+        return GetLanguageString(u"cSGuiHeadingDiscs"_s);
+    return ColumnLabel(field, Defaults(), false);
 }
 
 } // namespace Kestrune
