@@ -92,6 +92,7 @@ void TMainWindow::BuildParts()
     FSplitter->setChildrenCollapsible(false);
     FViewSide = new QWidget(FSplitter);
     FPane = new TDetailPane(FSplitter);
+    FPane->SetFolded(FForm.FoldedSections());
     FStatus = new TStatusLine(this);
     BuildViews();
     FPages->addWidget(FEmpty);

@@ -92,6 +92,8 @@ private:
     void RestoreCurrent();
     void ReportSelection();
     void SetUpColumns();
+    void RestoreColumns(const std::vector<TColumnState>& columns);
+    void KeepColumns();
     void SizePane();
     void FitSmallWindow();
     void KeepGeometry();

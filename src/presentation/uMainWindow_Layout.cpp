@@ -44,6 +44,44 @@ void TMainWindow::SetUpColumns()
             shared.push_back(column);
     }
     FTable->ShareWidth(shared);
+    if (FForm.AlbumLayout())
+        RestoreColumns(FForm.AlbumLayout()->Columns);
+}
+
+// Columns that the layout does not know stay as they are, behind the others.
+void TMainWindow::RestoreColumns(const std::vector<TColumnState>& columns)
+{
+    TTableHeader* header = FTable->Header();
+    int visual = 0;
+    for (const TColumnState& kept : columns) {
+        const int column = FModel->ColumnOf(kept.Field);
+        if (column < 0)
+            continue;
+        header->moveSection(header->visualIndex(column), visual++);
+        header->setSectionHidden(column, kept.Hidden);
+        if (kept.Width == 0)
+            continue;
+        if (FTable->SharesWidth(column))
+            FTable->StopSharing();
+        header->resizeSection(column, kept.Width);
+    }
+    // A table without any heading could not be mended by the user.
+    if (header->hiddenSectionCount() == header->count())
+        header->setSectionHidden(FModel->ColumnOf(u"ReleaseName"_s), false);
+}
+
+void TMainWindow::KeepColumns()
+{
+    const TTableHeader* header = FTable->Header();
+    std::vector<TColumnState> columns;
+    for (int visual = 0; visual < header->count(); ++visual) {
+        const int column = header->logicalIndex(visual);
+        const QString field = column == 0 ? u"ThumbPicture"_s : FModel->FieldOf(column);
+        const bool hidden = header->isSectionHidden(column);
+        const int width = hidden || FTable->SharesWidth(column) ? 0 : header->sectionSize(column);
+        columns.push_back({field, width, hidden});
+    }
+    FForm.SetAlbumColumns(std::move(columns));
 }
 
 } // namespace Kestrune

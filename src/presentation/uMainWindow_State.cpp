@@ -407,6 +407,8 @@ void TMainWindow::showEvent(QShowEvent* event)
 void TMainWindow::closeEvent(QCloseEvent* event)
 {
     KeepGeometry();
+    KeepColumns();
+    FForm.SetFoldedSections(FPane->Folded());
     FForm.FormClose();
     event->accept();
 }

@@ -17,6 +17,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const QString AlbumLayoutKey = u"AlbumView.Layout"_s;
+const QString FoldedKey = u"VG.Folded"_s;
 constexpr int DetailDelay = 150;    // milliseconds, so that a fast walk through the list reads no pictures
 constexpr qint64 CountStep = 50000; // tracks per turn of the event loop
 
@@ -42,7 +44,7 @@ void TKRNMainForm::FormCreate(const std::function<void()>& createDebugWindow)
 {
     if (createDebugWindow)
         createDebugWindow();
-    SetSplashText(GetLanguageString(u"cSSplashLoadingSettings"_s));
+    LoadSettings();
     if (!Defaults().BrokenSettingsFile.isEmpty()) {
         const QString file = QFileInfo(Defaults().BrokenSettingsFile).fileName();
         FPrompt.ShowError(GetLanguageString(u"cSSettingsFileBroken"_s).replace(u"%s"_s, file));
@@ -76,7 +78,44 @@ void TKRNMainForm::WMAfterFormShow()
     FLetterTimer.start();
 }
 
-void TKRNMainForm::FormClose() { Defaults().CurrentView = static_cast<int>(FView); }
+void TKRNMainForm::FormClose()
+{
+    Defaults().CurrentView = static_cast<int>(FView);
+    SaveSettings();
+}
+
+void TKRNMainForm::LoadSettings()
+{
+    SetSplashText(GetLanguageString(u"cSSplashLoadingSettings"_s));
+    if (!HasSettingsStore())
+        return;
+    FFolded = FoldedFromText(SettingsStore().ReadString(FoldedKey, {}));
+    FAlbumLayout = LayoutFromText(SettingsStore().ReadString(AlbumLayoutKey, {}));
+    if (!FAlbumLayout)
+        return;
+    std::erase_if(FAlbumLayout->Sort,
+                  [this](const TSortItem& item) { return FData.qReleasesMain.FieldIndex(item.Column) < 0; });
+    // The collection that is opened next is read in this order.
+    FData.qReleasesMain.SetSort(FAlbumLayout->Sort);
+}
+
+void TKRNMainForm::SaveSettings()
+{
+    if (!HasSettingsStore())
+        return;
+    SettingsStore().WriteString(FoldedKey, {}, FoldedToText(FFolded));
+    if (!FAlbumLayout)
+        return;
+    FAlbumLayout->Sort = FData.qReleasesMain.Sort();
+    SettingsStore().WriteString(AlbumLayoutKey, {}, LayoutToText(*FAlbumLayout));
+}
+
+void TKRNMainForm::SetAlbumColumns(std::vector<TColumnState> columns)
+{
+    if (!FAlbumLayout)
+        FAlbumLayout.emplace();
+    FAlbumLayout->Columns = std::move(columns);
+}
 
 void TKRNMainForm::SetCurrentView(TMainView view)
 {

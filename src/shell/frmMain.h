@@ -5,6 +5,7 @@
 #include "uActions.h"
 #include "uDetailView.h"
 #include "uSearch.h"
+#include "uViewLayout.h"
 
 #include <QObject>
 #include <QRect>
@@ -12,6 +13,7 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace Kestrune {
@@ -132,6 +134,14 @@ public:
     void SetFrameSize(int width, int height);
     QRect RestoredGeometry() const;
     bool StartsMaximized() const;
+    /// The layout of the album table that the settings kept; nothing before there was one. Its sort is in force
+    /// already.
+    const std::optional<TTableLayout>& AlbumLayout() const { return FAlbumLayout; }
+    /// The columns as they are now; the sort is added by FormClose.
+    void SetAlbumColumns(std::vector<TColumnState> columns);
+    /// Ids of the folded sections of the detail pane.
+    QStringList FoldedSections() const { return FFolded; }
+    void SetFoldedSections(const QStringList& ids) { FFolded = ids; }
 
 Q_SIGNALS:
     void viewChanged();
@@ -171,6 +181,8 @@ private:
     void StartCounting();
     void CountTracks();
     std::vector<qint64> SelectedOrFocused() const;
+    void LoadSettings();
+    void SaveSettings();
 
     TDataModuleMain& FData;
     TPrompt& FPrompt;
@@ -189,6 +201,9 @@ private:
     QTimer FLetterTimer;
     QString FSearchBy;
     QString FSearchText;
+
+    std::optional<TTableLayout> FAlbumLayout;
+    QStringList FFolded;
 
     qint64 FFocused = 0;
     std::vector<qint64> FSelection;

@@ -269,6 +269,50 @@ TEST_F(MainWindow, PaneFollowsItsPlaceAndSmallWindowsHideIt)
     EXPECT_TRUE(Defaults().FrameClosed);
 }
 
+TEST_F(MainWindow, ClosingKeepsColumnsSortAndFoldedSections)
+{
+    OpenSettingsStore(FDir.File(u"kept.ini"_s));
+    Open(4);
+    const auto column = [this](const QString& caption) {
+        const QAbstractItemModel& model = *FWindow->Table()->model();
+        int found = 0;
+        while (found < model.columnCount() && model.headerData(found, Qt::Horizontal).toString() != caption)
+            ++found;
+        return found;
+    };
+    const auto header = [this] { return FWindow->Table()->Header(); };
+    FWindow->Actions().Find(u"actAlbumTableView"_s)->trigger();
+    const int genre = column(u"Genre"_s);
+    header()->resizeSection(genre, 207);
+    header()->moveSection(header()->visualIndex(genre), 0);
+    header()->setSectionHidden(column(u"Label"_s), true);
+    FForm->SortBy(u"ReleaseName"_s, false);
+    FForm->SortBy(u"ReleaseName"_s, false); // a second click turns it
+    FWindow->Pane()->SetFolded({u"tracks"_s});
+    FWindow->close();
+    FWindow.reset();
+    FForm.reset();
+    FData.qReleasesMain.SetSort({});
+
+    Show();
+    EXPECT_EQ(header()->sectionSize(genre), 207);
+    EXPECT_EQ(header()->logicalIndex(0), genre);
+    EXPECT_TRUE(header()->isSectionHidden(column(u"Label"_s)));
+    EXPECT_FALSE(header()->isSectionHidden(column(u"Artist"_s)));
+    EXPECT_TRUE(FWindow->Table()->SharesWidth(column(u"Artist"_s))) << "nobody has set its width";
+    EXPECT_EQ(FWindow->Tiles()->model()->index(0, 0).data(rrTitle).toString(), u"Salt Atlas 003"_s);
+    EXPECT_EQ(header()->SortMarks().size(), 1u);
+    EXPECT_EQ(FWindow->Pane()->Folded(), QStringList{u"tracks"_s});
+    FWindow.reset();
+    FForm.reset();
+    FData.qReleasesMain.SetSort({});
+
+    SettingsStore().WriteString(u"AlbumView.Layout"_s, {}, u"v0|whatever"_s);
+    Show();
+    EXPECT_EQ(header()->logicalIndex(0), column(u"No"_s)) << "a layout of another version is passed over";
+    OpenSettingsStore({});
+}
+
 TEST_F(MainWindow, AWideTableSharesItsRoomAndNoHeadingIsCut)
 {
     Open(4);
