@@ -335,6 +335,51 @@ TEST_F(MainWindow, AWideTableSharesItsRoomAndNoHeadingIsCut)
     }
 }
 
+TEST_F(MainWindow, ActionsWithoutAHandlerAreNowhereAndDoNothing)
+{
+    Open(4);
+    const QList<QAction*> shown = FWindow->Actions().findChildren<QAction*>();
+    for (const QAction* action : shown)
+        EXPECT_EQ(action->isVisible(), FForm->Actions().IsBound(action->objectName()))
+            << action->objectName().toStdString();
+    for (QWidget* view : {static_cast<QWidget*>(FWindow->Tiles()), static_cast<QWidget*>(FWindow->Table())})
+        QTest::keyClick(view, Qt::Key_Return);
+    QTest::mouseDClick(FWindow->Tiles()->viewport(), Qt::LeftButton, {}, QPoint(60, 60));
+    EXPECT_EQ(FWindow->Bars()->Count(), 0);
+    EXPECT_TRUE(FPrompt.Questions.isEmpty());
+    for (const TRibbonButton* button : FWindow->findChildren<TRibbonButton*>())
+        if (button->isVisible() && button->menu() && !button->defaultAction() && button->menu()->isEmpty()) {
+            Q_EMIT button->menu()->aboutToShow();
+            EXPECT_FALSE(button->menu()->isEmpty()) << button->text().toStdString();
+        }
+}
+
+TEST_F(MainWindow, AnEmptyCollectionOffersOnlyTheWaysThereAre)
+{
+    Open(0);
+    const QList<TCardButton*> cards = FWindow->EmptyPage()->findChildren<TCardButton*>();
+    ASSERT_EQ(cards.size(), 1);
+    EXPECT_EQ(cards[0]->text(), u"Add a music folder"_s);
+    EXPECT_TRUE(cards[0]->isEnabled());
+}
+
+TEST_F(MainWindow, RecentFilesThatAreGoneAreMarked)
+{
+    const QString there = FDir.File(u"there.db"_s);
+    FData.CreateNewDB(there, FData.GetNewDatabaseSQL());
+    Defaults().DBPath = FDir.File(u"gone.db"_s);
+    Defaults().RecentDBs = {there, FDir.File(u"gone.db"_s)};
+    Show();
+    QStringList names;
+    for (const QAbstractButton* button : FWindow->EmptyPage()->findChildren<QAbstractButton*>())
+        names << button->accessibleName();
+    const auto named = [&](const QString& file) { return names.filter(file).value(0); };
+    EXPECT_FALSE(named(u"there.db"_s).contains(u"not found"_s));
+    EXPECT_TRUE(named(u"gone.db"_s).contains(u"not found"_s)) << names.join(u'\n').toStdString();
+    Q_EMIT FWindow->EmptyPage()->recentChosen(there);
+    EXPECT_TRUE(FData.HasData());
+}
+
 TEST_F(MainWindow, ClosingKeepsSizeAndView)
 {
     Open(5);
