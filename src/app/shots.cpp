@@ -21,18 +21,30 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int QuietTime = 600;     // milliseconds in which nothing changes any more
+constexpr int LongestWait = 20000; // milliseconds
+
 // Serves the event loop until the window has nothing more to do by itself (covers that come late, the detail pane).
-void Settle(int milliseconds)
+QImage SettledPicture(QWidget& window)
 {
     QElapsedTimer clock;
     clock.start();
-    while (clock.elapsed() < milliseconds)
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+    qint64 changed = 0;
+    QImage last;
+    while (clock.elapsed() - changed < QuietTime && clock.elapsed() < LongestWait) {
+        for (const qint64 until = clock.elapsed() + 100; clock.elapsed() < until;)
+            QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents, 20);
+        if (const QImage now = window.grab().toImage(); now != last) {
+            last = now;
+            changed = clock.elapsed();
+        }
+    }
+    return last;
 }
 
-bool Save(QWidget& window, const QString& path)
+bool Save(const QImage& picture, const QString& path)
 {
-    const bool saved = window.grab().save(path);
+    const bool saved = picture.save(path);
     std::printf("%s %s\n", saved ? "wrote" : "cannot write", qUtf8Printable(path));
     return saved;
 }
@@ -69,8 +81,7 @@ int main(int argc, char** argv)
     bool saved = QDir().mkpath(arguments[2]);
     for (const auto& [view, name] : views) {
         form.SetCurrentView(view);
-        Settle(600);
-        saved = Save(window, QDir(arguments[2]).filePath(u"%1-%2.png"_s.arg(name, look))) && saved;
+        saved = Save(SettledPicture(window), QDir(arguments[2]).filePath(u"%1-%2.png"_s.arg(name, look))) && saved;
     }
     return saved ? 0 : 1;
 }

@@ -273,7 +273,7 @@ void LoadSettings()
     QImageReader::setAllocationLimit(LargestPicture);
     const TOEMInfo oem = LoadOEMInfo(OEMInfoPath());
     const QDir configFolder(ConfigFolder(oem.Company, oem.Product));
-    ProcessStore() = std::make_unique<TTHIniSettings>(configFolder.filePath(oem.Product + u".ini"_s));
+    OpenSettingsStore(configFolder.filePath(oem.Product + u".ini"_s));
 
     TDefaults settings = ReadSettings(*ProcessStore());
     settings.OEM = oem;
@@ -302,6 +302,13 @@ bool SaveSettings()
 }
 
 TTHIniSettings& SettingsStore() { return *ProcessStore(); }
+
+bool HasSettingsStore() { return ProcessStore() != nullptr; }
+
+void OpenSettingsStore(const QString& path)
+{
+    ProcessStore() = path.isEmpty() ? nullptr : std::make_unique<TTHIniSettings>(path);
+}
 
 void SeedServiceDefinitions(const QString& templateFolder, const QString& userFolder)
 {

@@ -128,8 +128,13 @@ void LoadSettings();
 /// Writes all settings to the store of the process and the store to its file; false when the file was not written.
 bool SaveSettings();
 
-/// The store of the process; only between LoadSettings and the end.
+/// The store of the process; only where there is one.
 TTHIniSettings& SettingsStore();
+/// True from LoadSettings or OpenSettingsStore on.
+bool HasSettingsStore();
+/// Makes a file the store of the process, without reading the settings from it. An empty path leaves none; what was not
+/// written is forgotten.
+void OpenSettingsStore(const QString& path);
 
 /// Copies every file of the template folder to the user's folder when `infograbber.xml` is missing there.
 void SeedServiceDefinitions(const QString& templateFolder, const QString& userFolder);

@@ -6,6 +6,7 @@
 #include "uSQLite.h"
 
 #include <QObject>
+#include <QSet>
 #include <QString>
 #include <QTimer>
 
@@ -98,6 +99,12 @@ public:
     double SumTrackLengths(qint64 from, qint64 to, qint64& count);
     /// The highest ID of a track; 0 without tracks.
     qint64 LastTrackID();
+
+    /// The letters, in upper case, with which the stored names of a column of the main list begin. Quick for the
+    /// indexed columns Artist and ReleaseName: one seek per letter.
+    QSet<QString> FirstLetters(const QString& column);
+    /// The releases whose title, as DisplayText gives it, begins with a text, in no order.
+    std::vector<qint64> ReleasesByTitle(const QString& beginning);
 
     /// Called after qReleaseInfo has posted.
     std::function<void(TDataset&)> OnReleaseInfoAfterPost;

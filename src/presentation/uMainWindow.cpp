@@ -46,25 +46,6 @@ constexpr QSize FirstSize(1440, 900);
 constexpr QSize SmallestSize(800, 560);
 constexpr int FoldedUpTo = 1024; // a window this narrow starts with the ribbon folded
 
-// The columns of the table before the user chooses: presets may hide and show more.
-const QStringList FirstColumns = {u"No"_s,          u"ThumbPicture"_s, u"Artist"_s,      u"ReleaseName"_s,
-                                  u"ReleaseYear"_s, u"MediaType"_s,    u"Label"_s,       u"CatalogNO"_s,
-                                  u"CountryCode"_s, u"DiscCount"_s,    u"Rating_Calc"_s, u"Status"_s,
-                                  u"Genre"_s,       u"Location"_s};
-
-int FirstWidthOf(const QString& field)
-{
-    if (field == "Artist"_L1)
-        return 190;
-    if (field == "ReleaseName"_L1)
-        return 220;
-    if (field == "ThumbPicture"_L1)
-        return 36;
-    if (field == "No"_L1 || field == "DiscCount"_L1 || field == "CountryCode"_L1)
-        return 76;
-    return 112;
-}
-
 } // namespace
 
 TMainWindow::TMainWindow(TKRNMainForm& form, TThemeController& theme, bool debugMode) : FForm(form), FTheme(theme)
@@ -111,6 +92,7 @@ void TMainWindow::BuildParts()
     FSplitter->setChildrenCollapsible(false);
     FViewSide = new QWidget(FSplitter);
     FPane = new TDetailPane(FSplitter);
+    FPane->SetFolded(FForm.FoldedSections());
     FStatus = new TStatusLine(this);
     BuildViews();
     FPages->addWidget(FEmpty);
@@ -132,6 +114,9 @@ void TMainWindow::BuildViews()
     FTiles = new TTileView(FViews);
     FTable = new TAlbumTable(&FCovers, FViews);
     FNoHits = new TEmptyPage(FViews);
+    const TLocate locate = [this](const QString& text, int from) { return FForm.LocateTitle(text, from); };
+    FTiles->SetLocate(locate);
+    FTable->SetLocate(locate);
     FThumbsPainter.SetStep(FForm.ThumbSize());
     FTiles->SetPainter(&FThumbsPainter);
     FTiles->setModel(FModel);
@@ -152,20 +137,6 @@ void TMainWindow::BuildViews()
     column->setSpacing(0);
     column->addWidget(FLetters);
     column->addWidget(FViews, 1);
-}
-
-void TMainWindow::SetUpColumns()
-{
-    TTableHeader* header = FTable->Header();
-    for (int column = 0; column < FModel->columnCount(); ++column) {
-        const QString field = column == 0 ? u"ThumbPicture"_s : FModel->FieldOf(column);
-        FTable->setColumnHidden(column, !FirstColumns.contains(field));
-        header->resizeSection(column, FirstWidthOf(field));
-    }
-    int visual = 0;
-    for (const QString& field : FirstColumns)
-        if (const int column = FModel->ColumnOf(field); column >= 0)
-            header->moveSection(header->visualIndex(column), visual++);
 }
 
 void TMainWindow::BuildMenus()
@@ -218,6 +189,7 @@ void TMainWindow::ConnectForm()
     connect(&FForm, &TKRNMainForm::collectionOpened, this, &TMainWindow::ShowCollection);
     connect(&FForm, &TKRNMainForm::viewChanged, this, &TMainWindow::ShowView);
     connect(&FForm, &TKRNMainForm::filtersChanged, this, &TMainWindow::ShowFilters);
+    connect(&FForm, &TKRNMainForm::letterHitsChanged, this, [this] { FLetters->SetHits(FForm.LetterHits()); });
     connect(&FForm, &TKRNMainForm::sortChanged, this, &TMainWindow::ShowSort);
     connect(&FForm, &TKRNMainForm::figuresChanged, this, &TMainWindow::ShowFigures);
     connect(&FForm, &TKRNMainForm::detailChanged, this, &TMainWindow::ShowDetail);
@@ -225,7 +197,6 @@ void TMainWindow::ConnectForm()
     connect(&FForm, &TKRNMainForm::focusRequested, this, &TMainWindow::FocusRelease);
     connect(&FForm, &TKRNMainForm::addFilesStarted, this, &TMainWindow::OpenAddFiles);
     connect(&FForm, &TKRNMainForm::closeRequested, this, &QWidget::close);
-    connect(&FForm, &TKRNMainForm::searchFocusRequested, this, [this] { FRibbon->SearchBox()->FocusEditor(); });
     connect(&FForm, &TKRNMainForm::selectionRequested, this,
             [this](bool all) { all ? FTiles->selectAll() : FTiles->clearSelection(); });
     connect(&FForm, &TKRNMainForm::barRaised, this,
@@ -252,11 +223,8 @@ void TMainWindow::ConnectParts()
     });
     TSearchBox* search = FRibbon->SearchBox();
     connect(search, &TSearchBox::fieldChanged, &FForm, &TKRNMainForm::SetSearchBy);
-    connect(search, &TSearchBox::searchRequested, this, [this, search] {
-        FForm.SetSearchBy(search->CurrentField().Name);
-        FForm.SetSearchText(search->Text());
-        FForm.Actions().Trigger(u"actSearch"_s);
-    });
+    connect(search, &TSearchBox::textChanged, &FForm, &TKRNMainForm::SetSearchText);
+    connect(search, &TSearchBox::searchRequested, this, [this] { FForm.Actions().Trigger(u"actSearch"_s); });
     connect(search, &TSearchBox::cleared, this, [this] { FForm.RemoveFilter(fckKeyword); });
     connect(search, &TSearchBox::leaveRequested, this, [this] { CurrentViewWidget()->setFocus(); });
     TChipRow* chips = FFilters->Chips();
@@ -264,7 +232,7 @@ void TMainWindow::ConnectParts()
             [this](const QString& id) { FForm.RemoveFilter(static_cast<TFilterChipKind>(id.toInt())); });
     connect(chips, &TChipRow::editRequested, this, [this](const QString& id) {
         if (static_cast<TFilterChipKind>(id.toInt()) == fckKeyword)
-            FRibbon->SearchBox()->FocusEditor();
+            EditKeyword();
         else if (static_cast<TFilterChipKind>(id.toInt()) == fckLetter)
             FLetters->setFocus();
         else
@@ -300,6 +268,15 @@ void TMainWindow::ConnectParts()
                 [this, view](const QPoint& at) { OpenContextMenu(view->viewport()->mapToGlobal(at)); });
         connect(view, &QAbstractItemView::activated, this, [this] { FForm.Actions().Trigger(u"actEditItem"_s); });
     }
+}
+
+void TMainWindow::EditKeyword()
+{
+    TSearchBox* search = FRibbon->SearchBox();
+    const auto [field, text] = FForm.Keyword();
+    search->SetCurrentField(field);
+    search->SetText(text);
+    search->FocusEditor();
 }
 
 void TMainWindow::ShowRestored()

@@ -92,11 +92,14 @@ private:
     void RestoreCurrent();
     void ReportSelection();
     void SetUpColumns();
+    void RestoreColumns(const std::vector<TColumnState>& columns);
+    void KeepColumns();
     void SizePane();
     void FitSmallWindow();
     void KeepGeometry();
     void OpenContextMenu(const QPoint& globalPosition);
     void OpenAddFiles();
+    void EditKeyword();
     void MoveArea(int direction);
     QWidget* CurrentViewWidget() const;
 

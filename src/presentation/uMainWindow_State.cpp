@@ -229,6 +229,7 @@ void TMainWindow::FitSmallWindow()
 void TMainWindow::FillFileMenu()
 {
     FFileMenu->clear();
+    qDeleteAll(FFileMenu->findChildren<QMenu*>(Qt::FindDirectChildrenOnly));
     FActions->Fill(*FFileMenu, {u"actNewDatabase"_s, u"actOpenDatabase"_s});
     QMenu* recent = FFileMenu->addMenu(GetLanguageString(u"cSGuiRecent"_s));
     for (const QString& path : FForm.RecentDBs())
@@ -242,6 +243,7 @@ void TMainWindow::FillFileMenu()
 void TMainWindow::FillMainMenu()
 {
     FMainMenu->clear();
+    qDeleteAll(FMainMenu->findChildren<QMenu*>(Qt::FindDirectChildrenOnly));
     FillFileMenu();
     QMenu* file = FMainMenu->addMenu(GetLanguageString(u"cSGuiFile"_s));
     file->addActions(FFileMenu->actions());
@@ -256,6 +258,8 @@ void TMainWindow::FillMainMenu()
         FActions->Fill(*menu, names);
         if (!menu->isEmpty())
             FMainMenu->addMenu(menu);
+        else
+            delete menu;
     }
 }
 
@@ -403,6 +407,8 @@ void TMainWindow::showEvent(QShowEvent* event)
 void TMainWindow::closeEvent(QCloseEvent* event)
 {
     KeepGeometry();
+    KeepColumns();
+    FForm.SetFoldedSections(FPane->Folded());
     FForm.FormClose();
     event->accept();
 }

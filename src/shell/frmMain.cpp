@@ -17,6 +17,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+const QString AlbumLayoutKey = u"AlbumView.Layout"_s;
+const QString FoldedKey = u"VG.Folded"_s;
 constexpr int DetailDelay = 150;    // milliseconds, so that a fast walk through the list reads no pictures
 constexpr qint64 CountStep = 50000; // tracks per turn of the event loop
 
@@ -29,6 +31,9 @@ TKRNMainForm::TKRNMainForm(TDataModuleMain& data, TPrompt& prompt) : FData(data)
     connect(&FDetailTimer, &QTimer::timeout, this, &TKRNMainForm::RefreshDetail);
     FCountTimer.setInterval(0);
     connect(&FCountTimer, &QTimer::timeout, this, &TKRNMainForm::CountTracks);
+    FLetterTimer.setSingleShot(true);
+    FLetterTimer.setInterval(0);
+    connect(&FLetterTimer, &QTimer::timeout, this, &TKRNMainForm::FindLetterHits);
     FActions.OnFailure = [this](const QString& sentence) { Q_EMIT barRaised(bkError, sentence, {}); };
     BindActions();
 }
@@ -40,7 +45,7 @@ void TKRNMainForm::FormCreate(const std::function<void()>& createDebugWindow)
     FDebugMode = static_cast<bool>(createDebugWindow);
     if (FDebugMode)
         createDebugWindow();
-    SetSplashText(GetLanguageString(u"cSSplashLoadingSettings"_s));
+    LoadSettings();
     if (!Defaults().BrokenSettingsFile.isEmpty()) {
         const QString file = QFileInfo(Defaults().BrokenSettingsFile).fileName();
         FPrompt.ShowError(GetLanguageString(u"cSSettingsFileBroken"_s).replace(u"%s"_s, file));
@@ -70,9 +75,47 @@ void TKRNMainForm::WMAfterFormShow()
     if (const qint64 id = FData.qReleasesMain.CurrentKey(); id != 0)
         Q_EMIT focusRequested(id);
     StartCounting();
+    FLetterTimer.start();
 }
 
-void TKRNMainForm::FormClose() { Defaults().CurrentView = static_cast<int>(FView); }
+void TKRNMainForm::FormClose()
+{
+    Defaults().CurrentView = static_cast<int>(FView);
+    SaveSettings();
+}
+
+void TKRNMainForm::LoadSettings()
+{
+    SetSplashText(GetLanguageString(u"cSSplashLoadingSettings"_s));
+    if (!HasSettingsStore())
+        return;
+    FFolded = FoldedFromText(SettingsStore().ReadString(FoldedKey, {}));
+    FAlbumLayout = LayoutFromText(SettingsStore().ReadString(AlbumLayoutKey, {}));
+    if (!FAlbumLayout)
+        return;
+    std::erase_if(FAlbumLayout->Sort,
+                  [this](const TSortItem& item) { return FData.qReleasesMain.FieldIndex(item.Column) < 0; });
+    // The collection that is opened next is read in this order.
+    FData.qReleasesMain.SetSort(FAlbumLayout->Sort);
+}
+
+void TKRNMainForm::SaveSettings()
+{
+    if (!HasSettingsStore())
+        return;
+    SettingsStore().WriteString(FoldedKey, {}, FoldedToText(FFolded));
+    if (!FAlbumLayout)
+        return;
+    FAlbumLayout->Sort = FData.qReleasesMain.Sort();
+    SettingsStore().WriteString(AlbumLayoutKey, {}, LayoutToText(*FAlbumLayout));
+}
+
+void TKRNMainForm::SetAlbumColumns(std::vector<TColumnState> columns)
+{
+    if (!FAlbumLayout)
+        FAlbumLayout.emplace();
+    FAlbumLayout->Columns = std::move(columns);
+}
 
 void TKRNMainForm::SetCurrentView(TMainView view)
 {
@@ -243,6 +286,9 @@ void TKRNMainForm::RemoveSelected()
 void TKRNMainForm::CountReleases()
 {
     FTotal = FData.HasData() ? static_cast<int>(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2"_s)) : 0;
+    // The first time waits until the window is on the screen.
+    if (FFormShown)
+        FLetterTimer.start();
 }
 
 void TKRNMainForm::StartCounting()

@@ -5,6 +5,7 @@
 #include "uActions.h"
 #include "uDetailView.h"
 #include "uSearch.h"
+#include "uViewLayout.h"
 
 #include <QObject>
 #include <QRect>
@@ -12,6 +13,7 @@
 #include <QTimer>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace Kestrune {
@@ -96,17 +98,25 @@ public:
     void SetSearchBy(const QString& column);
     /// What stands in the search box; actSearch searches for it.
     void SetSearchText(const QString& text) { FSearchText = text; }
+    /// Column and text of the keyword filter; empty without one.
+    std::pair<QString, QString> Keyword() const { return {FKeywordColumn, FKeywordText}; }
     /// One letter filters by it, any longer caption removes the letter.
     void LetterClick(const QString& caption);
     QString Letter() const { return FLetter; }
     /// 0 artist, 1 release name.
     void SetLetterField(int index);
     int LetterField() const { return FLetterField; }
+    /// Letters with which some stored name of the letter field begins; empty until letterHitsChanged has told.
+    const QSet<QString>& LetterHits() const { return FLetterHits; }
     QStringList StatusItems() const;
     void FilterStatus(const QString& status);
     QString StatusFilter() const { return FStatus; }
     std::vector<TFilterChip> FilterChips() const;
     void RemoveFilter(TFilterChipKind kind);
+
+    /// The row whose title, as shown, begins with a text: the next one from a row on and round, in the order of the
+    /// list; -1 for none.
+    int LocateTitle(const QString& text, int fromRow);
 
     /// A click on a column heading: sorts by it, or turns its order; `add` keeps the columns sorted by before.
     void SortBy(const QString& column, bool add);
@@ -128,10 +138,19 @@ public:
     void SetFrameSize(int width, int height);
     QRect RestoredGeometry() const;
     bool StartsMaximized() const;
+    /// The layout of the album table that the settings kept; nothing before there was one. Its sort is in force
+    /// already.
+    const std::optional<TTableLayout>& AlbumLayout() const { return FAlbumLayout; }
+    /// The columns as they are now; the sort is added by FormClose.
+    void SetAlbumColumns(std::vector<TColumnState> columns);
+    /// Ids of the folded sections of the detail pane.
+    QStringList FoldedSections() const { return FFolded; }
+    void SetFoldedSections(const QStringList& ids) { FFolded = ids; }
 
 Q_SIGNALS:
     void viewChanged();
     void filtersChanged();
+    void letterHitsChanged();
     void sortChanged();
     void detailChanged();
     void figuresChanged();
@@ -140,7 +159,6 @@ Q_SIGNALS:
     /// Bring this release into sight and focus it.
     void focusRequested(qint64 id);
     void selectionRequested(bool all);
-    void searchFocusRequested();
     void addFilesStarted();
     void addFilesFinished();
     void closeRequested();
@@ -162,10 +180,13 @@ private:
     void Search();
     void RefreshDetail();
     void RefreshFocusedRow(TDataset& releaseInfo);
+    void FindLetterHits();
     void CountReleases();
     void StartCounting();
     void CountTracks();
     std::vector<qint64> SelectedOrFocused() const;
+    void LoadSettings();
+    void SaveSettings();
 
     TDataModuleMain& FData;
     TPrompt& FPrompt;
@@ -179,10 +200,15 @@ private:
     TFilterGroup::TId FStatusFilter = 0;
     TFilterGroup::TId FQuickFilter = 0;
     TFilterGroup::TId FKeywordFilter = 0;
-    QString FStatus, FLetter, FKeyword, FKeywordText;
+    QString FStatus, FLetter, FKeyword, FKeywordColumn, FKeywordText;
     int FLetterField = 0;
+    QSet<QString> FLetterHits;
+    QTimer FLetterTimer;
     QString FSearchBy;
     QString FSearchText;
+
+    std::optional<TTableLayout> FAlbumLayout;
+    QStringList FFolded;
 
     qint64 FFocused = 0;
     std::vector<qint64> FSelection;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frmMain.h"
+#include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uTHStrings.h"
 
@@ -22,6 +23,7 @@ void TKRNMainForm::Search()
     if (field == fields.end())
         field = fields.begin();
     FKeyword = field->Caption;
+    FKeywordColumn = field->Column;
     FKeywordText = FSearchText;
     FKeywordFilter = list.Filter().Add(SearchCriterion(*field, FSearchText));
     ApplyFilters();
@@ -43,10 +45,22 @@ void TKRNMainForm::LetterClick(const QString& caption)
 void TKRNMainForm::SetLetterField(int index)
 {
     FLetterField = index;
+    FLetterTimer.start();
     if (const QString letter = FLetter; !letter.isEmpty())
         LetterClick(letter);
     else
         Q_EMIT filtersChanged();
+}
+
+void TKRNMainForm::FindLetterHits()
+{
+    try {
+        FLetterHits = FData.FirstLetters(FLetterField == 0 ? u"Artist"_s : u"ReleaseName"_s);
+    } catch (const EDatabaseError& failure) {
+        DebugLog(u"[Letters] %1"_s.arg(failure.Text()));
+        return;
+    }
+    Q_EMIT letterHitsChanged();
 }
 
 QStringList TKRNMainForm::StatusItems() const { return Defaults().Statuses.Items(); }
@@ -108,6 +122,27 @@ void TKRNMainForm::ApplyFilters()
     Q_EMIT filtersChanged();
     Q_EMIT figuresChanged();
     FActions.Update();
+}
+
+int TKRNMainForm::LocateTitle(const QString& text, int fromRow)
+{
+    const TListDataset& list = FData.qReleasesMain;
+    const int count = list.RecordCount();
+    int best = -1;
+    int nearest = count;
+    try {
+        for (const qint64 id : FData.ReleasesByTitle(text)) {
+            const int row = list.RowOfKey(id);
+            const int steps = row < 0 ? count : (row - fromRow % count + count) % count;
+            if (steps < nearest) {
+                nearest = steps;
+                best = row;
+            }
+        }
+    } catch (const EDatabaseError& failure) {
+        DebugLog(u"[Locate] %1"_s.arg(failure.Text()));
+    }
+    return best;
 }
 
 void TKRNMainForm::SortBy(const QString& column, bool add)

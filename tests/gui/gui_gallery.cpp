@@ -130,7 +130,7 @@ public:
             filters->Chips()->SetChips(
                 {{u"1"_s, u"Date added"_s, u"last 5 years"_s}, {u"2"_s, u"Rating"_s, u"2.5 or more"_s}});
             auto* letters = new TLetterBar(&window);
-            letters->SetHits({u"A"_s, u"B"_s, u"C"_s, u"#"_s, u"D"_s, u"E"_s});
+            letters->SetHits({u"A"_s, u"B"_s, u"C"_s, u"D"_s, u"E"_s});
             column->addWidget(letters);
             view = new TTileView(&window);
             view->SetPainter(&painter);

@@ -187,7 +187,6 @@ QVariant TSampleModel::data(const QModelIndex& index, int role) const
     case rrOverdue: return release.Overdue;
     case rrCountry: return QString::fromUtf16(release.Country);
     case rrLastModified: return u"2026-01-01 10:00:00"_s;
-    case rrHasThumb: return release.Art >= 0;
     case rrThumbBytes: ++ThumbReads; return release.Art < 0 ? QByteArray() : SampleCover(release.Art, 250);
     default: return {};
     }

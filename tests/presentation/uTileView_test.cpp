@@ -187,6 +187,7 @@ TEST(TileView, OnlyPaintedRowsCostThumbnails)
     const auto [first, last] = stage.View.VisibleRows();
     EXPECT_LE(stage.Covers.DecodeCount(), last - first + 1);
     const int reads = stage.Model.ThumbReads;
+    EXPECT_EQ(reads, stage.Covers.DecodeCount()) << "one read for each cover";
     EXPECT_GT(reads, 0);
     stage.View.grab();
     EXPECT_EQ(stage.Model.ThumbReads, reads) << "painted covers come from the cache";

@@ -5,6 +5,7 @@
 #include "uScriptedPrompt.h"
 #include "uStartup.h"
 #include "uTestFiles.h"
+#include "uViewLayout.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -71,6 +72,50 @@ protected:
 };
 
 } // namespace
+
+TEST_F(MainForm, TitlesAreLocatedAsShownFromARowOnAndRound)
+{
+    OpenFilled(); // Help, Arrival, Lexicon, 100% Zappa
+    TAlbumRelease wall;
+    wall.SetItem2(u"ReleaseName"_s, u"The Wall"_s);
+    FData.AddAlbumReleaseToDB(wall, true);
+    const std::tuple<QString, int, int> cases[] = {{u"l"_s, 0, 2},     {u"LEX"_s, 3, 2},  {u"100%"_s, 0, 3},
+                                                   {u"10_"_s, 0, -1},  {u"x"_s, 0, -1},   {u"wall"_s, 0, -1},
+                                                   {u"the w"_s, 9, 4}, {QString(), 0, -1}};
+    for (const auto& [text, from, row] : cases) {
+        SCOPED_TRACE(text.toStdString());
+        EXPECT_EQ(FForm.LocateTitle(text, from), row);
+    }
+    Defaults().ArticlesEnabled = Defaults().ArticlesFieldReleaseName = true;
+    Defaults().ArticlesDisplayMode = 2;
+    EXPECT_EQ(FForm.LocateTitle(u"wall, th"_s, 0), 4) << "shown as \"Wall, The\"";
+    EXPECT_EQ(FForm.LocateTitle(u"the w"_s, 0), -1);
+    Defaults().ArticlesDisplayMode = 1;
+    EXPECT_EQ(FForm.LocateTitle(u"the w"_s, 0), 4);
+    FForm.SortBy(u"ReleaseName"_s, false);
+    EXPECT_EQ(FForm.LocateTitle(u"h"_s, 0), FData.qReleasesMain.RowOfKey(1));
+    FForm.LetterClick(u"A"_s);
+    EXPECT_EQ(FForm.LocateTitle(u"h"_s, 0), -1) << "filtered out";
+}
+
+TEST(ViewLayout, ComesBackFromItsTextAndNothingElseDoes)
+{
+    const TTableLayout layout{{{u"Artist"_s, 0, false}, {u"No"_s, 52, false}, {u"Genre"_s, 0, true}},
+                              {{u"Artist"_s, false}, {u"ReleaseYear"_s, true}}};
+    const QString text = LayoutToText(layout);
+    EXPECT_EQ(text, u"v1|Artist:0,No:52,-Genre:0|Artist,-ReleaseYear"_s);
+    ASSERT_TRUE(LayoutFromText(text));
+    EXPECT_TRUE(*LayoutFromText(text) == layout);
+    for (const QString& bad : {QString(), u"v2|Artist:0|"_s, u"v1|Artist:0"_s, u"v1||"_s, u"v1|Artist|"_s,
+                               u"v1|Artist:x|"_s, u"v1|Artist:5|"_s, u"v1|Artist:-40|"_s, u"v1|Artist:99999999999|"_s,
+                               u"v1|Artist:40,artist:40|"_s, u"v1|-Artist:40|"_s, u"v1|A b:40|"_s, u"v1|:40|"_s,
+                               u"v1|Artist:0|x;y"_s, u"v1|Artist:0|No,No"_s, u"\u0000\u00ff"_s, QString(1000000, u'|')})
+        EXPECT_FALSE(LayoutFromText(bad)) << bad.left(60).toStdString();
+    EXPECT_EQ(FoldedFromText(FoldedToText({u"tracks"_s, u"General"_s})), (QStringList{u"General"_s, u"tracks"_s}));
+    EXPECT_TRUE(FoldedFromText(FoldedToText({})).isEmpty());
+    for (const QString& bad : {QString(), u"General"_s, u"v9|General"_s, u"v1|a b"_s, u"v1|a|b"_s})
+        EXPECT_TRUE(FoldedFromText(bad).isEmpty()) << bad.toStdString();
+}
 
 TEST(Startup, OnlyTheFirstArgumentAsksForDebugMode)
 {

@@ -19,8 +19,7 @@ enum TReleaseRole : int {
     rrOverdue,               ///< bool, a loan past its due date
     rrCountry,               ///< QString, two-letter code
     rrLastModified,          ///< anything with a text form that changes whenever the row was written
-    rrHasThumb,              ///< bool, a front thumbnail is stored
-    rrThumbBytes             ///< QByteArray, the encoded thumbnail; asked for only when it is painted
+    rrThumbBytes             ///< QByteArray, the encoded front thumbnail or nothing; read only when it is painted
 };
 
 /// What a cell of a table shows when it is more than text. Answered per column.

@@ -124,8 +124,6 @@ QVariant TReleasesModel::RoleData(int row, int role) const
     case rrOverdue: return FLoans.value(id).Overdue;
     case rrCountry: return VarToStr(Value(row, u"CountryCode"_s));
     case rrLastModified: return VarToStr(Value(row, u"LastModified"_s));
-    case rrHasThumb:
-        return !FData.qReleasesMain.ReadBlob(row, FData.qReleasesMain.FieldIndex(u"ThumbPicture"_s)).isEmpty();
     case rrThumbBytes: return FData.qReleasesMain.ReadBlob(row, FData.qReleasesMain.FieldIndex(u"ThumbPicture"_s));
     default: return {};
     }
@@ -195,7 +193,13 @@ QVariant TReleasesModel::headerData(int section, Qt::Orientation orientation, in
         return {};
     if (section == 0)
         return QString();
-    return ColumnLabel(FData.qReleasesMain.Fields()[static_cast<size_t>(FFields[section - 1])], Defaults(), false);
+    const TFieldDef& field = FData.qReleasesMain.Fields()[static_cast<size_t>(FFields[section - 1])];
+    // A table has less room than a form.
+    if (field.Name == "ReleaseYear"_L1)
+        return GetLanguageString(u"cSGuiHeadingYear"_s);
+    if (field.Name == "DiscCount"_L1)
+        return GetLanguageString(u"cSGuiHeadingDiscs"_s);
+    return ColumnLabel(field, Defaults(), false);
 }
 
 } // namespace Kestrune

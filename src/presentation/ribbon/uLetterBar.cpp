@@ -86,7 +86,7 @@ TLetterBar::TLetterBar(QWidget* parent)
     FFieldButton->setMenu(menu);
     connect(FFieldSegments, &TSegments::chosen, this, &TLetterBar::ChooseField);
     setFixedHeight(RowHeight(30, ThemeFont(fsBody), 10));
-    QStringList letters = {u"#"_s};
+    QStringList letters;
     for (char16_t c = u'A'; c <= u'Z'; ++c)
         letters << QString(QChar(c));
     SetLetters(letters);
@@ -115,11 +115,24 @@ void TLetterBar::SetHits(const QSet<QString>& letters)
     }
 }
 
+QSet<QString> TLetterBar::Hits() const
+{
+    QSet<QString> letters;
+    for (const TLetterCell* cell : FCells)
+        if (cell->HasHits && !cell->Letter.isEmpty())
+            letters.insert(cell->Letter);
+    return letters;
+}
+
 void TLetterBar::SetCurrent(const QString& letter)
 {
     FCurrent = letter;
     for (TLetterCell* cell : std::as_const(FCells))
         cell->setChecked(cell->Letter == letter);
+    // The keyboard comes to the letter that holds.
+    for (TLetterCell* cell : std::as_const(FCells))
+        if (cell->isChecked())
+            setFocusProxy(cell);
 }
 
 void TLetterBar::Choose(const QString& letter)

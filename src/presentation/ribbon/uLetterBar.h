@@ -17,10 +17,12 @@ class TLetterBar : public QWidget {
 public:
     explicit TLetterBar(QWidget* parent = nullptr);
 
-    /// The letters in their order; "#" and A to Z at first. All comes before them.
+    /// The letters in their order; A to Z at first. All comes before them.
     void SetLetters(const QStringList& letters);
     /// Letters that some release begins with: the others look empty but work all the same.
     void SetHits(const QSet<QString>& letters);
+    /// Those of the letters shown that have hits.
+    QSet<QString> Hits() const;
     /// The letter that holds; empty is All.
     void SetCurrent(const QString& letter);
     const QString& Current() const { return FCurrent; }

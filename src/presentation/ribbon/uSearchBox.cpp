@@ -31,10 +31,7 @@ TSearchBox::TSearchBox(QWidget* parent)
     FChooser->setMenu(new QMenu(FChooser));
     FChooser->setAccessibleName(GetLanguageString(u"cSGuiSearchField"_s));
     FEdit->setFrame(false);
-    FEdit->setPlaceholderText(GetLanguageString(u"cSGuiSearchHint"_s));
-    FEdit->setAccessibleName(GetLanguageString(u"cSGuiSearchHint"_s));
     FList->setFrame(false);
-    FList->setAccessibleName(GetLanguageString(u"cSGuiSearchHint"_s));
     FClear->SetIconName(u"x"_s);
     FClear->setText(GetLanguageString(u"cSGuiClear"_s));
     FClear->setAccessibleName(GetLanguageString(u"cSGuiClear"_s));
@@ -42,7 +39,8 @@ TSearchBox::TSearchBox(QWidget* parent)
     for (QWidget* editor : {static_cast<QWidget*>(FEdit), static_cast<QWidget*>(FList)})
         editor->installEventFilter(this);
     connect(FEdit, &QLineEdit::returnPressed, this, &TSearchBox::searchRequested);
-    connect(FEdit, &QLineEdit::textChanged, this, [this] { FClear->setVisible(!Text().isEmpty()); });
+    connect(FEdit, &QLineEdit::textChanged, this, &TSearchBox::FollowText);
+    connect(FList, &QComboBox::currentIndexChanged, this, &TSearchBox::FollowText);
     connect(FList, &QComboBox::activated, this, &TSearchBox::searchRequested);
     connect(FClear, &QToolButton::clicked, this, &TSearchBox::Clear);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -85,11 +83,22 @@ void TSearchBox::ShowField(std::size_t number)
     FList->setCurrentIndex(-1);
     FEdit->setVisible(!EditsList());
     FList->setVisible(EditsList());
-    FClear->setVisible(!Text().isEmpty());
-    PlaceChildren();
+    const QString hint = field.Caption.isEmpty() ? QString() : GetLanguageString(u"cSGuiSearchIn"_s).arg(field.Caption);
+    FEdit->setPlaceholderText(hint);
+    FList->setPlaceholderText(hint);
+    FEdit->setAccessibleName(hint);
+    FList->setAccessibleName(hint);
+    FollowText();
     update();
     if (changed)
         Q_EMIT fieldChanged(field.Name);
+}
+
+void TSearchBox::FollowText()
+{
+    FClear->setVisible(!Text().isEmpty());
+    PlaceChildren();
+    Q_EMIT textChanged(Text());
 }
 
 QString TSearchBox::Text() const { return EditsList() ? FList->currentText() : FEdit->text(); }
@@ -131,7 +140,7 @@ void TSearchBox::PlaceChildren()
     };
     place(FChooser, 1, chooser);
     place(FEdit, chooser + 32, width() - chooser - 32 - clear - 2);
-    place(FList, chooser + 26, width() - chooser - 28);
+    place(FList, chooser + 26, width() - chooser - 26 - clear - 2);
     place(FClear, width() - 27, 25);
 }
 

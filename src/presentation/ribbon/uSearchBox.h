@@ -40,6 +40,7 @@ public:
 
 Q_SIGNALS:
     void searchRequested();
+    void textChanged(const QString& text);
     void cleared();
     void fieldChanged(const QString& name);
     void leaveRequested(); ///< Esc: back to the view
@@ -51,6 +52,7 @@ protected:
 
 private:
     void ShowField(std::size_t number);
+    void FollowText();
     void Clear();
     void PlaceChildren();
 

@@ -308,6 +308,7 @@ void TThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
         if (Has(option, State_KeyboardFocusChange))
             DrawFocusRing(*painter, option->rect, RadiusCover, FTheme);
         return;
+    case PE_PanelScrollAreaCorner: painter->fillRect(option->rect, FTheme.View); return;
     case PE_PanelMenu: painter->fillRect(option->rect, FTheme.Raised); return;
     case PE_FrameMenu: return StrokeRounded(*painter, option->rect, RadiusPopup, FTheme.Line, 1);
     case PE_PanelTipLabel: painter->fillRect(option->rect, FTheme.Text); return;

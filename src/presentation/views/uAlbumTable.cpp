@@ -57,6 +57,11 @@ QSize TTableHeader::sectionSizeFromContents(int logicalIndex) const
             sizeHint().height()};
 }
 
+int TTableHeader::CaptionWidth(int logicalIndex) const
+{
+    return sectionSizeFromContents(logicalIndex).width() - SortMarkWidth + 2;
+}
+
 void TTableHeader::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const
 {
     const TTheme& theme = CurrentTheme();
@@ -107,6 +112,7 @@ TAlbumTable::TAlbumTable(TCoverCache* covers, QWidget* parent)
         const auto keys = QApplication::keyboardModifiers();
         Q_EMIT sortRequested(column, (keys & (Qt::ControlModifier | Qt::ShiftModifier)) != 0);
     });
+    connect(FHeader, &QHeaderView::sectionResized, this, &TAlbumTable::SectionResized);
 }
 
 void TAlbumTable::setModel(QAbstractItemModel* model)
@@ -117,6 +123,69 @@ void TAlbumTable::setModel(QAbstractItemModel* model)
     for (int column = 0; column < model->columnCount(); ++column)
         if (CellKindOf(*model, column) == ckCover)
             FHeader->resizeSection(column, FDelegate->RowHeightInDip() + 8);
+}
+
+void TAlbumTable::SetSortMarks(std::vector<TSortMark> marks)
+{
+    FSharing = true;
+    for (const TSortMark& mark : marks)
+        if (const int needed = FHeader->sectionSizeFromContents(mark.Column).width();
+            !isColumnHidden(mark.Column) && FHeader->sectionSize(mark.Column) < needed)
+            FHeader->resizeSection(mark.Column, needed);
+    FSharing = false;
+    FHeader->SetSortMarks(std::move(marks));
+    Share();
+}
+
+void TAlbumTable::ShareWidth(const std::vector<int>& columns)
+{
+    FShared.clear();
+    for (const int column : columns)
+        FShared.push_back({column, FHeader->sectionSize(column)});
+    Share();
+}
+
+bool TAlbumTable::SharesWidth(int column) const
+{
+    return std::ranges::find(FShared, column, &TShared::Column) != FShared.end();
+}
+
+void TAlbumTable::Share()
+{
+    if (FShared.empty() || FSharing)
+        return;
+    const auto widthOf = [this](int column) {
+        const auto shared = std::ranges::find(FShared, column, &TShared::Column);
+        if (shared != FShared.end())
+            return shared->Least;
+        // The last one grows by itself: what it has is not what it needs.
+        const bool last = FHeader->stretchLastSection() && FHeader->visualIndex(column) == FHeader->count() - 1;
+        return last ? FHeader->CaptionWidth(column) : FHeader->sectionSize(column);
+    };
+    int used = 0;
+    for (int visual = 0; visual < FHeader->count(); ++visual) {
+        const int column = FHeader->logicalIndex(visual);
+        if (isColumnHidden(column))
+            continue;
+        if (used + widthOf(column) > viewport()->width())
+            break;
+        used += widthOf(column);
+    }
+    const int spare = std::max(0, viewport()->width() - used);
+    const int parts = static_cast<int>(FShared.size());
+    FSharing = true;
+    for (int i = 0; i < parts; ++i)
+        FHeader->resizeSection(FShared[static_cast<size_t>(i)].Column,
+                               FShared[static_cast<size_t>(i)].Least + spare * (i + 1) / parts - spare * i / parts);
+    FSharing = false;
+}
+
+void TAlbumTable::SectionResized(int column)
+{
+    // Only the user's hand on the edge of a heading ends the sharing; the last column follows the window.
+    const bool byHand = QApplication::mouseButtons().testFlag(Qt::LeftButton) && !FSharing;
+    if (byHand && FHeader->visualIndex(column) != FHeader->count() - 1)
+        StopSharing();
 }
 
 void TAlbumTable::SetRowSize(TRowSize size)
@@ -145,6 +214,7 @@ int TAlbumTable::sizeHintForColumn(int column) const
 
 void TAlbumTable::ApplyBestFit()
 {
+    StopSharing();
     for (int column = 0; model() && column < model()->columnCount(); ++column)
         if (!isColumnHidden(column))
             resizeColumnToContents(column);
@@ -185,12 +255,26 @@ QModelIndex TAlbumTable::moveCursor(CursorAction action, Qt::KeyboardModifiers m
     return QTreeView::moveCursor(action, modifiers);
 }
 
+void TAlbumTable::keyboardSearch(const QString& search)
+{
+    // The view's own search would read every row of the model.
+    const int row = FLocate ? FTyped.Add(search, currentIndex().row(), FLocate) : -1;
+    if (row >= 0 && row < model()->rowCount())
+        setCurrentIndex(model()->index(row, std::max(0, currentIndex().column())));
+}
+
 void TAlbumTable::paintEvent(QPaintEvent* event)
 {
     QPainter painter(viewport());
     painter.fillRect(event->rect(), CurrentTheme().View);
     painter.end();
     QTreeView::paintEvent(event);
+}
+
+void TAlbumTable::resizeEvent(QResizeEvent* event)
+{
+    QTreeView::resizeEvent(event);
+    Share();
 }
 
 bool TAlbumTable::viewportEvent(QEvent* event)

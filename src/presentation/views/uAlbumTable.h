@@ -2,6 +2,7 @@
 #pragma once
 
 #include "uCellDelegate.h"
+#include "uTypedLetters.h"
 
 #include <QHeaderView>
 #include <QTreeView>
@@ -28,8 +29,11 @@ public:
     void SetSortMarks(std::vector<TSortMark> marks);
     const std::vector<TSortMark>& SortMarks() const { return FMarks; }
     QSize sizeHint() const override;
+    /// The width that shows the whole heading, without an arrow.
+    int CaptionWidth(int logicalIndex) const;
 
 protected:
+    friend class TAlbumTable;
     void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
     QSize sectionSizeFromContents(int logicalIndex) const override;
 
@@ -47,8 +51,17 @@ public:
 
     void setModel(QAbstractItemModel* model) override;
     void SetRowSize(TRowSize size);
-    void SetSortMarks(std::vector<TSortMark> marks) { FHeader->SetSortMarks(std::move(marks)); }
+    /// Shows the sort order; a column that is too narrow for its arrow becomes wider.
+    void SetSortMarks(std::vector<TSortMark> marks);
+    /// Until the user sets a width, these columns share the room that the other ones in sight leave, and none gets less
+    /// than now. Columns that do not fit at all follow behind the right edge.
+    void ShareWidth(const std::vector<int>& columns);
+    bool SharesWidth(int column) const;
+    void StopSharing() { FShared.clear(); }
     TTableHeader* Header() { return FHeader; }
+    /// Finds the row for typed letters; without it the view does nothing with them.
+    void SetLocate(TLocate locate) { FLocate = std::move(locate); }
+    void keyboardSearch(const QString& search) override;
     /// Widths that fit the heading and the rows in sight.
     void ApplyBestFit();
 
@@ -60,15 +73,26 @@ protected:
     void drawRow(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     int sizeHintForColumn(int column) const override;
 
 private:
+    struct TShared {
+        int Column = 0;
+        int Least = 0;
+    };
     QModelIndex NeighbourColumn(int direction) const;
+    void Share();
+    void SectionResized(int column);
 
     TTableHeader* FHeader;
     TCellDelegate* FDelegate;
+    std::vector<TShared> FShared;
+    bool FSharing = false;
     QPersistentModelIndex FHovered;
+    TLocate FLocate;
+    TTypedLetters FTyped;
 };
 
 } // namespace Kestrune

@@ -38,8 +38,9 @@ QPixmap TCoverCache::Cover(const QModelIndex& index, int side, qreal ratio, bool
 QPixmap TCoverCache::Make(const QModelIndex& index, int side, qreal ratio)
 {
     ++FDecodeCount;
-    if (index.data(rrHasThumb).toBool()) {
-        const QImage picture = DecodeScaled(FSource.ThumbBytes(index), static_cast<int>(std::lround(side * ratio)));
+    // Asked for once: the answer is read from the file.
+    if (const QByteArray bytes = FSource.ThumbBytes(index); !bytes.isEmpty()) {
+        const QImage picture = DecodeScaled(bytes, static_cast<int>(std::lround(side * ratio)));
         if (!picture.isNull())
             return FinishCover(picture, ratio, CurrentTheme());
         DebugLog(u"[Views] thumbnail of release %1 is no picture"_s.arg(index.data(rrId).toLongLong()));

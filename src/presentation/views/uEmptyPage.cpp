@@ -33,7 +33,7 @@ class TRecentRow : public QAbstractButton {
 public:
     TRecentRow(TRecentFile file, QWidget* parent) : QAbstractButton(parent), FFile(std::move(file))
     {
-        setAccessibleName(FFile.Path + u", "_s + FFile.Note);
+        setAccessibleName(FFile.Note.isEmpty() ? FFile.Path : FFile.Path + u", "_s + FFile.Note);
         setFocusPolicy(Qt::StrongFocus);
         setAttribute(Qt::WA_Hover);
         setMinimumHeight(RowHeight(34, ThemeFont(fsBody), 12));

@@ -7,12 +7,10 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QDateTime>
 #include <QElapsedTimer>
 #include <QHoverEvent>
 #include <QPainter>
 #include <QScrollBar>
-#include <QStyleHints>
 #include <QTimer>
 
 #include <algorithm>

@@ -2,10 +2,9 @@
 #pragma once
 
 #include "uTileLayout.h"
+#include "uTypedLetters.h"
 
 #include <QAbstractItemView>
-
-#include <functional>
 
 namespace Kestrune {
 
@@ -24,9 +23,7 @@ public:
     void SetPainter(TTilePainter* painter);
     TTilePainter* Painter() const { return FPainter; }
 
-    /// Finds the row for letters typed by the user, from a row on and round; -1 for none. Without it the titles of the
-    /// model are searched.
-    using TLocate = std::function<int(const QString& text, int fromRow)>;
+    /// Finds the row for typed letters. Without it the titles of the model are searched, one row after the other.
     void SetLocate(TLocate locate) { FLocate = std::move(locate); }
 
     /// The layout for the present size, as painted.
@@ -71,8 +68,7 @@ private:
 
     TTilePainter* FPainter = nullptr; // not owned
     TLocate FLocate;
-    QString FTyped;
-    qint64 FLastTyped = 0;
+    TTypedLetters FTyped;
     int FHoveredRow = -1;
 };
 

@@ -4,8 +4,6 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QDateTime>
-#include <QStyleHints>
 
 #include <algorithm>
 
@@ -118,17 +116,10 @@ void TTileView::rowsAboutToBeRemoved(const QModelIndex& parent, int start, int e
 
 void TTileView::keyboardSearch(const QString& search)
 {
-    if (RowCount() == 0 || search.isEmpty())
+    if (RowCount() == 0)
         return;
-    const qint64 now = QDateTime::currentMSecsSinceEpoch();
-    const bool goesOn = now - FLastTyped < QGuiApplication::styleHints()->keyboardInputInterval();
-    FLastTyped = now;
-    // The same letter again means the next hit, not a word of two equal letters.
-    const bool repeated = goesOn && FTyped == search;
-    if (!repeated)
-        FTyped = goesOn ? FTyped + search : search;
-    const int from = std::max(0, currentIndex().row() + (FTyped.size() == 1 ? 1 : 0));
-    const int row = FLocate ? FLocate(FTyped, from) : LocateTitle(FTyped, from);
+    const TLocate inModel = [this](const QString& text, int from) { return LocateTitle(text, from); };
+    const int row = FTyped.Add(search, currentIndex().row(), FLocate ? FLocate : inModel);
     if (row >= 0 && row < RowCount())
         setCurrentIndex(IndexOfRow(row));
 }
