@@ -78,11 +78,7 @@ void TKRNMainForm::WMAfterFormShow()
     FLetterTimer.start();
 }
 
-void TKRNMainForm::FormClose()
-{
-    Defaults().CurrentView = static_cast<int>(FView);
-    SaveSettings();
-}
+void TKRNMainForm::FormClose() { SaveSettings(); }
 
 void TKRNMainForm::LoadSettings()
 {
