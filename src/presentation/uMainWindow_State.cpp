@@ -104,8 +104,8 @@ void TMainWindow::ShowPage()
     const bool hasData = FForm.Data().HasData();
     const TStatusFigures figures = FForm.StatusFigures();
     FFilters->setVisible(hasData);
-    const auto card = [this](const QString& key, const QString& action) {
-        return TEmptyCard{GetLanguageString(key), GetLanguageString(key + u"Text"_s), FActions->Find(action)};
+    const auto card = [this](const QString& title, const QString& text, const QString& action) {
+        return TEmptyCard{GetLanguageString(title), GetLanguageString(text), FActions->Find(action)};
     };
     if (!hasData) {
         std::vector<TRecentFile> recent;
@@ -113,13 +113,11 @@ void TMainWindow::ShowPage()
             const bool missing = !QFileInfo::exists(path);
             recent.push_back({path, missing ? GetLanguageString(u"cSGuiNotFound"_s) : QString(), missing});
         }
-        FEmpty->ShowNoCollection(
-            {card(u"cSGuiCardNew"_s, u"actNewDatabase"_s), card(u"cSGuiCardOpen"_s, u"actOpenDatabase"_s)}, recent);
+        FEmpty->ShowNoCollection({card(u"cSGuiCardNew"_s, u"cSGuiCardNewText"_s, u"actNewDatabase"_s),
+                                  card(u"cSGuiCardOpen"_s, u"cSGuiCardOpenText"_s, u"actOpenDatabase"_s)},
+                                 recent);
     } else if (figures.Total == 0) {
-        FEmpty->ShowEmptyCollection(
-            {card(u"cSGuiCardBarcode"_s, u"actAddByBarcode"_s), card(u"cSGuiCardDisc"_s, u"actAddByCDROM"_s),
-             card(u"cSGuiCardFolder"_s, u"actAddMP3"_s), card(u"cSGuiCardImport"_s, u"actImport"_s),
-             card(u"cSGuiCardSearch"_s, u"actAddMusic"_s), card(u"cSGuiCardHand"_s, u"actAddReleaseManually"_s)});
+        FEmpty->ShowEmptyCollection({card(u"cSGuiCardFolder"_s, u"cSGuiCardFolderText"_s, u"actAddMP3"_s)});
     }
     const bool empty = !hasData || figures.Total == 0;
     FPages->setCurrentWidget(empty ? static_cast<QWidget*>(FEmpty) : FSplitter);
