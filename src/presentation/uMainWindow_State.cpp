@@ -318,9 +318,17 @@ void TMainWindow::FocusRelease(qint64 id)
 // that has the keyboard may have made the first row current by itself, without selecting it.
 void TMainWindow::RestoreCurrent()
 {
-    if (FTiles->selectionModel()->hasSelection() || FModel->rowCount() == 0)
+    if (FForm.Detail().ID != 0)
+        FPlace = FForm.Detail().ID;
+    if (FModel->rowCount() == 0) {
+        // Nothing in sight is selected: no command may reach a release that the filters hide.
+        FForm.SetFocusedRelease(0);
+        FForm.SetSelection({});
         return;
-    const QModelIndex again = FModel->IndexOfId(FForm.Detail().ID);
+    }
+    if (FTiles->selectionModel()->hasSelection())
+        return;
+    const QModelIndex again = FModel->IndexOfId(FPlace);
     FocusRelease(FModel->IdOf(again.isValid() ? again : FModel->index(0, 0)));
 }
 
