@@ -132,6 +132,7 @@ private:
     QPointer<TDebugWindow> FDebug;
     QPointer<TProgressWindow> FProgress;
     QTimer FSelectionTimer;
+    qint64 FPlace = 0; // release to come back to after a reset of the list
     bool FPaneDragged = false;
     bool FFirstShow = true;
 };

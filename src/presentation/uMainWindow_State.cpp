@@ -104,8 +104,8 @@ void TMainWindow::ShowPage()
     const bool hasData = FForm.Data().HasData();
     const TStatusFigures figures = FForm.StatusFigures();
     FFilters->setVisible(hasData);
-    const auto card = [this](const QString& captionKey, const QString& textKey, const QString& action) {
-        return TEmptyCard{GetLanguageString(captionKey), GetLanguageString(textKey), FActions->Find(action)};
+    const auto card = [this](const QString& title, const QString& text, const QString& action) {
+        return TEmptyCard{GetLanguageString(title), GetLanguageString(text), FActions->Find(action)};
     };
     if (!hasData) {
         std::vector<TRecentFile> recent;
@@ -113,10 +113,9 @@ void TMainWindow::ShowPage()
             const bool missing = !QFileInfo::exists(path);
             recent.push_back({path, missing ? GetLanguageString(u"cSGuiNotFound"_s) : QString(), missing});
         }
-        FEmpty->ShowNoCollection(
-            {card(u"cSGuiCardNew"_s, u"cSGuiCardNewText"_s, u"actNewDatabase"_s),
-             card(u"cSGuiCardOpen"_s, u"cSGuiCardOpenText"_s, u"actOpenDatabase"_s)},
-            recent);
+        FEmpty->ShowNoCollection({card(u"cSGuiCardNew"_s, u"cSGuiCardNewText"_s, u"actNewDatabase"_s),
+                                  card(u"cSGuiCardOpen"_s, u"cSGuiCardOpenText"_s, u"actOpenDatabase"_s)},
+                                 recent);
     } else if (figures.Total == 0) {
         FEmpty->ShowEmptyCollection({card(u"cSGuiCardFolder"_s, u"cSGuiCardFolderText"_s, u"actAddMP3"_s)});
     }
@@ -322,9 +321,17 @@ void TMainWindow::FocusRelease(qint64 id)
 // that has the keyboard may have made the first row current by itself, without selecting it.
 void TMainWindow::RestoreCurrent()
 {
-    if (FTiles->selectionModel()->hasSelection() || FModel->rowCount() == 0)
+    if (FForm.Detail().ID != 0)
+        FPlace = FForm.Detail().ID;
+    if (FModel->rowCount() == 0) {
+        // Nothing in sight is selected: no command may reach a release that the filters hide.
+        FForm.SetFocusedRelease(0);
+        FForm.SetSelection({});
         return;
-    const QModelIndex again = FModel->IndexOfId(FForm.Detail().ID);
+    }
+    if (FTiles->selectionModel()->hasSelection())
+        return;
+    const QModelIndex again = FModel->IndexOfId(FPlace);
     FocusRelease(FModel->IdOf(again.isValid() ? again : FModel->index(0, 0)));
 }
 

@@ -171,9 +171,14 @@ TEST_F(MainWindow, LetterSearchAndChipsFilterTheList)
     EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 0);
     EXPECT_FALSE(FWindow->Tiles()->isVisible());
     EXPECT_TRUE(qobject_cast<TEmptyPage*>(FWindow->Views()->currentWidget()));
+    QApplication::processEvents();
+    EXPECT_TRUE(FForm->Selection().empty());
+    EXPECT_FALSE(FWindow->Actions().Find(u"actRemoveSelected"_s)->isEnabled()) << "nothing in sight to remove";
     Q_EMIT FWindow->Filters()->Chips()->clearRequested();
     EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 40);
     EXPECT_TRUE(FWindow->Tiles()->isVisible());
+    QApplication::processEvents();
+    EXPECT_EQ(FForm->Selection().size(), 1u);
 }
 
 TEST_F(MainWindow, SearchBoxSearchesInTheFieldItNames)

@@ -199,6 +199,8 @@ void TEmptyPage::Build(const QString& cover, const QString& heading, const QStri
         grid->addWidget(new TCardButton(card.Title, card.Text, card.Action, FBox), number / 2, number % 2);
         ++number;
     }
+    if (number == 1) // a lone card keeps its width and stands in the middle
+        grid->setAlignment(grid->itemAt(0)->widget(), Qt::AlignHCenter);
     column->addLayout(grid);
     if (!recent.empty()) {
         column->addSpacing(10);
