@@ -117,6 +117,8 @@ TThumbsPainter::TThumbsPainter(TCoverCache& covers) : FCovers(covers) {}
 
 void TThumbsPainter::SetStep(int step) { FStep = std::clamp(step, 0, 2); }
 
+int TThumbsPainter::PicturesMade() const { return FCovers.DecodeCount(); }
+
 int TThumbsPainter::CoverSide() const { return CoverSides[std::size_t(FStep)]; }
 
 QSize TThumbsPainter::CellSize() const

@@ -28,6 +28,7 @@ public:
 
     QSize CellSize() const override;
     int RowGap() const override { return 2; }
+    int PicturesMade() const override;
     bool Paint(QPainter& painter, const QRect& cell, const QModelIndex& index, const TTileState& state) override;
 
 private:

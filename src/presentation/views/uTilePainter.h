@@ -32,6 +32,8 @@ public:
     virtual bool StretchesColumns() const { return false; }
     /// Paints one cell. False when a picture was not at hand and the cell has to be painted again.
     virtual bool Paint(QPainter& painter, const QRect& cell, const QModelIndex& index, const TTileState& state) = 0;
+    /// How many pictures were made for cells so far: a repaint makes at least one of those that it lacks.
+    virtual int PicturesMade() const { return 0; }
     /// What a screen reader says for the cell.
     virtual QString AccessibleText(const QModelIndex& index) const;
 };

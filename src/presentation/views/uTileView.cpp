@@ -161,6 +161,7 @@ void TTileView::paintEvent(QPaintEvent* event)
     QElapsedTimer clock;
     clock.start();
     bool complete = true;
+    const int madeBefore = FPainter->PicturesMade();
     const QModelIndex current = currentIndex();
     for (int row = first; row <= last; ++row) {
         const QModelIndex index = IndexOfRow(row);
@@ -169,7 +170,8 @@ void TTileView::paintEvent(QPaintEvent* event)
         state.Selected = selectionModel() && selectionModel()->isSelected(index);
         state.Current = current.isValid() && current.row() == row;
         state.ViewFocused = hasFocus();
-        state.MayDecode = clock.elapsed() < DecodeBudgetMs;
+        // One picture each time, or a machine that is slow at painting would never get to them.
+        state.MayDecode = clock.elapsed() < DecodeBudgetMs || FPainter->PicturesMade() == madeBefore;
         complete &= FPainter->Paint(painter, layout.RectOf(row).translated(0, -offset), index, state);
     }
     if (!complete)
