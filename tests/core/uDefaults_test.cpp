@@ -109,12 +109,17 @@ TEST(Settings, ABrokenFileIsPutAside)
 TEST(Settings, ValuesOfAnotherKindGiveTheDefault)
 {
     const Kit::TTempDir dir;
-    const TTHIniSettings store(dir.Write(
-        u"s.ini"_s, "[General]\nThemeIndex=many\nMainFormMaximized=perhaps\nCurrencySymbol=a, b\nNumber=1.5\n"));
+    const TTHIniSettings store(dir.Write(u"s.ini"_s,
+                                         "[General]\nThemeIndex=many\nMainFormMaximized=perhaps\nCurrencySymbol=a, "
+                                         "b\nNumber=1.5\nLargeHeight=2147483647\n"
+                                         "LargeWidth=-5\nDefaultValues.Rating=99\n"));
     const TDefaults settings = ReadSettings(store);
     EXPECT_EQ(settings.ThemeIndex, 4);
     EXPECT_TRUE(settings.MainFormMaximized);
     EXPECT_EQ(settings.CurrencySymbol, u"a, b"_s);
+    EXPECT_EQ(settings.LargeHeight, 2048) << "a size that would take gigabytes is bounded";
+    EXPECT_EQ(settings.LargeWidth, 16);
+    EXPECT_EQ(settings.Values.Rating, 10);
     EXPECT_EQ(store.ReadDouble(u"Number"_s, 0), 1.5);
     EXPECT_EQ(store.ReadDouble(u"ThemeIndex"_s, 2.5), 2.5);
 }

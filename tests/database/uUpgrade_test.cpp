@@ -223,13 +223,79 @@ TEST_F(Upgrade, ANewerFileIsOpenedAsItIs)
 TEST_F(Upgrade, AFileThatCannotBeCopiedIsNotUpgraded)
 {
     MakeVersion(u"2000"_s);
-    // Every name that the copy could bear is taken by a folder that nothing can be written over.
+    // A link that leads nowhere bears the name: a new file cannot be made there.
     const QString link = FDir.File(u"old.before-2000.db"_s);
     QFile::link(FDir.File(u"nowhere/x"_s), link);
     TDataModuleMain data(FPrompt);
     EXPECT_THROW(data.ConnectToDB(FPath), EDatabaseError);
     EXPECT_EQ(Scalar(u"SELECT version FROM version"_s).toString(), u"2000"_s);
     EXPECT_FALSE(data.HasData());
+}
+
+TEST_F(Upgrade, AConversionThatFailsMidwayIsTakenBack)
+{
+    MakeFile(FPath, Version1000SQL());
+    MakeFile(FPath, u"DROP TABLE Links"_s); // the script drops it late, when most of its work is done
+    TDataModuleMain data(FPrompt);
+    EXPECT_THROW(data.ConnectToDB(FPath), EDatabaseError);
+    EXPECT_FALSE(data.HasData());
+    EXPECT_EQ(data.GetDBVersion(), 1000);
+    EXPECT_EQ(data.ExecSQLAndGetID(u"PRAGMA foreign_keys"_s), 1);
+    EXPECT_EQ(Scalar(u"SELECT Orcherstra FROM Releases WHERE ID = 11"_s).toString(), u"Orch"_s);
+    EXPECT_EQ(Scalar(u"SELECT count(*) FROM sqlite_master WHERE name = 'Releases2'"_s).toInt(), 0);
+    EXPECT_TRUE(QFile::exists(FDir.File(u"old.before-1000.db"_s)));
+}
+
+TEST_F(Upgrade, AFileThatLacksAColumnIsRefusedWhenItIsOpened)
+{
+    TDataModuleMain data(FPrompt);
+    data.CreateNewDB(FPath, data.GetNewDatabaseSQL());
+    MakeFile(FPath, u"ALTER TABLE Releases2 DROP COLUMN SeqNo"_s);
+    EXPECT_THROW(data.ConnectToDB(FPath), EDatabaseError);
+}
+
+TEST_F(Upgrade, AFileThatAnotherProcessHoldsIsNotCalledForeign)
+{
+    TDataModuleMain data(FPrompt);
+    data.CreateNewDB(FPath, data.GetNewDatabaseSQL());
+    MakeFile(FPath, u"PRAGMA journal_mode = DELETE"_s);
+    TSQLiteConnection other;
+    other.Open(FPath);
+    other.Exec(u"BEGIN EXCLUSIVE"_s);
+    try {
+        data.ConnectToDB(FPath);
+        ADD_FAILURE() << "it is locked";
+    } catch (const EDatabaseError& failure) {
+        EXPECT_TRUE(failure.IsLocked());
+    }
+    EXPECT_TRUE(FPrompt.Errors.isEmpty());
+    other.Exec(u"ROLLBACK"_s);
+    EXPECT_TRUE(data.ConnectToDB(FPath));
+}
+
+TEST_F(Upgrade, ANewFileThatCannotBeMadeLeavesTheOpenCollection)
+{
+    TDataModuleMain data(FPrompt);
+    data.CreateNewDB(FPath, data.GetNewDatabaseSQL());
+    ASSERT_TRUE(data.ConnectToDB(FPath));
+    EXPECT_THROW(data.CreateNewDB(FDir.Path() + u"/no/such/folder/x.db"_s, data.GetNewDatabaseSQL()), EDatabaseError);
+    EXPECT_TRUE(data.HasData());
+    EXPECT_THROW(data.CreateNewDB(FDir.File(u"bad.db"_s), u"CREATE nonsense"_s), EDatabaseError);
+    EXPECT_FALSE(QFile::exists(FDir.File(u"bad.db"_s))) << "nothing half made stays";
+}
+
+TEST_F(Upgrade, ACollectionThatIsRemovedWhileOpenTakesNoMore)
+{
+    TDataModuleMain data(FPrompt);
+    data.CreateNewDB(FPath, data.GetNewDatabaseSQL());
+    ASSERT_TRUE(data.ConnectToDB(FPath));
+    TAlbumRelease release;
+    release.SetItem2(u"ReleaseName"_s, u"A"_s);
+    data.AddAlbumReleaseToDB(release, true);
+    QFile::rename(FPath, FDir.File(u"moved.db"_s));
+    EXPECT_THROW(data.AddAlbumReleaseToDB(release, true), EDatabaseError);
+    EXPECT_EQ(data.qReleasesMain.RecordCount(), 1);
+    EXPECT_THROW(data.qReleasesMain.DeleteKeys({1}), EDatabaseError);
 }
 
 TEST_F(Upgrade, OldTriggersAreDroppedAtEachOpening)
@@ -285,6 +351,21 @@ TEST(Validator, FirstFailureDecides)
     for (const auto& [path, expected] : cases)
         EXPECT_EQ(ValidateDatabaseFile(path), expected) << path.toStdString();
     EXPECT_FALSE(QFile::exists(dir.File(u"none.db"_s))) << "it never makes a file";
+
+    // A database of another program, copied while that was running: its journal is not ours to work off.
+    const QString foreign = dir.File(u"foreign.db"_s);
+    {
+        const QString original = dir.File(u"live.db"_s);
+        MakeFile(original, u"PRAGMA journal_mode = WAL; CREATE TABLE a(b);"_s);
+        TSQLiteConnection live;
+        live.Open(original);
+        live.Exec(u"INSERT INTO a VALUES (zeroblob(100000))"_s);
+        QFile::copy(original, foreign);
+        QFile::copy(original + u"-wal"_s, foreign + u"-wal"_s);
+    }
+    const QByteArray before = Kit::ReadAll(foreign) + Kit::ReadAll(foreign + u"-wal"_s);
+    EXPECT_EQ(ValidateDatabaseFile(foreign), dvrNotCollection);
+    EXPECT_TRUE(Kit::ReadAll(foreign) + Kit::ReadAll(foreign + u"-wal"_s) == before);
     const std::pair<TDBValidationResult, QString> texts[] = {
         {dvrOK, {}},
         {dvrNotFound, u"Database file not found."_s},

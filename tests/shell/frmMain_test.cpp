@@ -263,6 +263,34 @@ TEST_F(MainForm, RemovingAsksAndTakesTheSelection)
     EXPECT_TRUE(FForm.Selection().empty());
 }
 
+TEST_F(MainForm, WhatAFilterHidesIsNotRemoved)
+{
+    OpenFilled();
+    FForm.SetSelection(FData.qReleasesMain.Keys());
+    FForm.SetFocusedRelease(FData.qReleasesMain.KeyAt(1));
+    FForm.LetterClick(u"Z"_s);
+    EXPECT_EQ(FForm.Selection().size(), 1u);
+    FForm.LetterClick(u"Q"_s);
+    EXPECT_TRUE(FForm.Selection().empty());
+    EXPECT_FALSE(FForm.Actions().IsEnabled(u"actRemoveSelected"_s));
+    FForm.Actions().Trigger(u"actRemoveSelected"_s);
+    EXPECT_TRUE(FPrompt.Questions.isEmpty());
+    EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2"_s), 4);
+}
+
+TEST_F(MainForm, ARefusedFileLeavesCollectionAndFilters)
+{
+    OpenFilled();
+    FForm.LetterClick(u"Z"_s);
+    FPrompt.FileAnswer = FDir.Write(u"other.db"_s, QByteArray(5000, 'x'));
+    FForm.Actions().Trigger(u"actOpenDatabase"_s);
+    EXPECT_EQ(FPrompt.Errors.size(), 1);
+    EXPECT_EQ(Shown(), QStringList({u"100% Zappa"_s}));
+    EXPECT_EQ(FForm.FilterChips().size(), 1u);
+    FForm.Actions().Trigger(u"actFilterStatusOther"_s);
+    EXPECT_EQ(Shown().size(), 4);
+}
+
 TEST_F(MainForm, HeadingsSortAndTurn)
 {
     OpenFilled();
