@@ -50,7 +50,9 @@ std::pair<dev_t, ino_t> IdentityOf(const QString& folder)
 // One walk below one folder of the input.
 class TFolderWalk {
 public:
-    TFolderWalk(TFolderLists& lists, std::stop_token stop) : FLists(lists), FStop(std::move(stop)) {}
+    TFolderWalk(TFolderLists& lists, std::stop_token stop, const TOnUnreadableFolder& onUnreadable)
+        : FLists(lists), FStop(std::move(stop)), FOnUnreadable(onUnreadable)
+    {}
 
     // The depth is bounded by the longest path that the system opens, and each folder is entered once: a link that
     // leads back up, or a second way to the same folder, would otherwise be walked again and again.
@@ -63,7 +65,7 @@ public:
             return;
         }
         QStringList files;
-        for (const TFolderEntry& entry : ListFolder(folder)) {
+        for (const TFolderEntry& entry : ListFolder(folder, FOnUnreadable)) {
             if (entry.IsFolder)
                 Scan(entry.Path);
             else if (entry.IsFile && IsSupportedAudio(entry.Path))
@@ -77,6 +79,7 @@ public:
 private:
     TFolderLists& FLists;
     std::stop_token FStop;
+    const TOnUnreadableFolder& FOnUnreadable;
     std::set<std::pair<dev_t, ino_t>> FSeen;
 };
 
@@ -110,7 +113,7 @@ void AddDroppedFile(const QString& path, TFolderLists& lists)
 
 } // namespace
 
-std::vector<TFolderEntry> ListFolder(const QString& folder)
+std::vector<TFolderEntry> ListFolder(const QString& folder, const TOnUnreadableFolder& onUnreadable)
 {
     std::vector<TFolderEntry> entries;
     std::error_code failure;
@@ -119,8 +122,12 @@ std::vector<TFolderEntry> ListFolder(const QString& folder)
         entries.push_back(EntryOf(*at));
         at.increment(failure);
     }
-    if (failure)
-        DebugLog(u"[Import] Folder cannot be read: %1: %2"_s.arg(folder, QString::fromStdString(failure.message())));
+    if (failure) {
+        const QString reason = QString::fromStdString(failure.message());
+        DebugLog(u"[Import] Folder cannot be read: %1: %2"_s.arg(folder, reason));
+        if (onUnreadable)
+            onUnreadable(folder, reason);
+    }
     std::ranges::sort(entries, {}, [](const TFolderEntry& e) { return std::pair(e.Name.toCaseFolded(), e.Name); });
     return entries;
 }
@@ -142,13 +149,14 @@ QStringList SplitInputPaths(const QString& inputPath)
     return paths;
 }
 
-TFolderLists CollectFolderFiles(const QString& inputPath, const std::stop_token& stop)
+TFolderLists CollectFolderFiles(const QString& inputPath, const std::stop_token& stop,
+                                const TOnUnreadableFolder& onUnreadable)
 {
     TFolderLists lists;
     for (const QString& path : SplitInputPaths(inputPath)) {
         std::error_code failure;
         if (fs::is_directory(TextToPath(path), failure))
-            TFolderWalk(lists, stop).Scan(path);
+            TFolderWalk(lists, stop, onUnreadable).Scan(path);
         else if (fs::is_regular_file(TextToPath(path), failure) && IsSupportedAudio(path))
             AddDroppedFile(path, lists);
     }

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <stop_token>
 #include <vector>
 
@@ -17,9 +18,12 @@ struct TFolderEntry {
     bool IsFile = false; ///< a regular file; sockets, pipes and dangling links are neither
 };
 
+using TOnUnreadableFolder = std::function<void(const QString& folder, const QString& reason)>;
+
 /// The entries of a folder, sorted by case-folded name. A folder that cannot be read gives none and a line in the
 /// debug log; so does one that fails midway, after the entries up to there. Paths are in the form of PathToText.
-std::vector<TFolderEntry> ListFolder(const QString& folder);
+/// The reason is also given to `onUnreadable`.
+std::vector<TFolderEntry> ListFolder(const QString& folder, const TOnUnreadableFolder& onUnreadable = {});
 
 /// File lists by folder: each list holds the full paths of the audio files of one folder.
 using TFolderLists = std::vector<QStringList>;
@@ -30,7 +34,8 @@ QStringList SplitInputPaths(const QString& inputPath);
 
 /// The audio files below each folder of the input, deeper folders before the folder that holds them, and the input's
 /// own files beside those of the same folder. A stop ends the search early with what it has found.
-TFolderLists CollectFolderFiles(const QString& inputPath, const std::stop_token& stop = {});
+TFolderLists CollectFolderFiles(const QString& inputPath, const std::stop_token& stop = {},
+                                const TOnUnreadableFolder& onUnreadable = {});
 
 /// Joins the lists of disc folders ("CD1", "CD2") that lie in one folder; a lone disc folder stays as it is.
 void MergeDiscFolders(TFolderLists& lists);

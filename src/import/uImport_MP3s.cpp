@@ -50,7 +50,10 @@ void TKRNImporter_MP3s::Import()
 {
     const TControlsOff controlsOff(*this);
     FOptions.Pictures = JobType() == ijtImport;
-    TFolderLists lists = CollectFolderFiles(InputPath(), StopToken());
+    TFolderLists lists =
+        CollectFolderFiles(InputPath(), StopToken(), [this](const QString& folder, const QString& reason) {
+            DoOnFileError(folder, GetLanguageString(u"cSFolderUnreadable"_s).replace(u"%s"_s, reason));
+        });
     MergeDiscFolders(lists);
     for (const QStringList& list : lists)
         FFilesCount += static_cast<int>(list.size());

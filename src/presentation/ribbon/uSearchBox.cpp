@@ -156,6 +156,17 @@ bool TSearchBox::eventFilter(QObject* watched, QEvent* event)
         update();
         PlaceChildren();
     }
+    if (event->type() == QEvent::ShortcutOverride) {
+        // Keys that edit text belong to the box while it has the keyboard: Ctrl+Del takes a word here, not a release.
+        const auto* key = static_cast<QKeyEvent*>(event);
+        for (const QKeySequence::StandardKey edit :
+             {QKeySequence::DeleteEndOfWord, QKeySequence::DeleteStartOfWord, QKeySequence::SelectAll}) {
+            if (key->matches(edit)) {
+                event->accept();
+                return true;
+            }
+        }
+    }
     if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Escape) {
