@@ -53,16 +53,18 @@ TMainWindow::TMainWindow(TKRNMainForm& form, TThemeController& theme, bool debug
     setObjectName(u"TKRNMainForm"_s);
     setMinimumSize(SmallestSize);
     setAcceptDrops(true);
-    FTheme.Apply(Defaults().ThemeIndex, Defaults().ColorSchemeAccentIndex);
-    FForm.FormCreate([this, debugMode] {
-        if (!debugMode)
-            return;
+    TMainFormHooks hooks;
+    hooks.ApplyTheme = [this] { FTheme.Apply(Defaults().ThemeIndex, Defaults().ColorSchemeAccentIndex); };
+    const auto createDebugWindow = [this] {
         FDebug = new TDebugWindow(this);
         SetDebugLogSink([window = FDebug](const QString& line) {
             if (window)
                 window->AddLine(line);
         });
-    });
+    };
+    if (debugMode)
+        hooks.CreateDebugWindow = createDebugWindow;
+    FForm.FormCreate(hooks);
     FActions = new TActionSet(FForm.Actions(), this);
     FModel = new TReleasesModel(FForm.Data(), this);
     BuildParts();

@@ -3,6 +3,7 @@
 
 #include "frmAddFiles.h"
 #include "uDBValidator.h"
+#include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uPrompt.h"
 #include "uTHStrings.h"
@@ -40,24 +41,61 @@ TKRNMainForm::TKRNMainForm(TDataModuleMain& data, TPrompt& prompt) : FData(data)
 
 TKRNMainForm::~TKRNMainForm() = default;
 
-void TKRNMainForm::FormCreate(const std::function<void()>& createDebugWindow)
+void TKRNMainForm::FormCreate(const TMainFormHooks& hooks)
 {
-    FDebugMode = static_cast<bool>(createDebugWindow);
-    if (FDebugMode)
-        createDebugWindow();
-    LoadSettings();
-    if (!Defaults().BrokenSettingsFile.isEmpty()) {
-        const QString file = QFileInfo(Defaults().BrokenSettingsFile).fileName();
-        FPrompt.ShowError(GetLanguageString(u"cSSettingsFileBroken"_s).replace(u"%s"_s, file));
+    using TStep = void (TKRNMainForm::*)(const TMainFormHooks&);
+    // The fixed order of creation; what other windows and parts add enters at its place.
+    constexpr std::pair<const char*, TStep> steps[] = {
+        {"debug window", &TKRNMainForm::CreateDebugWindow},
+        {"settings", &TKRNMainForm::RestoreSettings},
+        {"theme", &TKRNMainForm::ApplyTheme},
+        {"collection", &TKRNMainForm::ConnectAtStart},
+        {"detail pane", &TKRNMainForm::PrepareDetail},
+        {"first view", &TKRNMainForm::SelectFirstView},
+    };
+    for (const auto& [name, step] : steps) {
+        (this->*step)(hooks);
+        DebugLog(u"main window: "_s + QString::fromLatin1(name));
     }
-    OpenCollection(Defaults().DBPath);
+    FActions.Update();
+}
+
+void TKRNMainForm::CreateDebugWindow(const TMainFormHooks& hooks)
+{
+    FDebugMode = static_cast<bool>(hooks.CreateDebugWindow);
+    if (FDebugMode)
+        hooks.CreateDebugWindow();
+}
+
+void TKRNMainForm::RestoreSettings(const TMainFormHooks&)
+{
+    LoadSettings();
+    if (Defaults().BrokenSettingsFile.isEmpty())
+        return;
+    const QString file = QFileInfo(Defaults().BrokenSettingsFile).fileName();
+    FPrompt.ShowError(GetLanguageString(u"cSSettingsFileBroken"_s).replace(u"%s"_s, file));
+}
+
+void TKRNMainForm::ApplyTheme(const TMainFormHooks& hooks)
+{
+    if (hooks.ApplyTheme)
+        hooks.ApplyTheme();
+}
+
+void TKRNMainForm::ConnectAtStart(const TMainFormHooks&) { OpenCollection(Defaults().DBPath); }
+
+void TKRNMainForm::PrepareDetail(const TMainFormHooks&)
+{
     RefreshDetail();
     FData.OnReleaseInfoAfterPost = [this](TDataset& releaseInfo) { RefreshFocusedRow(releaseInfo); };
+}
+
+void TKRNMainForm::SelectFirstView(const TMainFormHooks&)
+{
     // A number of a view that this window does not have leaves the first one.
-    if (const int view = Defaults().CurrentView;
-        view == static_cast<int>(mvThumbs) || view == static_cast<int>(mvAlbums))
+    const int view = Defaults().CurrentView;
+    if (view == static_cast<int>(mvThumbs) || view == static_cast<int>(mvAlbums))
         FView = static_cast<TMainView>(view);
-    FActions.Update();
 }
 
 void TKRNMainForm::FormShow()

@@ -48,6 +48,12 @@ struct TStatusFigures {
 enum class TBarKind : quint8 { bkError, bkWarning, bkDone };
 using enum TBarKind;
 
+/// What the window itself does at its place in the creation.
+struct TMainFormHooks {
+    std::function<void()> CreateDebugWindow; ///< set in debug mode only
+    std::function<void()> ApplyTheme;
+};
+
 /// Logic of the main window: state, actions and rules over the collection, without a widget. The window shows what
 /// it tells and calls it back. Main thread.
 class TKRNMainForm : public QObject {
@@ -58,9 +64,8 @@ public:
     TKRNMainForm(TDataModuleMain& data, TPrompt& prompt);
     ~TKRNMainForm() override;
 
-    /// Creation in its fixed order: debug window, settings, the collection, the detail pane, the first view.
-    /// `createDebugWindow` is set in debug mode only.
-    void FormCreate(const std::function<void()>& createDebugWindow);
+    /// Creation in its fixed order: debug window, settings, theme, the collection, the detail pane, the first view.
+    void FormCreate(const TMainFormHooks& hooks);
     /// Restores the window; its body runs once.
     void FormShow();
     /// After the window is on the screen: first record, state callbacks.
@@ -166,6 +171,12 @@ Q_SIGNALS:
     void barRaised(Kestrune::TBarKind kind, const QString& bold, const QString& sentence);
 
 private:
+    void CreateDebugWindow(const TMainFormHooks& hooks);
+    void RestoreSettings(const TMainFormHooks& hooks);
+    void ApplyTheme(const TMainFormHooks& hooks);
+    void ConnectAtStart(const TMainFormHooks& hooks);
+    void PrepareDetail(const TMainFormHooks& hooks);
+    void SelectFirstView(const TMainFormHooks& hooks);
     void BindActions();
     void BindFileActions();
     void BindViewActions();

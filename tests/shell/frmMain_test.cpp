@@ -170,9 +170,9 @@ TEST_F(MainForm, OpeningShowsTheSplashTextsInOrder)
     Defaults().DBPath = FPath;
     QStringList log;
     SetSplashSink([&](const QString& text) { log << text; });
-    FForm.FormCreate([&] { log << u"debug window"_s; });
+    FForm.FormCreate({[&] { log << u"debug window"_s; }, [&] { log << u"theme"_s; }});
     SetSplashSink({});
-    EXPECT_EQ(log, QStringList({u"debug window"_s, u"Loading settings..."_s, u"Loading albums..."_s,
+    EXPECT_EQ(log, QStringList({u"debug window"_s, u"Loading settings..."_s, u"theme"_s, u"Loading albums..."_s,
                                 u"Loading pictures..."_s, u"Loading album info..."_s, u"Loading friends list..."_s,
                                 u"Loading loans..."_s, u"Loading tracks..."_s}));
 }
