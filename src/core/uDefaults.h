@@ -15,6 +15,7 @@
 
 namespace Kestrune {
 
+/// What a user-defined field holds.
 enum class TCustomFieldType : quint8 { cftText, cftInteger, cftFloat, cftCurrency, cftBoolean };
 using enum TCustomFieldType;
 
@@ -25,6 +26,7 @@ struct TCustomFieldDef {
     bool Enabled = false;
 };
 
+/// The ten slots of one table.
 struct TCustomFieldDefs {
     QString Prefix; ///< "Releases" or "Tracks"
     std::array<TCustomFieldDef, 10> Slots;

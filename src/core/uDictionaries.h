@@ -34,6 +34,7 @@ std::span<const TDictDef> DictionaryDefs();
 /// Splits multi-line text at line ends (CR LF, LF or CR), dropping empty lines.
 QStringList SplitLines(const QString& text);
 
+/// One entry of the country table.
 struct TCountry {
     QString Description;
     QString Value; ///< empty for the entry "Empty"
@@ -49,6 +50,7 @@ QString CountryDescription(const QString& value);
 /// The recording codes "AAD", "ADD", "DAD", "DDD".
 const QStringList& SparsList();
 
+/// A stored value and the text that is shown for it.
 struct TValueAndText {
     QString Value;
     QString Text;

@@ -20,6 +20,7 @@ namespace Kestrune {
 
 class TXmlElement;
 
+/// The role of a picture: front, back and media in a small and a large form, or any other.
 enum class TCoverPictureType : quint8 {
     cptFrontThumb,
     cptFrontLarge,
@@ -52,6 +53,7 @@ public:
     bool LoadFromBytes(const QByteArray& bytes);
     /// Takes an image, encoded in `format` ("jpeg", "png", ...); a format that cannot be written becomes PNG.
     void Assign(const QImage& image, const QByteArray& format);
+    /// Back to a picture without an image; type and URL stay.
     void Clear();
 
     bool HasImage() const { return !FBytes.isEmpty(); }
@@ -88,6 +90,7 @@ struct TAlbumCredit {
     bool operator==(const TAlbumCredit&) const = default;
 };
 
+/// One track as its source tells it.
 struct TAlbumTrack {
     QString TrackInternalID; ///< identifier at the source, no database key
     int TrackNo = 0;         ///< within the disc
@@ -141,6 +144,7 @@ public:
 
     /// The value of a key, or null. Never makes an entry.
     TVariant GetItem2(const QString& key) const;
+    /// Adds or replaces the value of a key.
     void SetItem2(const QString& key, const TVariant& value);
     TVariant operator[](const QString& key) const { return GetItem2(key); }
     /// All entries by folded key.
@@ -181,7 +185,8 @@ void SetPictureFetcher(TPictureFetcherFactory factory);
 /// The agents of which DownloadAllPics picks one per request.
 QStringList& PictureUserAgents();
 
-/// Fills a release from a `release` element. Absent attributes and unknown content leave what is there.
+/// Fills a release from a `release` element. Absent attributes leave what is there, but the Discogs number and the
+/// country, which they clear, and the number of discs, which becomes 1 when there is none. Unknown content is ignored.
 void LoadAlbumReleaseFromNode(TAlbumRelease& release, const TXmlElement& node);
 
 /// The code of a country given by code, name or one of its common short forms; null when it is unknown.

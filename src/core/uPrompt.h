@@ -28,7 +28,9 @@ public:
     virtual bool AskYesNo(const QString& text) = 0;
     /// Chosen path, or empty when the user cancelled.
     virtual QString AskOpenFile(const TFileDialogRequest& request) = 0;
+    /// The same for a file to write; the dialog asks before an existing one is chosen.
     virtual QString AskSaveFile(const TFileDialogRequest& request) = 0;
+    /// An existing folder, or empty when the user cancelled.
     virtual QString AskFolder(const QString& title, const QString& folder) = 0;
 };
 

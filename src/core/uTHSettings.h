@@ -25,7 +25,7 @@ public:
     virtual void WriteDouble(const QString& key, double absent, double value) = 0;
 };
 
-/// The store as an INI file, read once when opened and written as a whole by Flush.
+/// The store as an INI file, read once when opened and written as a whole by Flush and when it is destroyed.
 class TTHIniSettings final : public TTHCustomSettings {
 public:
     /// Opens the file; a missing one is an empty store. A file that cannot be read as settings is renamed to

@@ -25,6 +25,8 @@ public:
     /// The text of a key, compared without case; empty when the key is absent.
     QString GetValue(const QString& name) const;
 
+    // Of the document that was read last: the name asked for, its own name, Windows character set and code page,
+    // locale number, and the direction of its script.
     QString CurrentLanguage() const { return FCurrentLanguage; }
     QString CurrentLanguageInThatLanguage() const { return FCurrentLanguageInThatLanguage; }
     int FontCharset() const { return FFontCharset; }

@@ -13,6 +13,7 @@ struct TDefaults;
 enum class TFieldKind : quint8 { fkString, fkMemo, fkInteger, fkFloat, fkBoolean, fkDate, fkDateTime, fkBlob };
 using enum TFieldKind;
 
+/// What is special about a column: its value is given by the file, or it must have one.
 enum class TColumnFlag : quint8 { cfNone, cfAutoIncrement, cfRequired };
 using enum TColumnFlag;
 

@@ -5,6 +5,7 @@
 
 namespace Kestrune {
 
+/// Why a file can or cannot be opened; the first check that fails decides.
 enum class TDBValidationResult : quint8 { dvrOK, dvrNotFound, dvrEmpty, dvrNotSQLite, dvrNotCollection };
 using enum TDBValidationResult;
 

@@ -16,6 +16,7 @@
 
 namespace Kestrune {
 
+/// Closed, looking, changing a record, or filling in a new one.
 enum class TDatasetState : quint8 { dsInactive, dsBrowse, dsEdit, dsInsert };
 using enum TDatasetState;
 
@@ -54,7 +55,9 @@ public:
 
     bool Active() const { return FState != dsInactive; }
     TDatasetState State() const { return FState; }
+    /// Makes the cursor usable; throws when the file lacks one of its columns.
     virtual void Open() = 0;
+    /// Drops all records and an open edit.
     virtual void Close();
     /// Reads everything again and stays on the current record where it still exists. Cancels an edit.
     virtual void Refresh() = 0;
@@ -70,6 +73,7 @@ public:
     bool Next();
     /// Makes the record with this key current.
     bool Locate(qint64 key);
+    /// Row of a key, or -1; key of a row, or 0.
     virtual int RowOfKey(qint64 key) const = 0;
     virtual qint64 KeyAt(int row) const = 0;
     /// Key of the current record; 0 when there is none.
@@ -89,8 +93,11 @@ public:
 
     /// Starts a new record; nothing is written before Post.
     void Append();
+    /// Copies the current record for changes; nothing happens when an edit is open.
     void Edit();
+    /// Writes the edit; nothing happens without one.
     void Post();
+    /// Drops the edit.
     void Cancel();
     /// Deletes the current record; the next one becomes current.
     void Delete();
@@ -103,15 +110,18 @@ public:
     void DisableControls() { ++FControlsDisabled; }
     void EnableControls();
 
+    // The rules of a cursor: on a record just begun, before and after it is written, and on each field that changes.
     THook AfterInsert;
     THook BeforePost;
     THook AfterPost;
     std::function<void(TDataset&, int field)> OnFieldChanged;
 
 Q_SIGNALS:
+    /// All rows may have changed.
     void dataReset();
     void recordChanged(int row);
     void recordInserted(int row);
+    /// Another record is current, or none.
     void currentChanged();
 
 protected:

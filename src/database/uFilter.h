@@ -12,6 +12,7 @@
 
 namespace Kestrune {
 
+/// How a criterion compares.
 enum class TFilterOp : quint8 {
     foEquals,
     foNotEquals,
@@ -34,6 +35,7 @@ struct TFilterCriterion {
     QString DisplayText;
 };
 
+/// Whether all or any of a group's conditions must hold.
 enum class TFilterLogic : quint8 { flAll, flAny };
 using enum TFilterLogic;
 
@@ -44,6 +46,7 @@ public:
 
     /// Adds a criterion and gives the handle by which it is removed.
     TId Add(TFilterCriterion criterion);
+    /// Adds a nested group and gives it; it stays valid until this group is cleared or changed.
     TFilterGroup& AddGroup(TFilterLogic logic, bool negated = false);
     /// True when the criterion was there, at any depth.
     bool Remove(TId id);

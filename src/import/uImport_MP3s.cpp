@@ -57,7 +57,7 @@ void TKRNImporter_MP3s::Import()
     MergeDiscFolders(lists);
     for (const QStringList& list : lists)
         FFilesCount += static_cast<int>(list.size());
-    // While the main thread stores one folder, a helper reads the next.
+    // While the main thread stores one folder, another thread reads the next.
     const auto read = [&](size_t i) { return ReadFolder(lists[i], FOptions); };
     std::future<std::vector<TFolderStep>> ahead;
     for (size_t i = 0; i < lists.size() && !Terminated(); ++i) {

@@ -45,6 +45,7 @@ struct TStatusFigures {
     bool ReadOnly = false;
 };
 
+/// How a message bar looks: errors stay, done leaves by itself.
 enum class TBarKind : quint8 { bkError, bkWarning, bkDone };
 using enum TBarKind;
 

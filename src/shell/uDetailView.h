@@ -23,6 +23,7 @@ struct TDetailSection {
     std::vector<TDetailField> Fields;
 };
 
+/// One row of the track list.
 struct TDetailTrack {
     QString Position; ///< "A1", "3" or, with several discs, "2.05"
     QString Title;
@@ -37,6 +38,7 @@ struct TDetailDisc {
     std::vector<TDetailTrack> Tracks;
 };
 
+/// One row of the credits.
 struct TDetailCredit {
     QString Musician;
     QString Credit;
