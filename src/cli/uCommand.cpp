@@ -15,6 +15,7 @@ std::vector<std::unique_ptr<TCommand>> AllCommands()
     commands.push_back(MakeNewCommand());
     commands.push_back(MakeInfoCommand());
     commands.push_back(MakeAddFolderCommand());
+    commands.push_back(MakeImportCommand());
     commands.push_back(MakeListCommand());
     commands.push_back(MakeShowCommand());
     commands.push_back(MakeTagsCommand());

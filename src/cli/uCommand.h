@@ -65,6 +65,7 @@ std::vector<std::unique_ptr<TCommand>> AllCommands();
 std::unique_ptr<TCommand> MakeNewCommand();
 std::unique_ptr<TCommand> MakeInfoCommand();
 std::unique_ptr<TCommand> MakeAddFolderCommand();
+std::unique_ptr<TCommand> MakeImportCommand();
 std::unique_ptr<TCommand> MakeListCommand();
 std::unique_ptr<TCommand> MakeShowCommand();
 std::unique_ptr<TCommand> MakeTagsCommand();

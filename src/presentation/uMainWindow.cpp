@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uMainWindow.h"
 
-#include "frmAddFiles.h"
+#include "uImportRun.h"
 #include "uActionSet.h"
 #include "uAlbumTable.h"
 #include "uDebugLog.h"
@@ -198,6 +198,7 @@ void TMainWindow::ConnectForm()
     connect(&FForm, &TKRNMainForm::paneChanged, this, &TMainWindow::ShowPane);
     connect(&FForm, &TKRNMainForm::focusRequested, this, &TMainWindow::FocusRelease);
     connect(&FForm, &TKRNMainForm::addFilesStarted, this, &TMainWindow::OpenAddFiles);
+    connect(&FForm, &TKRNMainForm::importStarted, this, &TMainWindow::OpenImport);
     connect(&FForm, &TKRNMainForm::closeRequested, this, &QWidget::close);
     connect(&FForm, &TKRNMainForm::selectionRequested, this,
             [this](bool all) { all ? FTiles->selectAll() : FTiles->clearSelection(); });
@@ -257,7 +258,7 @@ void TMainWindow::ConnectParts()
             [](const QString& link) { QDesktopServices::openUrl(QUrl(link, QUrl::StrictMode)); });
     connect(FEmpty, &TEmptyPage::recentChosen, &FForm, &TKRNMainForm::OpenRecent);
     connect(FStatus, &TStatusLine::cancelRequested, this, [this] {
-        if (TAddFilesRun* run = FForm.AddFiles())
+        if (TImportRun* run = FForm.AddFiles())
             run->Cancel();
     });
     connect(FSplitter, &QSplitter::splitterMoved, this, [this] {

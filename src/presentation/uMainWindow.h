@@ -99,6 +99,7 @@ private:
     void KeepGeometry();
     void OpenContextMenu(const QPoint& globalPosition);
     void OpenAddFiles();
+    void OpenImport();
     void EditKeyword();
     void MoveArea(int direction);
     QWidget* CurrentViewWidget() const;

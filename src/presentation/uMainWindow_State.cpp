@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmAddFiles.h"
+#include "uImportRun.h"
+#include "uImportWindow.h"
+#include "uLogView.h"
 #include "uActionSet.h"
 #include "uAlbumTable.h"
 #include "uDefaults.h"
@@ -348,28 +350,35 @@ void TMainWindow::ReportSelection()
 
 void TMainWindow::OpenAddFiles()
 {
-    TAddFilesRun* run = FForm.AddFiles();
+    TImportRun* run = FForm.AddFiles();
     if (!run)
         return;
     FProgress = new TProgressWindow(GetLanguageString(u"cSGuiAddingFiles"_s), this);
     FProgress->setAttribute(Qt::WA_DeleteOnClose);
     QPointer<TProgressWindow> window = FProgress;
     connect(FProgress, &TProgressWindow::cancelRequested, run, [run] { run->Cancel(); });
-    connect(run, &TAddFilesRun::progressed, window, [this, run, window] {
+    connect(run, &TImportRun::progressed, window, [this, run, window] {
         window->SetProgress(run->Position(), run->Count());
         window->SetCurrentItem(run->CurrentItem());
         FStatus->ShowProgress(GetLanguageString(u"cSGuiAddingFiles"_s), run->Position(), run->Count(), true);
     });
-    connect(run, &TAddFilesRun::logLine, window, [window](const QString& line) { window->AddLogLine(line); });
-    connect(run, &TAddFilesRun::fileFailed, window, [window](const QString& file, const QString& sentence) {
-        window->AddLogLine(file + u": "_s + sentence, true);
+    connect(run, &TImportRun::logLines, &FProgress->Log(), &TLogView::AddLines);
+    connect(run, &TImportRun::fileFailed, window, [window](const QString& file, const QString& sentence) {
+        window->Log().AddWarning(file + u": "_s + sentence);
     });
-    connect(run, &TAddFilesRun::finished, window, [this, run, window] {
-        const QString stored = GetLanguageString(u"cSGuiAddedFiles"_s).arg(run->Releases()).arg(run->Files());
+    connect(run, &TImportRun::finished, window, [this, run, window] {
+        const QString stored = GetLanguageString(u"cSGuiAddedFiles"_s).arg(run->Releases()).arg(run->Tracks());
         window->Finish(run->Error().isEmpty() ? stored : run->Error() + u' ' + stored, !run->Error().isEmpty());
         FStatus->HideProgress();
     });
     FProgress->show();
+}
+
+void TMainWindow::OpenImport()
+{
+    auto* window = new TImportWindow(*FForm.ImportForm(), this);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->open();
 }
 
 void TMainWindow::MoveArea(int direction)

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frmMain.h"
 
-#include "frmAddFiles.h"
+#include "frmImport.h"
 #include "uDBValidator.h"
 #include "uDebugLog.h"
 #include "uDefaults.h"
+#include "uImport.h"
+#include "uImportRun.h"
 #include "uPrompt.h"
 #include "uTHStrings.h"
 
@@ -211,7 +213,7 @@ bool TKRNMainForm::OpenCollection(const QString& path)
 
 void TKRNMainForm::OpenRecent(const QString& path)
 {
-    if (FAddFiles) // its releases would go into the other file
+    if (Adding()) // the releases would go into the other file
         return;
     OpenCollection(path);
     FActions.Update();
@@ -375,21 +377,41 @@ void TKRNMainForm::ReportFailure(const QString& reason)
 
 void TKRNMainForm::AddFolders(const QStringList& paths)
 {
-    if (paths.isEmpty() || !FData.HasData() || FAddFiles)
+    if (paths.isEmpty() || !FData.HasData() || Adding())
         return;
-    FAddFiles = std::make_unique<TAddFilesRun>(FData, paths);
-    connect(FAddFiles.get(), &TAddFilesRun::releaseStored, this, [this] { ++FTotal; });
-    connect(FAddFiles.get(), &TAddFilesRun::finished, this, [this] {
-        RefreshDetail();
-        CountReleases();
-        StartCounting();
+    FAddFiles = std::make_unique<TImportRun>(FData, AddFilesJob(paths));
+    connect(FAddFiles.get(), &TImportRun::releaseStored, this, [this] { ++FTotal; });
+    connect(FAddFiles.get(), &TImportRun::finished, this, [this] {
         Q_EMIT addFilesFinished();
         FAddFiles.release()->deleteLater();
-        Q_EMIT figuresChanged();
-        FActions.Update();
+        AfterAdding();
     });
     Q_EMIT addFilesStarted();
     FAddFiles->Start();
+    FActions.Update();
+}
+
+void TKRNMainForm::OpenImport()
+{
+    if (!FData.HasData() || Adding())
+        return;
+    FImport = std::make_unique<TKRNImportForm>(FData, FPrompt, ImporterClasses());
+    connect(FImport.get(), &TKRNImportForm::releaseStored, this, [this] { ++FTotal; });
+    connect(FImport.get(), &TKRNImportForm::closed, this, [this] {
+        Q_EMIT importFinished();
+        FImport.release()->deleteLater();
+        AfterAdding();
+    });
+    Q_EMIT importStarted();
+    FActions.Update();
+}
+
+void TKRNMainForm::AfterAdding()
+{
+    RefreshDetail();
+    CountReleases();
+    StartCounting();
+    Q_EMIT figuresChanged();
     FActions.Update();
 }
 

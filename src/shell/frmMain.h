@@ -18,7 +18,8 @@
 
 namespace Kestrune {
 
-class TAddFilesRun;
+class TImportRun;
+class TKRNImportForm;
 class TPrompt;
 
 /// Numbers of the views, as the setting CurrentView keeps them.
@@ -136,7 +137,11 @@ public:
     /// Adds the audio files of these folders and files in the background.
     void AddFolders(const QStringList& paths);
     /// The run in progress, or null.
-    TAddFilesRun* AddFiles() const { return FAddFiles.get(); }
+    TImportRun* AddFiles() const { return FAddFiles.get(); }
+    /// Opens the import wizard; importStarted tells the window.
+    void OpenImport();
+    /// The wizard while it is open, or null.
+    TKRNImportForm* ImportForm() const { return FImport.get(); }
 
     // What the window reports about itself.
     void SetNormalGeometry(const QRect& geometry);
@@ -167,6 +172,8 @@ Q_SIGNALS:
     void selectionRequested(bool all);
     void addFilesStarted();
     void addFilesFinished();
+    void importStarted();
+    void importFinished();
     void closeRequested();
     void debugWindowToggled();
     void barRaised(Kestrune::TBarKind kind, const QString& bold, const QString& sentence);
@@ -182,6 +189,9 @@ private:
     void BindFileActions();
     void BindViewActions();
     void BindFilterActions();
+    /// Releases are being added: no other change of the collection until they are in.
+    bool Adding() const { return FAddFiles || FImport; }
+    void AfterAdding();
     bool OpenCollection(const QString& path);
     void AfterCollectionChange();
     void ResetFilters();
@@ -233,7 +243,8 @@ private:
     qint64 FCountedTo = 0;
     QTimer FCountTimer;
 
-    std::unique_ptr<TAddFilesRun> FAddFiles;
+    std::unique_ptr<TImportRun> FAddFiles;
+    std::unique_ptr<TKRNImportForm> FImport;
 };
 
 /// The detail view of the release on which qReleaseInfo and the child cursors stand.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmAddFiles.h"
+#include "frmImport.h"
 #include "frmMain.h"
 #include "uDefaults.h"
 #include "uPrompt.h"
@@ -18,9 +18,9 @@ void TKRNMainForm::BindActions()
 
 void TKRNMainForm::BindFileActions()
 {
-    const auto hasData = [this] { return FData.HasData() && !FAddFiles; };
-    const auto canWrite = [this] { return FData.HasData() && !FAddFiles && !FData.IsReadOnly(); };
-    const auto idle = [this] { return !FAddFiles; };
+    const auto hasData = [this] { return FData.HasData() && !Adding(); };
+    const auto canWrite = [this] { return FData.HasData() && !Adding() && !FData.IsReadOnly(); };
+    const auto idle = [this] { return !Adding(); };
     FActions.Bind(
         u"actAddMP3"_s,
         [this] {
@@ -28,6 +28,8 @@ void TKRNMainForm::BindFileActions()
             AddFolders(folder.isEmpty() ? QStringList() : QStringList{folder});
         },
         canWrite);
+    FActions.Bind(
+        u"actImport"_s, [this] { OpenImport(); }, canWrite);
     FActions.Bind(
         u"actNewDatabase"_s, [this] { NewDatabase(); }, idle);
     FActions.Bind(

@@ -13,6 +13,7 @@ namespace {
 
 constexpr TActionDef ActionRows[] = {
     {"actAddMP3", "cSactAddMP3", "cSactAddMP3Short", "Ctrl+Alt+D", "folder"},
+    {"actImport", "cSactImport", "cSactImportShort", "F11", "imp"},
     {"actNewDatabase", "cSactNewDatabase", "", "Ctrl+N", "add"},
     {"actOpenDatabase", "cSactOpenDatabase", "", "Ctrl+O", "folder"},
     {"actSaveDatabase", "cSactSaveDatabase", "", "Ctrl+S", "save"},

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "frmAddFiles.h"
+#include "uImportRun.h"
 #include "frmMain.h"
 #include "uDefaults.h"
 #include "uScriptedPrompt.h"

@@ -2,13 +2,13 @@
 #include "uProgressWindow.h"
 
 #include "uIcons.h"
+#include "uLogView.h"
 #include "uTHStrings.h"
 #include "uThemePaint.h"
 #include "uThemeStyle.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
-#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -27,17 +27,13 @@ TProgressWindow::TProgressWindow(const QString& title, QWidget* parent)
     : QDialog(parent),
       FTitle(title),
       FBar(new QProgressBar(this)),
-      FLog(new QPlainTextEdit(this)),
+      FLog(new TLogView(this)),
       FButton(new QPushButton(GetLanguageString(u"cSGuiCancel"_s), this))
 {
     setWindowTitle(title);
     FBar->setTextVisible(false);
     FBar->setFixedHeight(10);
     FBar->setAccessibleName(title);
-    FLog->setReadOnly(true);
-    FLog->setMaximumBlockCount(5000);
-    FLog->setAccessibleName(GetLanguageString(u"cSGuiLog"_s));
-    FLog->setTabChangesFocus(true);
     auto* column = new QVBoxLayout(this);
     const int head = LineHeight(ThemeFont(fsPaneTitle)) + LineHeight(ThemeFont(fsBody)) + 10;
     column->setContentsMargins(WindowPadding, WindowPadding + head, WindowPadding, WindowPadding);
@@ -62,14 +58,6 @@ void TProgressWindow::SetCurrentItem(const QString& text)
 {
     FSentence = text;
     update();
-}
-
-void TProgressWindow::AddLogLine(const QString& line, bool warning)
-{
-    if (!warning)
-        return FLog->appendPlainText(line);
-    QString escaped = line.toHtmlEscaped();
-    FLog->appendHtml(u"<span style=\"color:%1\">⚠ %2</span>"_s.arg(CurrentTheme().Warn.name(), escaped));
 }
 
 void TProgressWindow::Finish(const QString& sentence, bool failed)

@@ -3,11 +3,12 @@
 
 #include <QDialog>
 
-class QPlainTextEdit;
 class QProgressBar;
 class QPushButton;
 
 namespace Kestrune {
+
+class TLogView;
 
 /// Shows a job of its own: what it does, a bar, the current item and a log, with Cancel while it runs and Close
 /// afterwards. Closing while it runs asks to cancel.
@@ -19,7 +20,7 @@ public:
     /// `maximum` 0 means that the end is not known.
     void SetProgress(int value, int maximum);
     void SetCurrentItem(const QString& text);
-    void AddLogLine(const QString& line, bool warning = false);
+    TLogView& Log() { return *FLog; }
     /// The job is over: the button now closes. After a failure the bar shows it and `sentence` says what stays.
     void Finish(const QString& sentence, bool failed);
     bool IsFinished() const { return FFinished; }
@@ -37,7 +38,7 @@ private:
     bool FFinished = false;
     bool FFailed = false;
     QProgressBar* FBar;
-    QPlainTextEdit* FLog;
+    TLogView* FLog;
     QPushButton* FButton;
 };
 

@@ -8,18 +8,28 @@
 #include <QStringList>
 
 #include <memory>
+#include <vector>
 
 namespace Kestrune {
 
 class TDataModuleMain;
 
-/// One run of adding audio files: the worker, and what its window shows.
-class TAddFilesRun : public QObject {
+/// What one worker is told to do.
+struct TImportJob {
+    const TImporterClass* Class = nullptr; ///< of the registry
+    TKRNImporterJobType JobType = ijtImport;
+    QString InputPath;
+    QString Data;                     ///< pasted text, or empty
+    std::vector<TVariant> IDsArray{}; ///< keys of the releases to import; empty for all
+};
+
+/// One run of a source: the worker, and what windows and commands show of it. Main thread.
+class TImportRun : public QObject {
     Q_OBJECT
 
 public:
-    TAddFilesRun(TDataModuleMain& data, const QStringList& paths);
-    ~TAddFilesRun() override;
+    TImportRun(TDataModuleMain& data, const TImportJob& job);
+    ~TImportRun() override;
 
     void Start();
     /// Ends the run after the release in work.
@@ -30,7 +40,10 @@ public:
     int Position() const { return FPosition; }
     int Count() const { return FCount; }
     int Releases() const { return FReleases; }
-    int Files() const { return FFiles; }
+    /// Items that the source counted: tracks, or files of audio folders. 0 before the end.
+    int Tracks() const { return FTracks; }
+    /// The source came to its own end, be it by Cancel.
+    bool Done() const { return FDone; }
     /// What is being read, one line.
     QString CurrentItem() const { return FCurrentItem; }
     /// Why the run ended early, or empty.
@@ -41,23 +54,34 @@ public:
 
 Q_SIGNALS:
     void progressed();
-    void logLine(const QString& line);
+    void logLines(const QStringList& lines);
     void releaseStored(qint64 id, const QString& name);
     void fileFailed(const QString& file, const QString& sentence);
+    void releasesFound(const std::vector<Kestrune::TReleaseFoundItem>& releases);
+    /// The source ended by itself: Releases and Tracks are final.
+    void done();
+    void failed();
+    /// The worker is gone; the last signal.
     void finished();
 
 private:
+    void Listen();
+
     std::unique_ptr<TKRNImporter> FImporter;
     bool FRunning = false;
     bool FCancelled = false;
+    bool FDone = false;
     int FPosition = 0;
     int FCount = 0;
     int FReleases = 0;
-    int FFiles = 0;
+    int FTracks = 0;
     QString FCurrentItem;
     QString FError;
     QElapsedTimer FClock;
     double FSeconds = 0.0;
 };
+
+/// The job of adding audio folders and files to the collection.
+TImportJob AddFilesJob(const QStringList& paths);
 
 } // namespace Kestrune

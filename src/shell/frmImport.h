@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "uImportAbstract.h"
+#include "uPathCheck.h"
+
+#include <QObject>
+#include <QStringList>
+
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace Kestrune {
+
+class TDataModuleMain;
+class TFileCatcher;
+class TImportRun;
+class TPrompt;
+
+/// Pages of the import wizard, in their order.
+enum class TImportPage : quint8 { pWelcome, pSelectSource, pSelectAlbumsToImport, pProgress, pFinish };
+using enum TImportPage;
+
+/// One release of the source on the selection page.
+struct TImportRow {
+    TReleaseFoundItem Item;
+    bool Ticked = false;
+};
+
+/// Logic of the import wizard: which pages there are, when one may go on, and the one worker that lists or imports.
+/// It never looks inside a source, it asks its class. Main thread.
+class TKRNImportForm : public QObject {
+    Q_OBJECT
+
+public:
+    /// Data module and prompt outlive the form, as do the classes.
+    TKRNImportForm(TDataModuleMain& data, TPrompt& prompt, std::span<const TImporterClass> classes);
+    ~TKRNImportForm() override;
+
+    std::span<const TImporterClass> Classes() const { return FClasses; }
+    /// Row of the chosen source, or -1.
+    int ClassIndex() const { return FClassIndex; }
+    void ChooseClass(int row);
+    /// The chosen source; only when ClassIndex is not -1.
+    const TImporterClass& Class() const { return FClasses[static_cast<size_t>(FClassIndex)]; }
+
+    TImportPage Page() const { return FPage; }
+    /// The pages of the chosen source.
+    std::vector<TImportPage> Pages() const;
+    /// Heading of a page, its short name in the list of steps, and one sentence on it.
+    static QString PageTitle(TImportPage page);
+    static QString StepTitle(TImportPage page);
+    QString PageHint() const;
+    /// Caption of the Next button.
+    QString NextCaption() const;
+
+    bool NextEnabled() const;
+    bool BackEnabled() const;
+    bool CancelEnabled() const { return FPage != pFinish; }
+    void Next();
+    void Back();
+    /// Asks first; ends the worker, or closes the wizard when none runs.
+    void Cancel();
+    void Finish();
+
+    // Source page
+    QString SourceText() const { return FSourceText; }
+    /// What the user types.
+    void SetSourceText(const QString& text);
+    /// Lets the user choose a file or folder.
+    void Browse();
+    bool CanBrowse() const;
+    /// Pasted text in place of a file (cbCopyPasteData instead of cbChooseFile).
+    bool PasteMode() const { return FPasteMode; }
+    void SetPasteMode(bool paste);
+    QString Memo() const { return FMemo; }
+    void SetMemo(const QString& text);
+    bool AcceptsDrops() const { return FPage == pSelectSource && FAcceptsDrops; }
+    void DropFiles(const TFileCatcher& files);
+
+    // Selection page
+    const std::vector<TImportRow>& Rows() const { return FRows; }
+    int TickedCount() const { return FTicked; }
+    void SetTicked(int row, bool ticked);
+    /// Check all, uncheck all.
+    void TickAll(bool ticked);
+    /// Check selected, uncheck selected.
+    void TickRows(const std::vector<int>& rows, bool ticked);
+    /// Why the source could not be listed, or empty.
+    QString ListingError() const { return FListingError; }
+    /// Share of the source that is listed, 0 to 100.
+    int ListingPercent() const;
+
+    // Progress and finish page
+    /// The worker of the page, or null.
+    const TImportRun* Importer() const { return FImporter.get(); }
+    /// "Importing data..." and the item in work, or the error.
+    QString ProgressText() const { return FProgressText; }
+    bool HasFailed() const { return FFailed; }
+    /// Position, albums, elapsed and remaining time as far as they are known; after a failure what stays stored.
+    QString ProgressFigures() const;
+    QString FinishText() const { return FFinishText; }
+
+Q_SIGNALS:
+    void pageChanged();
+    /// Enabling, texts or progress changed.
+    void updated();
+    void rowsReset();
+    void rowsAppended(int first, int last);
+    void ticksChanged();
+    void logCleared();
+    void logLines(const QStringList& lines);
+    void logWarning(const QString& line);
+    void releaseStored(qint64 id);
+    void openUrlRequested(const QString& url);
+    /// The wizard is over; true after Finish.
+    void closed(bool finished);
+
+private:
+    void EnterPage(TImportPage page, TImportPage from);
+    void EnterSource();
+    void EnterSelection();
+    void EnterProgress();
+    void GoTo(TImportPage page);
+    TImportPage Neighbour(int step) const;
+    bool SourceGiven() const;
+    bool DriverIsMissing();
+    bool UsesMemo() const;
+    void StartImporter(TKRNImporterJobType type);
+    void ListenToListing();
+    void ListenToImport();
+    void ImporterFinished();
+
+    TDataModuleMain& FData;
+    TPrompt& FPrompt;
+    std::span<const TImporterClass> FClasses;
+    int FClassIndex = -1;
+    TImportPage FPage = pWelcome;
+    QString FSourceText;
+    QString FMemo;
+    bool FPasteMode = false;
+    bool FAcceptsDrops = false;
+    bool FJustDragNDropped = false;
+    TPathCheck FPathCheck;
+    std::vector<TImportRow> FRows;
+    int FTicked = 0;
+    QString FListingError;
+    QString FProgressText;
+    QString FFinishText;
+    QString FStored; // after a failure: what stays
+    bool FFailed = false;
+    std::unique_ptr<TImportRun> FImporter;
+};
+
+} // namespace Kestrune

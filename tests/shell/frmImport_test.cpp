@@ -1,0 +1,348 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dmMain.h"
+#include "frmImport.h"
+#include "uDefaults.h"
+#include "uFileCatcher.h"
+#include "uImport.h"
+#include "uImportRun.h"
+#include "uObjs.h"
+#include "uScriptedPrompt.h"
+#include "uTestFiles.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// A source of invented releases whose answers and job a test sets.
+class TFakeImporter final : public TKRNImporter {
+public:
+    struct TAnswers {
+        bool Select = true, Paste = false, Drops = false, NeedsDriver = false, HasDriver = true;
+        TKRNImporterInputType Type = iitString;
+        int Releases = 3;
+        int FailAt = -1; // position whose release throws
+    };
+    static TAnswers& Answers()
+    {
+        static TAnswers answers;
+        return answers;
+    }
+    struct TSeen {
+        QString InputPath, Data, Ids;
+        int Started = 0;
+    };
+    static TSeen& Seen()
+    {
+        static TSeen seen;
+        return seen;
+    }
+
+    using TKRNImporter::TKRNImporter;
+    ~TFakeImporter() override
+    {
+        Terminate();
+        WaitFor();
+    }
+    static bool CanSelectWhichAlbumsToImport() { return Answers().Select; }
+    static bool CanCopyAndPasteData() { return Answers().Paste; }
+    static TKRNImporterInputType GetImporterType() { return Answers().Type; }
+    static QString GetImporterFileExt() { return u"x"_s; }
+    static QString GetImporterFileExtFilter() { return u"X (*.x)|*.x"_s; }
+    static QString GetDisplayName() { return u"Fake"_s; }
+    static QString GetDisplayDesc() { return u"Invented releases"_s; }
+    static QString GetSelectSourceDescription() { return u"Type something"_s; }
+    static bool AllowsDragNDrop() { return Answers().Drops; }
+    static bool NeedToCheckForMissingDrivers() { return Answers().NeedsDriver; }
+    static bool CheckForMissingDrivers() { return Answers().HasDriver; }
+    static QString GetMissingDriversURL() { return u"https://example.org/driver"_s; }
+    static QString GetMissingDriversName() { return u"Tables"_s; }
+
+protected:
+    void Import() override
+    {
+        QStringList ids;
+        for (const TVariant& id : IDsArray())
+            ids += VarToStr(id);
+        Seen() = {InputPath(), Data(), ids.join(u','), Seen().Started + 1};
+        const TControlsOff controlsOff(*this);
+        int stored = 0;
+        for (int i = 0; i < Answers().Releases && !Terminated(); ++i) {
+            if (i == Answers().FailAt)
+                throw std::runtime_error("page 7 is torn");
+            if (JobType() == ijtGetReleasesList) {
+                DoOnReleaseFound(i, u"Artist"_s, u"Album %1"_s.arg(i), u"1999"_s, 4);
+                DoOnProgress(i, Answers().Releases, true, {});
+            } else if (IsWanted(i)) {
+                TAlbumRelease release;
+                release.SetItem2(u"Artist"_s, u"Artist"_s);
+                release.SetItem2(u"ReleaseName"_s, u"Album %1"_s.arg(i));
+                StoreRelease(release, true);
+                ++stored;
+                DoOnProgress(i, Answers().Releases, true, u"Artist - Album %1"_s.arg(i));
+            }
+        }
+        DoOnImportDone(stored, stored * 4);
+    }
+};
+
+class ImportForm : public testing::Test {
+protected:
+    ImportForm()
+    {
+        Defaults() = MakeDefaults();
+        TFakeImporter::Answers() = {};
+        TFakeImporter::Seen() = {};
+        FData.CreateNewDB(FPath, FData.GetNewDatabaseSQL());
+    }
+    void SetUp() override { ASSERT_TRUE(FData.ConnectToDB(FPath)); }
+
+    // Serves events until the condition holds.
+    template <typename T>
+    void Until(T condition)
+    {
+        QEventLoop loop;
+        QTimer watch;
+        QTimer::singleShot(20000, &loop, [&loop] { loop.exit(1); });
+        QObject::connect(&watch, &QTimer::timeout, &loop, [&] {
+            if (condition())
+                loop.exit(0);
+        });
+        watch.start(0);
+        ASSERT_EQ(loop.exec(), 0) << "the condition never held";
+    }
+    void UntilIdle()
+    {
+        Until([this] { return !FForm.Importer(); });
+    }
+    void GoToSource()
+    {
+        FForm.ChooseClass(0);
+        FForm.Next();
+        ASSERT_EQ(FForm.Page(), pSelectSource);
+    }
+    void GoToSelection()
+    {
+        GoToSource();
+        FForm.SetSourceText(u"me"_s);
+        FForm.Next();
+        ASSERT_EQ(FForm.Page(), pSelectAlbumsToImport);
+    }
+    qint64 StoredReleases() { return FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2"_s); }
+
+    Kit::TTempDir FDir;
+    Kit::TScriptedPrompt FPrompt;
+    QString FPath = FDir.File(u"x.db"_s);
+    TDataModuleMain FData{FPrompt};
+    std::vector<TImporterClass> FClasses{MakeImporterClass<TFakeImporter>(u"TKRNImporter_Fake"_s),
+                                         *FindImporterClass(u"TKRNImporter_MP3s"_s)};
+    TKRNImportForm FForm{FData, FPrompt, FClasses};
+};
+
+} // namespace
+
+TEST_F(ImportForm, PagesFollowTheSource)
+{
+    EXPECT_FALSE(FForm.NextEnabled()) << "no source is chosen";
+    FForm.Next();
+    EXPECT_EQ(FForm.Page(), pWelcome);
+    FForm.ChooseClass(1);
+    EXPECT_EQ(FForm.Pages(), (std::vector{pWelcome, pSelectSource, pProgress, pFinish}));
+    FForm.ChooseClass(0);
+    EXPECT_EQ(FForm.Pages(), (std::vector{pWelcome, pSelectSource, pSelectAlbumsToImport, pProgress, pFinish}));
+    FForm.ChooseClass(7);
+    EXPECT_EQ(FForm.ClassIndex(), 0);
+}
+
+TEST_F(ImportForm, NextOnTheSourcePage)
+{
+    const QString file = FDir.Write(u"there.x"_s, "x");
+    const QString folder = FDir.Path();
+    const QString nowhere = FDir.File(u"nowhere"_s);
+    const struct {
+        TKRNImporterInputType Type;
+        bool Paste; // the class allows it and the user chose it
+        QString Text, Memo;
+        bool Expected;
+    } rows[] = {{iitFile, false, {}, u"m"_s, false},     {iitFile, false, file, {}, true},
+                {iitFile, false, folder, {}, false},     {iitFile, false, nowhere, {}, false},
+                {iitFile, true, file, {}, false},        {iitFile, true, {}, u"a;b"_s, true},
+                {iitFolder, false, folder, {}, true},    {iitFolder, false, file, {}, false},
+                {iitFolder, false, nowhere, {}, false},  {iitString, false, {}, {}, false},
+                {iitString, false, u"name"_s, {}, true}, {iitLink, false, u"https://x"_s, {}, true},
+                {iitMemo, false, u"text"_s, {}, false},  {iitMemo, false, {}, u"text"_s, true}};
+    int number = 0;
+    for (const auto& row : rows) {
+        SCOPED_TRACE(number++);
+        TFakeImporter::Answers().Type = row.Type;
+        TFakeImporter::Answers().Paste = row.Paste;
+        TKRNImportForm form(FData, FPrompt, FClasses);
+        form.ChooseClass(0);
+        form.Next();
+        form.SetPasteMode(row.Paste);
+        form.SetSourceText(row.Text);
+        form.SetMemo(row.Memo);
+        Until([&] { return form.NextEnabled() == row.Expected; });
+    }
+}
+
+TEST_F(ImportForm, DroppedFilesAreJoinedAndGoOnByThemselves)
+{
+    TFakeImporter::Answers().Type = iitFile;
+    GoToSource();
+    EXPECT_FALSE(FForm.AcceptsDrops());
+    FForm.Back();
+    TFakeImporter::Answers().Drops = true;
+    GoToSource();
+    FForm.DropFiles(TFileCatcher({u"/a/1.x"_s, u"/b/2.x"_s}));
+    EXPECT_EQ(FForm.Page(), pSelectAlbumsToImport);
+    UntilIdle();
+    EXPECT_EQ(TFakeImporter::Seen().InputPath, u"/a/1.x|/b/2.x"_s);
+    FForm.Back();
+    EXPECT_TRUE(FForm.NextEnabled()) << "the drop still counts";
+    FForm.SetSourceText(u"/a/1.x"_s);
+    EXPECT_FALSE(FForm.NextEnabled()) << "what is typed must exist";
+}
+
+TEST_F(ImportForm, ListsTicksAndImportsOnlyTheTicked)
+{
+    TFakeImporter::Answers().Releases = 45;
+    GoToSelection();
+    EXPECT_FALSE(FForm.NextEnabled() || FForm.BackEnabled()) << "while the listing runs";
+    UntilIdle();
+    ASSERT_EQ(FForm.Rows().size(), 45U);
+    EXPECT_EQ(FForm.NextCaption(), u"Import all 45 albums"_s);
+    FForm.TickAll(true);
+    FForm.TickRows({0, 1, 2, 99, -1}, false);
+    EXPECT_EQ(FForm.TickedCount(), 42);
+    FForm.TickAll(false);
+    FForm.TickRows({44, 7}, true);
+    FForm.SetTicked(9, true);
+    EXPECT_EQ(FForm.NextCaption(), u"Import 3 albums"_s);
+    FForm.Next();
+    EXPECT_FALSE(FForm.BackEnabled());
+    Until([this] { return FForm.Page() == pFinish; });
+    EXPECT_EQ(TFakeImporter::Seen().Ids, u"7,9,44"_s) << "in the order of the list";
+    EXPECT_EQ(FForm.FinishText(), u"Import complete. 3 albums, 12 tracks imported."_s);
+    EXPECT_FALSE(FForm.NextEnabled() || FForm.BackEnabled() || FForm.CancelEnabled());
+    EXPECT_EQ(StoredReleases(), 3);
+    bool finished = false;
+    QObject::connect(&FForm, &TKRNImportForm::closed, &FForm, [&](bool ok) { finished = ok; });
+    FForm.Finish();
+    EXPECT_TRUE(finished);
+}
+
+TEST_F(ImportForm, ASelectionPageThatIsEnteredAnewListsAnew)
+{
+    GoToSelection();
+    UntilIdle();
+    FForm.TickAll(true);
+    FForm.Back();
+    TFakeImporter::Answers().Releases = 0;
+    FForm.Next();
+    UntilIdle();
+    EXPECT_TRUE(FForm.Rows().empty());
+    EXPECT_EQ(FForm.TickedCount(), 0);
+    EXPECT_FALSE(FForm.NextEnabled()) << "an empty list";
+    EXPECT_EQ(FForm.ListingPercent(), 0);
+    EXPECT_EQ(TFakeImporter::Seen().Started, 2);
+}
+
+TEST_F(ImportForm, AFailureStaysOnItsPage)
+{
+    TFakeImporter::Answers().FailAt = 1;
+    GoToSelection();
+    UntilIdle();
+    EXPECT_EQ(FForm.ListingError(), u"Error: page 7 is torn"_s);
+    EXPECT_TRUE(FForm.Rows().empty()) << "what was not yet delivered is not offered";
+    FForm.Back();
+    TFakeImporter::Answers().Select = false;
+    QStringList warnings;
+    QObject::connect(&FForm, &TKRNImportForm::logWarning, &FForm, [&](const QString& line) { warnings += line; });
+    FForm.Next();
+    ASSERT_EQ(FForm.Page(), pProgress);
+    UntilIdle();
+    EXPECT_EQ(FForm.Page(), pProgress);
+    EXPECT_EQ(FForm.ProgressText(), u"Error: page 7 is torn"_s);
+    EXPECT_EQ(warnings, QStringList{u"Error: page 7 is torn"_s});
+    EXPECT_EQ(FForm.ProgressFigures(), u"1 albums were stored before the error and stay in the collection."_s);
+    EXPECT_TRUE(FForm.BackEnabled());
+    EXPECT_EQ(StoredReleases(), 1);
+    bool closed = false;
+    QObject::connect(&FForm, &TKRNImportForm::closed, &FForm, [&](bool finished) { closed = !finished; });
+    FForm.Cancel();
+    EXPECT_TRUE(closed);
+}
+
+TEST_F(ImportForm, CancelEndsTheWorkerAndReachesTheFinishPage)
+{
+    TFakeImporter::Answers().Select = false;
+    TFakeImporter::Answers().Releases = 5000;
+    GoToSource();
+    FForm.SetSourceText(u"me"_s);
+    FPrompt.YesNoAnswer = false;
+    int stored = 0;
+    QObject::connect(&FForm, &TKRNImportForm::releaseStored, &FForm, [&] {
+        if (++stored == 3)
+            FForm.Cancel();
+        if (stored == 5) {
+            FPrompt.YesNoAnswer = true;
+            FForm.Cancel();
+        }
+    });
+    FForm.Next();
+    Until([this] { return FForm.Page() == pFinish && !FForm.Importer(); });
+    EXPECT_EQ(FPrompt.Questions, QStringList(2, u"Are you sure you want to discard changes?"_s));
+    EXPECT_EQ(StoredReleases(), 5) << "the release in work is finished, no further one is begun";
+    EXPECT_EQ(FForm.FinishText(), u"Import complete. 5 albums, 20 tracks imported."_s);
+}
+
+TEST_F(ImportForm, AMissingDriverStopsBeforeAnyWorker)
+{
+    for (const bool select : {true, false}) {
+        TFakeImporter::Answers() = {.Select = select, .NeedsDriver = true, .HasDriver = false};
+        FPrompt.Information.clear();
+        TKRNImportForm form(FData, FPrompt, FClasses);
+        QString url;
+        bool closed = false;
+        QObject::connect(&form, &TKRNImportForm::openUrlRequested, &form, [&](const QString& to) { url = to; });
+        QObject::connect(&form, &TKRNImportForm::closed, &form, [&](bool finished) { closed = !finished; });
+        form.ChooseClass(0);
+        form.Next();
+        form.SetSourceText(u"x"_s);
+        form.Next();
+        EXPECT_TRUE(closed);
+        EXPECT_EQ(url, u"https://example.org/driver"_s);
+        EXPECT_EQ(FPrompt.Information, QStringList(u"Your operating system is missing a required driver for Tables. "
+                                                   "Click OK to open the download page in your browser."_s));
+        EXPECT_EQ(TFakeImporter::Seen().Started, 0);
+    }
+}
+
+TEST_F(ImportForm, PastedTextReachesTheSourceOnlyInPasteMode)
+{
+    TFakeImporter::Answers() = {.Select = false, .Paste = true, .Type = iitFile};
+    const QString file = FDir.Write(u"there.x"_s, "x");
+    for (const bool paste : {true, false}) {
+        TKRNImportForm form(FData, FPrompt, FClasses);
+        form.ChooseClass(0);
+        form.Next();
+        form.SetSourceText(file);
+        form.SetPasteMode(paste);
+        form.SetMemo(u"a;b"_s);
+        Until([&] { return form.NextEnabled(); });
+        form.Next();
+        Until([&] { return form.Page() == pFinish && !form.Importer(); });
+        EXPECT_EQ(TFakeImporter::Seen().Data, paste ? u"a;b"_s : QString());
+    }
+}
+
+} // namespace Kestrune
