@@ -147,6 +147,29 @@ TEST_F(Cli, AFolderGoesInAndComesOut)
     EXPECT_TRUE(show[u"credits"_s].isArray() && show[u"pictures"_s].isArray() && show[u"loans"_s].isArray());
 }
 
+TEST_F(Cli, ASourceIsListedAndImportedByKey)
+{
+    const QString music = MakeMusic(3, 2);
+    Run({u"new"_s, FPath});
+    const QStringList call{u"import"_s, FPath, u"--from"_s, u"MP3s"_s, music, u"--json"_s};
+    const TCliResult listed = Run(call + QStringList{u"--list"_s});
+    ASSERT_EQ(listed.Code, 0) << listed.Err.toStdString();
+    const QJsonArray found = listed.Json().object()[u"releases"_s].toArray();
+    ASSERT_EQ(found.size(), 3);
+    EXPECT_EQ(found[1][u"release"_s].toString(), u"Album 1"_s);
+    EXPECT_EQ(found[1][u"tracks"_s].toInt(), 2);
+    EXPECT_EQ(Run({u"info"_s, FPath, u"--json"_s}).Json().object()[u"releases"_s].toInt(), 0)
+        << "listing stores nothing";
+    const QStringList keys{u"--ids"_s, found[2][u"id"_s].toString(), found[0][u"id"_s].toString()};
+    ASSERT_EQ(Run(call + keys).Code, 0);
+    const QJsonArray stored = Run({u"list"_s, FPath, u"--json"_s, u"--sort"_s, u"Artist"_s}).Json().array();
+    ASSERT_EQ(stored.size(), 2);
+    EXPECT_EQ(stored[0][u"Artist"_s].toString(), u"Artist 0"_s);
+    EXPECT_EQ(stored[1][u"Artist"_s].toString(), u"Artist 2"_s);
+    EXPECT_EQ(Run({u"import"_s, FPath, u"--from"_s, u"Nobody"_s, music}).Code, 2);
+    EXPECT_EQ(Run({u"import"_s, FPath, music}).Code, 2);
+}
+
 TEST_F(Cli, AKilledImportHoldsEveryReleaseItHadPrinted)
 {
     const QString music = MakeMusic(120, 3);

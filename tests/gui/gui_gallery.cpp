@@ -9,7 +9,11 @@
 #include "uEmptyPage.h"
 #include "uFilterBar.h"
 #include "uGalleryData.h"
+#include "uImport.h"
+#include "uImportWindow.h"
 #include "uLetterBar.h"
+#include "uListedImporter.h"
+#include "uLogView.h"
 #include "uMainWindow.h"
 #include "uMessageBars.h"
 #include "uProgressWindow.h"
@@ -268,9 +272,31 @@ public:
         TProgressWindow progress(u"Adding audio files"_s);
         progress.SetProgress(12, 40);
         progress.SetCurrentItem(u"Hask & Vane – Low Lamps"_s);
-        progress.AddLogLine(u"Salt Atlas stored"_s);
-        progress.AddLogLine(u"a broken file was left out"_s, true);
+        progress.Log().AddLines({u"Salt Atlas stored"_s});
+        progress.Log().AddWarning(u"a broken file was left out"_s);
         Save(progress, u"progress"_s);
+    }
+
+    void Wizard() const
+    {
+        Kit::TScriptedPrompt prompt;
+        TDataModuleMain data(prompt);
+        std::vector<TImporterClass> classes(ImporterClasses().begin(), ImporterClasses().end());
+        classes.push_back(MakeImporterClass<Kit::TListedImporter>(u"TKRNImporter_Listed"_s));
+        TKRNImportForm form(data, prompt, classes);
+        TImportWindow window(form, nullptr);
+        window.show();
+        form.ChooseClass(0);
+        Save(window, u"import-welcome"_s);
+        form.ChooseClass(1);
+        form.Next();
+        form.SetSourceText(QCoreApplication::applicationFilePath());
+        Save(window, u"import-source"_s);
+        form.Next();
+        while (form.Importer())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        form.TickRows({0, 1, 4, 5}, true);
+        Save(window, u"import-select"_s);
     }
 
 private:
@@ -291,6 +317,7 @@ int RunGallery(const QStringList& arguments)
     gallery.Pane();
     gallery.Table();
     gallery.Dialogs();
+    gallery.Wizard();
     gallery.Thumbs();
     gallery.Window(u"window"_s, 1440, 760, false);
     gallery.Window(u"window-narrow"_s, 900, 560, false);

@@ -5,6 +5,7 @@
 #include "uDetailPane.h"
 #include "uDetailParts.h"
 #include "uGalleryData.h"
+#include "uLogView.h"
 #include "uProgressWindow.h"
 #include "uSplash.h"
 #include "uStarsEdit.h"
@@ -149,7 +150,7 @@ TEST(Dialogs, ProgressAsksOnceThenCloses)
     EXPECT_EQ(cancelled.count(), 1);
     EXPECT_TRUE(window.isVisible());
     EXPECT_FALSE(window.findChild<QPushButton*>()->isEnabled());
-    window.AddLogLine(u"<b>not markup</b>"_s, true);
+    window.Log().AddWarning(u"<b>not markup</b>"_s);
     window.Finish(u"2 releases added"_s, false);
     window.grab();
     QTest::mouseClick(window.findChild<QPushButton*>(), Qt::LeftButton);

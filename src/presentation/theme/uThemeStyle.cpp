@@ -148,6 +148,7 @@ QSize TThemeStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
             result.setHeight(9);
         break;
     case CT_MenuBarItem: result = QSize(size.width() + 16, std::max(28, size.height() + 8)); break;
+    case CT_ItemViewItem: result.setHeight(std::max(28, result.height() + 4)); break;
     default: break;
     }
     return result;
