@@ -114,7 +114,7 @@ int TMP4Tag::Load(TByteSource& source)
         else if (box.Name == TFourCC("mdat"))
             FSoundSize += box.End - box.Offset;
     }
-    DeriveTimes();
+    DeriveTimes(source);
     return Loaded ? TagResultOk : TagResultNoTag;
 }
 
@@ -130,6 +130,7 @@ void TMP4Tag::ReadMovie(TByteSource& source, qint64 start, qint64 end)
         } else if (box.Name == TFourCC("mvhd")) {
             FMovieTime = ReadMP4Time(source, box, scale);
         } else if (box.Name == TFourCC("mvex") && FMovieTime == 0 && scale > 0) {
+            FFragments.DefaultDuration = ReadMP4DefaultDuration(source, box, FFragments.TrackID);
             if (const auto header = FindMP4Box(source, box.Offset, box.End, "mehd")) {
                 const QByteArray bytes = source.Read(header->Offset, 12);
                 TByteReader reader(bytes);
@@ -138,7 +139,7 @@ void TMP4Tag::ReadMovie(TByteSource& source, qint64 start, qint64 end)
                 FMovieTime = static_cast<double>(wide ? reader.U64BE() : reader.U32BE()) / scale;
             }
         } else if (box.Name == TFourCC("trak") && ParseAudioAttributes && !FHasTrack) {
-            if (const auto audio = ReadMP4Track(source, box)) {
+            if (const auto audio = ReadMP4Track(source, box, FFragments)) {
                 Audio = *audio;
                 FHasTrack = true;
             }
@@ -222,12 +223,14 @@ void TMP4Tag::ReadXtra(QByteArrayView content)
     Loaded = Loaded || !Xtra.empty();
 }
 
-void TMP4Tag::DeriveTimes()
+void TMP4Tag::DeriveTimes(TByteSource& source)
 {
     if (!ParseAudioAttributes)
         return;
     if (Audio.PlayTime == 0)
         Audio.PlayTime = FMovieTime;
+    if (Audio.PlayTime == 0 && FHasTrack)
+        Audio.PlayTime = ReadMP4FragmentTime(source, FFragments);
     if (Audio.BitRate == 0 && FHasTrack)
         Audio.BitRate = BitRateOf(FSoundSize, Audio.PlayTime);
     Audio.SampleCount = SampleCountOf(Audio.PlayTime, Audio.SamplesPerSec);

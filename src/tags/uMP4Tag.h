@@ -39,6 +39,13 @@ struct TMP4Xtra {
     QString Value; ///< texts as they are, numbers in decimal, identifiers as GUID texts
 };
 
+/// What the fragments of a movie refer to (ISO/IEC 14496-12, section 8.8).
+struct TMP4Fragments {
+    quint32 TrackID = 0;
+    quint32 TimeScale = 0;       ///< units per second
+    quint32 DefaultDuration = 0; ///< of a sample, in units, as "trex" states it
+};
+
 /// Item list, Xtra atom and sound attributes of MP4 files (ISO/IEC 14496-12 and -14, QuickTime File Format).
 class TMP4Tag {
 public:
@@ -75,10 +82,11 @@ private:
     void ReadItems(TByteSource& source, qint64 start, qint64 end);
     void ReadItem(TFourCC name, QByteArrayView content);
     void ReadXtra(QByteArrayView content);
-    void DeriveTimes();
+    void DeriveTimes(TByteSource& source);
     int Pair(TFourCC name, int index) const;
 
     double FMovieTime = 0;
+    TMP4Fragments FFragments;
     qint64 FSoundSize = 0; // of all media data
     bool FHasTrack = false;
 };

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "uByteReader.h"
-#include "uChunks.h"
-#include "uTagTypes.h"
+#include "uMP4Tag.h"
 
 #include <optional>
 
@@ -35,7 +33,13 @@ std::optional<TMP4Box> FindMP4Box(TByteSource& source, qint64 start, qint64 end,
 /// Time in seconds of an "mvhd" or "mdhd" atom, and its units per second; 0 when unknown.
 double ReadMP4Time(TByteSource& source, const TMP4Box& box, quint32& timeScale);
 
-/// Attributes of a track; nothing when it holds no sound.
-std::optional<TAudioAttributes> ReadMP4Track(TByteSource& source, const TMP4Box& track);
+/// Attributes of a track, and what its fragments need; nothing when it holds no sound.
+std::optional<TAudioAttributes> ReadMP4Track(TByteSource& source, const TMP4Box& track, TMP4Fragments& fragments);
+
+/// Default duration of the track's samples, from an "mvex" atom.
+quint32 ReadMP4DefaultDuration(TByteSource& source, const TMP4Box& extends, quint32 trackID);
+
+/// Seconds of the track in all fragments of the file; 0 when there are none.
+double ReadMP4FragmentTime(TByteSource& source, const TMP4Fragments& fragments);
 
 } // namespace Kestrune

@@ -53,6 +53,7 @@ QString Encode(const TTempDir& dir, const TEncoding& encoding)
 TEST(TagsEncoded, RealSoundIsTimedWithinATenthOfASecond)
 {
     const QStringList mp3 = {u"-c:a"_s, u"libmp3lame"_s};
+    const QStringList fragments = {u"-c:a"_s, u"aac"_s, u"-movflags"_s};
     // Frames of MPEG count whole: at 8,000 Hz the encoder's delay and padding show. AIFF is told in whole seconds.
     const TEncoding encodings[] = {
         {"cbr.mp3", mp3 + QStringList{u"-b:a"_s, u"96k"_s, u"-write_xing"_s, u"0"_s}, 44100, 2},
@@ -60,12 +61,19 @@ TEST(TagsEncoded, RealSoundIsTimedWithinATenthOfASecond)
         {"vbr.mp3", mp3 + QStringList{u"-q:a"_s, u"5"_s, u"-id3v2_version"_s, u"3"_s}, 44100, 2},
         {"mpeg2.mp3", mp3 + QStringList{u"-q:a"_s, u"5"_s}, 22050, 1},
         {"mpeg25.mp3", mp3 + QStringList{u"-b:a"_s, u"16k"_s}, 8000, 1, true, 48 * 576 / 8000.0},
+        {"abr.mp3", mp3 + QStringList{u"-abr"_s, u"1"_s, u"-b:a"_s, u"96k"_s}, 32000, 2},
+        {"slow.mp3", mp3 + QStringList{u"-b:a"_s, u"16k"_s}, 16000, 1, true, 95 * 576 / 16000.0},
+        {"quick.mp3", mp3 + QStringList{u"-b:a"_s, u"320k"_s}, 48000, 2},
         {"layer2.mp2", {u"-c:a"_s, u"mp2"_s}, 48000, 2, false},
         {"a.flac", {}, 96000, 2},
         {"a.ogg", {u"-c:a"_s, u"libvorbis"_s}, 44100, 2},
         {"a.opus", {u"-c:a"_s, u"libopus"_s}, 48000, 2},
         {"flac.oga", {u"-c:a"_s, u"flac"_s}, 44100, 2},
         {"a.m4a", {u"-c:a"_s, u"aac"_s}, 44100, 2, false},
+        {"mono.m4a", {u"-c:a"_s, u"aac"_s}, 22050, 1, false},
+        {"six.m4a", {u"-c:a"_s, u"aac"_s}, 48000, 6, false},
+        {"fragments.m4a", fragments + QStringList{u"+frag_keyframe+empty_moov"_s}, 44100, 2, false},
+        {"dash.m4a", fragments + QStringList{u"+dash+default_base_moof+empty_moov"_s}, 48000, 1, false},
         {"alac.m4a", {u"-c:a"_s, u"alac"_s, u"-movflags"_s, u"+faststart"_s}, 48000, 2, false},
         {"a.wav", {}, 44100, 2},
         {"rf64.wav", {u"-rf64"_s, u"always"_s}, 44100, 2},
