@@ -96,6 +96,68 @@ TEST_F(ImportFolders, RealFilesAreStoredWithTheirTags)
               u"1|1|Punk"_s);
 }
 
+// A file of each kind, of three seconds where the kind tells its length.
+TEST_F(ImportFolders, EveryKindOfFileHasItsLength)
+{
+    const QByteArray layer1 = (QByteArray("\xFF\xFF\xC0\x44", 4) + QByteArray(412, '\0')).repeated(345);
+    const QByteArray monkey = Kit::MonkeyNew(2, 100000, 32300, 16, 2, 44100);
+    const QByteArray musepack = Kit::Musepack8(132500, 200, QByteArray(5000, 's'));
+    const QByteArray oldMusepack = Kit::Musepack7(115, 0, 576, QByteArray(5000, 's'));
+    const std::pair<const char*, QByteArray> built[] = {
+        {"mp1", layer1},
+        {"ape", monkey},
+        {"mpc", musepack},
+        {"dsf", Kit::Dsf(2, 2822400, 3 * 2822400, "sound")},
+        {"dff", Kit::Dff(2, 2822400, QByteArray(3 * 2822400 / 4, 'i'))},
+        {"mac", monkey},
+        {"mp+", oldMusepack},
+        {"mpp", oldMusepack},
+        {"ofr", "OFR " + QByteArray(200, 'o')},
+        {"ofs", "OFR " + QByteArray(200, 'o')},
+    };
+    const std::pair<const char*, QStringList> encoded[] = {
+        {"mp2", {}},
+        {"mp3", {}},
+        {"m4a", {}},
+        {"m4b", {u"-f"_s, u"ipod"_s}},
+        {"alac", {u"-c:a"_s, u"alac"_s, u"-f"_s, u"ipod"_s}},
+        {"ogg", {u"-c:a"_s, u"libvorbis"_s}},
+        {"oga", {}},
+        {"opus", {}},
+        {"flac", {}},
+        {"fla", {u"-f"_s, u"flac"_s}},
+        {"wv", {}},
+        {"tta", {}},
+        {"wma", {}},
+        {"wav", {}},
+        {"aif", {}},
+        {"aiff", {}},
+        {"aac", {}},
+        {"ac3", {}},
+    };
+    for (const auto& [extension, bytes] : built)
+        FMusic.Write(u"Band - Kinds (1999)/"_s + QString::fromLatin1(extension) + u'.' + QString::fromLatin1(extension),
+                     bytes);
+    for (const auto& [extension, arguments] : encoded) {
+        const QString name = QString::fromLatin1(extension);
+        ASSERT_TRUE(Kit::RunProgram(
+            u"ffmpeg"_s,
+            QStringList{u"-v"_s, u"error"_s, u"-f"_s, u"lavfi"_s, u"-i"_s, u"sine=sample_rate=44100:duration=3"_s} +
+                arguments + QStringList{FMusic.File(u"Band - Kinds (1999)/%1.%1"_s.arg(name))}))
+            << extension;
+    }
+    Run();
+    EXPECT_EQ(Releases(), u"Band|Kinds|1999|1|Band - Kinds (1999)"_s);
+    const QStringList rows =
+        Rows(u"SELECT TrackTitle, round(TrackLength * 86400) FROM Tracks2 ORDER BY TrackTitle"_s).split(u'\n');
+    ASSERT_EQ(rows.size(), 28);
+    const QStringList without{u"aac"_s, u"ac3"_s, u"mac"_s, u"mp+"_s, u"mpp"_s, u"ofr"_s, u"ofs"_s};
+    for (const QString& row : rows) {
+        const QString kind = row.section(u'|', 0, 0);
+        EXPECT_EQ(row.section(u'|', 1).toDouble(), without.contains(kind) ? 0.0 : 3.0) << kind.toStdString();
+    }
+}
+
 TEST_F(ImportFolders, FoldersBecomeReleases)
 {
     using TFiles = QList<std::pair<QString, QList<QByteArray>>>;
