@@ -19,6 +19,7 @@ std::vector<std::unique_ptr<TCommand>> AllCommands()
     commands.push_back(MakeListCommand());
     commands.push_back(MakeShowCommand());
     commands.push_back(MakeTagsCommand());
+    commands.push_back(MakeImageCommand());
     return commands;
 }
 

@@ -69,6 +69,7 @@ std::unique_ptr<TCommand> MakeImportCommand();
 std::unique_ptr<TCommand> MakeListCommand();
 std::unique_ptr<TCommand> MakeShowCommand();
 std::unique_ptr<TCommand> MakeTagsCommand();
+std::unique_ptr<TCommand> MakeImageCommand();
 
 /// Opens a collection for a command, or throws ECommandError with the reason.
 class TOpenCollection {

@@ -2,6 +2,7 @@
 #include "uCueSheet.h"
 #include "uFolderNames.h"
 #include "uTHTypes.h"
+#include "uTrackLocator.h"
 
 #include <QHash>
 
@@ -15,8 +16,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QLatin1StringView IsoMark = "ISO:"_L1;
-
 const QString& FirstFilled(const QString& a, const QString& b, const QString& c = {})
 {
     return !a.isEmpty() ? a : !b.isEmpty() ? b : c;
@@ -25,10 +24,10 @@ const QString& FirstFilled(const QString& a, const QString& b, const QString& c 
 // What a cue sheet calls the file of a scanned track.
 QString CueNameOf(const TKRN_MP3_Track& track)
 {
-    if (!track.FileType.startsWith(IsoMark))
+    const TTrackLocator locator = TTrackLocator::Parse(track.FileType);
+    if (locator.Kind != lkISO)
         return FileNameOf(track.FilePath);
-    const QString inside = track.FileType.sliced(IsoMark.size());
-    return inside.startsWith(u'/') ? inside.sliced(1) : inside;
+    return locator.InnerPath.startsWith(u'/') ? locator.InnerPath.sliced(1) : locator.InnerPath;
 }
 
 // Finds the scanned track that a cue track is a part of: by name, else the last one of the same extension (sheets
@@ -100,12 +99,6 @@ TKRN_MP3_Track InheritedFrom(const TKRN_MP3_Track& source)
     return track;
 }
 
-QString CueLocator(const TKRN_MP3_Track& source, int start, int duration)
-{
-    const QString stem = source.FileType.startsWith(IsoMark) ? source.FileType : u"CUE"_s;
-    return u"%1:%2:%3"_s.arg(stem).arg(start).arg(start + duration);
-}
-
 TKRN_MP3_Track CutTrack(const TCueSheet& sheet, size_t index, const TKRN_MP3_Track& source)
 {
     const TCueTrack& cue = sheet.Tracks[index];
@@ -117,7 +110,8 @@ TKRN_MP3_Track CutTrack(const TCueSheet& sheet, size_t index, const TKRN_MP3_Tra
     track.Genre = FirstFilled(sheet.Genre, source.Genre);
     track.Year = sheet.Year > 0 ? sheet.Year : source.Year;
     track.DurationSec = CueDuration(sheet, index, source.DurationSec);
-    track.FileType = CueLocator(source, RoundedSeconds(cue.StartSec), track.DurationSec);
+    const int start = RoundedSeconds(cue.StartSec);
+    track.FileType = TTrackLocator::Parse(source.FileType).Cut(start, start + track.DurationSec).Text();
     track.IsRemix = track.Title.contains("remix"_L1, Qt::CaseInsensitive);
     track.TotalTracks = static_cast<int>(sheet.Tracks.size());
     return track;

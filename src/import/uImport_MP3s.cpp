@@ -4,6 +4,7 @@
 #include "uDefaults.h"
 #include "uFolderScan.h"
 #include "uMP3Folder.h"
+#include "uMP3Image.h"
 #include "uTHStrings.h"
 
 #include <future>
@@ -24,6 +25,8 @@ TMP3ScanOptions TMP3ScanOptions::FromSettings()
     options.VariousArtists = GetLanguageString(u"cSVariousArtists"_s);
     options.Digital = GetLanguageString(u"cSDigital"_s);
     options.UnreadableFile = GetLanguageString(u"cSImporterMP3sUnreadableFile"_s);
+    options.ReadDiscImage = ProcessISO;
+    options.ReadStreamLength = TransportStreamSeconds;
     return options;
 }
 

@@ -45,7 +45,7 @@ private:
         step.Text = FileNameOf(image);
         try {
             if (FOptions.ReadDiscImage)
-                step.Release = CreateReleaseFromTracks(FOptions.ReadDiscImage(image), FOptions);
+                step.Release = CreateReleaseFromTracks(FOptions.ReadDiscImage(image, FOptions.Pictures), FOptions);
         } catch (const std::exception& failure) {
             Fail(step, "ProcessISO", image, failure);
         }

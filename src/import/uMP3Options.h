@@ -9,8 +9,8 @@
 
 namespace Kestrune {
 
-/// Lists the tracks of a disc image, none when no reader opens it.
-using TDiscImageReader = std::function<TKRN_MP3_Tracks(const QString& image)>;
+/// Lists the tracks of a disc image, none when no reader opens it; with the image's cover when pictures are wanted.
+using TDiscImageReader = std::function<TKRN_MP3_Tracks(const QString& image, bool pictures)>;
 /// The length of a transport stream in seconds, 0 when it cannot be opened.
 using TStreamLengthReader = std::function<double(const QString& file)>;
 

@@ -5,11 +5,6 @@
 
 namespace Kestrune {
 
-TFourCC::TFourCC(QByteArrayView bytes)
-{
-    std::copy_n(bytes.begin(), std::min<qsizetype>(bytes.size(), 4), Bytes.begin());
-}
-
 TChunkWalker::TChunkWalker(TByteSource& source, qint64 start, qint64 end, TChunkForm form)
     : FSource(source),
       FPosition(std::max<qint64>(start, 0)),

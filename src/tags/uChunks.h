@@ -2,23 +2,9 @@
 #pragma once
 
 #include "uByteReader.h"
-
-#include <array>
-#include <string_view>
+#include "uFourCC.h"
 
 namespace Kestrune {
-
-/// Four bytes that name a chunk, an atom or a frame.
-struct TFourCC {
-    std::array<char, 4> Bytes = {};
-
-    constexpr TFourCC() = default;
-    constexpr TFourCC(const char (&text)[5]) : Bytes{text[0], text[1], text[2], text[3]} {}
-    explicit TFourCC(QByteArrayView bytes);
-
-    bool operator==(const TFourCC&) const = default;
-    std::string_view Text() const { return {Bytes.data(), Bytes.size()}; }
-};
 
 /// How the chunk headers of a container are written.
 enum class TChunkForm : quint8 {

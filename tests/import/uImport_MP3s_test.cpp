@@ -384,7 +384,7 @@ TEST_F(ImportFolders, ADiscImageIsAReleaseOfItsOwn)
     Flac(u"x/z.flac"_s, 1, {"ALBUM=Files"});
     Run({}, [&](TKRNImporter_MP3s& importer) {
         TMP3ScanOptions options = TMP3ScanOptions::FromSettings();
-        options.ReadDiscImage = [](const QString& image) -> TKRN_MP3_Tracks {
+        options.ReadDiscImage = [](const QString& image, bool) -> TKRN_MP3_Tracks {
             if (image.endsWith("two.iso"_L1))
                 throw std::runtime_error("bad image");
             TKRN_MP3_Track track;
