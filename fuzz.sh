@@ -12,13 +12,16 @@ mapfile -t targets < <(sed -nE 's/^add_executable\((fuzz_[a-z0-9]+) .*/\1/p' fuz
 for reader in ape flac id3v1 id3v2 mp4 ogg wav wma wavpack musepack monkey sniffer; do
     targets+=("fuzz_tags_$reader")
 done
-cmake --build --preset fuzz --target make_tag_seeds "${targets[@]}"
+for reader in iso udf sacd dvda m2ts mp4container; do
+    targets+=("fuzz_media_$reader")
+done
+cmake --build --preset fuzz --target make_seeds "${targets[@]}"
 
 seeds=$(mktemp -d)
 trap 'rm -rf "$seeds"' EXIT
-build/fuzz/fuzz/make_tag_seeds "$seeds"
+build/fuzz/fuzz/make_seeds "$seeds"
 for target in "${targets[@]}"; do
-    corpus=$seeds/${target#fuzz_tags_}
+    corpus=$seeds/${target##*_}
     mkdir -p "$corpus"
     echo "-- $target"
     # New inputs go to a folder of their own, a finding to the build folder.

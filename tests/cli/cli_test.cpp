@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The command-line program as a user runs it: as a process of its own, with settings of its own.
+#include "uImageBuilders.h"
 #include "uSQLite.h"
 #include "uTestFiles.h"
 
@@ -168,6 +169,36 @@ TEST_F(Cli, ASourceIsListedAndImportedByKey)
     EXPECT_EQ(stored[1][u"Artist"_s].toString(), u"Artist 2"_s);
     EXPECT_EQ(Run({u"import"_s, FPath, u"--from"_s, u"Nobody"_s, music}).Code, 2);
     EXPECT_EQ(Run({u"import"_s, FPath, music}).Code, 2);
+}
+
+TEST_F(Cli, AnImageIsShownAndTakenApart)
+{
+    const QString image = FDir.Write(u"Band - X.iso"_s,
+                                     Kit::IsoImage("LABEL", {{"DIR/A.FLA", QByteArray(3000, 'a')}, {"B.TXT", "text"}}));
+    const QJsonObject json = Run({u"image"_s, image, u"--json"_s}).Json().object();
+    EXPECT_EQ(json[u"kind"_s].toString(), u"iso9660"_s);
+    EXPECT_EQ(json[u"label"_s].toString(), u"LABEL"_s);
+    ASSERT_EQ(json[u"files"_s].toArray().size(), 3);
+    EXPECT_TRUE(json[u"files"_s][0][u"isDir"_s].toBool());
+    EXPECT_EQ(json[u"files"_s][1][u"size"_s].toInt(), 3000);
+    EXPECT_EQ(json[u"tracks"_s][0][u"locator"_s].toString(), u"ISO:DIR/A.FLA"_s);
+    const QString out = FDir.File(u"out"_s);
+    ASSERT_EQ(Run({u"image"_s, image, u"--extract"_s, u"b.txt"_s, u"--out"_s, out}).Code, 0);
+    EXPECT_EQ(Kit::ReadAll(out), "text");
+    ASSERT_EQ(Run({u"image"_s, image, u"--extract-track"_s, u"1"_s, u"--out"_s, out}).Code, 0);
+    EXPECT_EQ(Kit::ReadAll(out), QByteArray(3000, 'a'));
+    EXPECT_EQ(Run({u"image"_s, image, u"--extract"_s, u"none"_s, u"--out"_s, out}).Code, 1);
+    EXPECT_EQ(Run({u"image"_s, image, u"--extract-track"_s, u"2"_s, u"--out"_s, out}).Code, 1);
+    EXPECT_EQ(Run({u"image"_s, image, u"--extract"_s, u"b.txt"_s}).Code, 2);
+    const QString sacd =
+        FDir.Write(u"s.iso"_s, Kit::SacdImage({{.Title = "One", .Sound = QByteArray(9408, 's')}}, {.Title = "T"}));
+    const QJsonObject disc = Run({u"image"_s, sacd, u"--json"_s}).Json().object();
+    EXPECT_EQ(disc[u"kind"_s].toString(), u"sacd"_s);
+    EXPECT_EQ(disc[u"album"_s][u"title"_s].toString(), u"T"_s);
+    ASSERT_EQ(Run({u"image"_s, sacd, u"--extract-track"_s, u"1"_s, u"--out"_s, out}).Code, 0);
+    EXPECT_TRUE(Kit::ReadAll(out).startsWith("DSD "));
+    EXPECT_EQ(Run({u"image"_s, FDir.Write(u"n.iso"_s, "n"), u"--json"_s}).Json().object()[u"kind"_s].toString(),
+              u"none"_s);
 }
 
 TEST_F(Cli, AKilledImportHoldsEveryReleaseItHadPrinted)
