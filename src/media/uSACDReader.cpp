@@ -8,6 +8,7 @@
 #include <QStringDecoder>
 
 #include <algorithm>
+#include <exception>
 
 namespace Kestrune {
 
@@ -73,10 +74,15 @@ bool TSACDReader::Open(std::shared_ptr<TByteSource> image)
     if (!image || image->Size() < SmallestSACD)
         return false;
     FStream = std::move(image);
-    if (ReadMasterTOC() && FArea1LSN != 0 && FArea1Size != 0 && FArea1LSN * DiscSectorSize < FStream->Size()) {
-        FArea1Buf = FStream->Read(FArea1LSN * DiscSectorSize, FArea1Size * DiscSectorSize);
-        if (ReadAreaTOC())
-            WalkArea();
+    try {
+        if (ReadMasterTOC() && FArea1LSN != 0 && FArea1Size != 0 && FArea1LSN * DiscSectorSize < FStream->Size()) {
+            FArea1Buf = FStream->Read(FArea1LSN * DiscSectorSize, FArea1Size * DiscSectorSize);
+            if (ReadAreaTOC())
+                WalkArea();
+        }
+    } catch (const std::exception& failure) {
+        LogSACD(u"Open error: "_s + QString::fromUtf8(failure.what()));
+        FTracks.clear();
     }
     FValid = !FTracks.empty();
     if (!FValid)

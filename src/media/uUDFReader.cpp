@@ -8,6 +8,7 @@
 #include <QSaveFile>
 
 #include <algorithm>
+#include <exception>
 
 namespace Kestrune {
 
@@ -94,8 +95,12 @@ bool TUDFReader::Open(std::shared_ptr<TByteSource> image, const QString& name)
         return false;
     }
     FStream = std::move(image);
-    if (Parse())
-        return true;
+    try {
+        if (Parse())
+            return true;
+    } catch (const std::exception& failure) {
+        LogUDF(u"Open(%1) failed: %2"_s.arg(name, QString::fromUtf8(failure.what())));
+    }
     Close();
     return false;
 }

@@ -6,7 +6,9 @@
 #include "uImport.h"
 #include "uImportRun.h"
 #include "uObjs.h"
+#include "uSQLite.h"
 #include "uScriptedPrompt.h"
+#include "uTagBuilders.h"
 #include "uTestFiles.h"
 
 #include <QEventLoop>
@@ -343,6 +345,48 @@ TEST_F(ImportForm, PastedTextReachesTheSourceOnlyInPasteMode)
         Until([&] { return form.Page() == pFinish && !form.Importer(); });
         EXPECT_EQ(TFakeImporter::Seen().Data, paste ? u"a;b"_s : QString());
     }
+}
+
+TEST_F(ImportForm, WizardAndCommandLineGiveTheSameCollection)
+{
+    const auto flac = [](const QByteArray& title) {
+        return "fLaC" + Kit::FlacBlock(0, Kit::FlacStreamInfo(44100, 2, 16, 441000)) +
+               Kit::FlacBlock(4, Kit::VorbisComments({"TITLE=" + title, "ARTIST=A", "ALBUM=B"}), true);
+    };
+    Kit::TTempDir music;
+    for (const QString& name : {u"Box/CD1/1.flac"_s, u"Box/CD2/1.flac"_s, u"Single (1999)/01 - x.flac"_s})
+        music.Write(name, flac(name.toUtf8()));
+    FForm.ChooseClass(1);
+    FForm.Next();
+    FForm.SetSourceText(music.Path());
+    Until([this] { return FForm.NextEnabled(); });
+    FForm.Next();
+    Until([this] { return FForm.Page() == pFinish && !FForm.Importer(); });
+    const auto rowsOf = [](const QString& path) {
+        TSQLiteConnection file;
+        file.Open(path, somReadOnly);
+        QStringList rows;
+        for (const QString& sql : {u"SELECT * FROM Releases2 ORDER BY ID"_s, u"SELECT * FROM Tracks2 ORDER BY ID"_s}) {
+            TSQLiteStatement statement = file.Prepare(sql);
+            while (statement.Step())
+                for (int i = 0; i < statement.ColumnCount(); ++i)
+                    if (!statement.ColumnName(i).contains("Modified"_L1) &&
+                        !statement.ColumnName(i).contains("Added"_L1))
+                        rows += VarToStr(statement.Column(i));
+        }
+        return rows;
+    };
+    const QString other = FDir.File(u"other.db"_s);
+    TDataModuleMain data(FPrompt);
+    data.CreateNewDB(other, data.GetNewDatabaseSQL());
+    ASSERT_TRUE(data.ConnectToDB(other));
+    TImportRun run(data, AddFilesJob({music.Path()}));
+    bool finished = false;
+    QObject::connect(&run, &TImportRun::finished, &run, [&] { finished = true; });
+    run.Start();
+    Until([&] { return finished; });
+    EXPECT_EQ(StoredReleases(), 2);
+    EXPECT_EQ(rowsOf(FPath), rowsOf(other));
 }
 
 } // namespace Kestrune
