@@ -2,6 +2,7 @@
 #include "uDVDAReader.h"
 
 #include "uDebugLog.h"
+#include "uFields.h"
 #include "uFilePath.h"
 #include "uProgramStream.h"
 
@@ -21,20 +22,6 @@ constexpr double TicksPerSecond = 90000.0;
 constexpr quint8 SubStreamLPCM = 0xA0, SubStreamMLP = 0xA1;
 
 void LogDVDA(const QString& text) { DebugLog(u"[DVDA] "_s + text); }
-
-quint32 U32At(const QByteArray& bytes, qint64 offset)
-{
-    TByteReader reader(bytes);
-    reader.Seek(offset);
-    return reader.U32BE();
-}
-
-quint16 U16At(const QByteArray& bytes, qint64 offset)
-{
-    TByteReader reader(bytes);
-    reader.Seek(offset);
-    return reader.U16BE();
-}
 
 bool Fits(const QByteArray& bytes, qint64 offset, qint64 length)
 {
@@ -113,13 +100,13 @@ void TDVDAReader::ParseIFO(const QByteArray& ifo)
         LogDVDA(u"ATS IFO signature mismatch"_s);
         return;
     }
-    const quint32 sector = U32At(ifo, 0xCC);
+    const quint32 sector = TFields(ifo).U32BE(0xCC);
     const qint64 table = sector * DiscSectorSize;
     if (!Fits(ifo, table, 8)) {
         LogDVDA(u"ATS_PGCI sector %1 out of range"_s.arg(sector));
         return;
     }
-    const int titles = U16At(ifo, table);
+    const int titles = TFields(ifo).U16BE(table);
     if (titles < 1 || titles > 99)
         return LogDVDA(u"Implausible number of titles %1"_s.arg(titles));
     LogDVDA(u"ATS_PGCI at IFO sector %1, %2 title(s)"_s.arg(sector).arg(titles));
@@ -139,7 +126,7 @@ void TDVDAReader::ParseTitle(const QByteArray& ifo, qint64 table, int title)
         LogDVDA(u"Title %1: unexpected type $%2"_s.arg(title + 1).arg(Hex(type, 2)));
         return;
     }
-    const qint64 record = table + U32At(ifo, entry + 4);
+    const qint64 record = table + TFields(ifo).U32BE(entry + 4);
     if (!Fits(ifo, record, 16)) {
         LogDVDA(u"Title %1 record out of range"_s.arg(title + 1));
         return;
@@ -147,10 +134,10 @@ void TDVDAReader::ParseTitle(const QByteArray& ifo, qint64 table, int title)
     const int tracks = static_cast<quint8>(ifo[record + 2]);
     const int indexes = static_cast<quint8>(ifo[record + 3]);
     LogDVDA(u"Title %1: %2 tracks, %3 indexes, length %4 s"_s.arg(title + 1).arg(tracks).arg(indexes).arg(
-        U32At(ifo, record + 4) / TicksPerSecond, 0, 'f', 1));
+        TFields(ifo).U32BE(record + 4) / TicksPerSecond, 0, 'f', 1));
     if (tracks != indexes)
         LogDVDA(u"Title %1: track/index count mismatch, mapping ordinally"_s.arg(title + 1));
-    const qint64 sectors = record + U16At(ifo, record + 12);
+    const qint64 sectors = record + TFields(ifo).U16BE(record + 12);
     for (int i = 0; i < tracks; ++i) {
         const qint64 track = record + 16 + 20 * i;
         if (!Fits(ifo, track, 20) || !Fits(ifo, sectors + 12 * i, 12)) {
@@ -166,12 +153,13 @@ void TDVDAReader::TakeTrack(const QByteArray& ifo, qint64 entry, qint64 sectors,
     TDVDATrack track;
     track.TrackNo = static_cast<int>(FTracks.size()) + 1;
     track.TitleNo = title + 1;
-    track.FirstPTS = U32At(ifo, entry + 6);
-    track.DurationSec = U32At(ifo, entry + 10) / TicksPerSecond;
-    track.FirstSector = U32At(ifo, sectors + 4);
-    track.LastSector = U32At(ifo, sectors + 8);
+    track.FirstPTS = TFields(ifo).U32BE(entry + 6);
+    track.DurationSec = TFields(ifo).U32BE(entry + 10) / TicksPerSecond;
+    track.FirstSector = TFields(ifo).U32BE(sectors + 4);
+    track.LastSector = TFields(ifo).U32BE(sectors + 8);
     if (ifo[sectors] != 1)
-        LogDVDA(u"Track %1: unexpected sector entry flags $%2"_s.arg(track.TrackNo).arg(Hex(U32At(ifo, sectors), 8)));
+        LogDVDA(u"Track %1: unexpected sector entry flags $%2"_s.arg(track.TrackNo)
+                    .arg(Hex(TFields(ifo).U32BE(sectors), 8)));
     if (track.LastSector < track.FirstSector || track.LastSector >= FAOBTotalSectors) {
         LogDVDA(u"Track %1: sector range %2..%3 outside AOB space (%4), skipped"_s.arg(track.TrackNo)
                     .arg(track.FirstSector)

@@ -2,6 +2,7 @@
 #include "uSACDReader.h"
 
 #include "uDebugLog.h"
+#include "uFields.h"
 #include "uFilePath.h"
 #include "uISOReader.h"
 
@@ -22,21 +23,6 @@ constexpr qint64 SmallestSACD = 0xFF800;
 constexpr int MostItems = 16;
 
 void LogSACD(const QString& text) { DebugLog(u"[SACD] "_s + text); }
-
-quint8 U8At(const QByteArray& bytes, qint64 offset)
-{
-    return offset >= 0 && offset < bytes.size() ? static_cast<quint8>(bytes[offset]) : 0;
-}
-
-quint16 U16At(const QByteArray& bytes, qint64 offset)
-{
-    return static_cast<quint16>(U8At(bytes, offset) << 8 | U8At(bytes, offset + 1));
-}
-
-quint32 U32At(const QByteArray& bytes, qint64 offset)
-{
-    return static_cast<quint32>(U16At(bytes, offset)) << 16 | U16At(bytes, offset + 2);
-}
 
 int InRange(int value, int least, int most, int otherwise) { return value < least || value > most ? otherwise : value; }
 
@@ -103,18 +89,18 @@ bool TSACDReader::ReadMasterTOC()
         LogSACD(u"Master TOC signature mismatch"_s);
         return false;
     }
-    FAlbum.DiscCount = InRange(U16At(toc, 16), 1, 99, 1);
-    FAlbum.DiscNo = InRange(U16At(toc, 18), 1, 99, 1);
+    FAlbum.DiscCount = InRange(TFields(toc).U16BE(16), 1, 99, 1);
+    FAlbum.DiscNo = InRange(TFields(toc).U16BE(18), 1, 99, 1);
     FAlbum.CatalogNumber = QString::fromLatin1(toc.mid(24, 16)).remove(QChar(u'\0')).trimmed();
-    FArea1LSN = U32At(toc, 64);
-    FArea2LSN = U32At(toc, 72);
-    FAlbum.IsHybrid = (U8At(toc, 80) & 1) != 0;
-    FArea1Size = U16At(toc, 84);
-    FArea2Size = U16At(toc, 86);
-    FAlbum.Year = InRange(U16At(toc, 120), 1900, 2100, 0);
-    FAlbum.Month = InRange(U8At(toc, 122), 1, 12, 0);
-    FAlbum.Day = InRange(U8At(toc, 123), 1, 31, 0);
-    FCharset = U8At(toc, 138) & 7;
+    FArea1LSN = TFields(toc).U32BE(64);
+    FArea2LSN = TFields(toc).U32BE(72);
+    FAlbum.IsHybrid = (TFields(toc).U8(80) & 1) != 0;
+    FArea1Size = TFields(toc).U16BE(84);
+    FArea2Size = TFields(toc).U16BE(86);
+    FAlbum.Year = InRange(TFields(toc).U16BE(120), 1900, 2100, 0);
+    FAlbum.Month = InRange(TFields(toc).U8(122), 1, 12, 0);
+    FAlbum.Day = InRange(TFields(toc).U8(123), 1, 31, 0);
+    FCharset = TFields(toc).U8(138) & 7;
     if (const QByteArray second = toc.mid(DiscSectorSize, DiscSectorSize); second.startsWith("SACDText"))
         ReadMasterText(second);
     LogSACD(u"MasterTOC: catalog=\"%1\" disc=%2/%3 hybrid=%4 area1=LSN%5+%6 area2=LSN%7+%8 date=%9-"_s
@@ -137,7 +123,7 @@ void TSACDReader::ReadMasterText(const QByteArray& sector)
                                                {20, &FAlbum.Publisher}, {22, &FAlbum.Copyright},
                                                {32, &FAlbum.DiscTitle}, {34, &FAlbum.DiscArtist}};
     for (const auto& [at, field] : fields)
-        if (const quint16 offset = U16At(sector, at); offset != 0)
+        if (const quint16 offset = TFields(sector).U16BE(at); offset != 0)
             *field = DecodeText(sector.mid(offset));
     if (FAlbum.Title.isEmpty())
         FAlbum.Title = FAlbum.DiscTitle;
@@ -166,21 +152,21 @@ bool TSACDReader::ReadAreaTOC()
         LogSACD(u"Area TOC signature mismatch"_s);
         return false;
     }
-    FDSDRate = U8At(toc, 20) == 8 ? 5644800 : 2822400;
-    FDSTEncoded = (U8At(toc, 21) & 15) == 0;
-    FChannels = U8At(toc, 32);
+    FDSDRate = TFields(toc).U8(20) == 8 ? 5644800 : 2822400;
+    FDSTEncoded = (TFields(toc).U8(21) & 15) == 0;
+    FChannels = TFields(toc).U8(32);
     if (FChannels == 0 || FChannels >= 7)
         FChannels = 2;
-    FLoudspeakerConfig = U8At(toc, 33) >> 3;
-    FTrackOffset = U8At(toc, 68);
-    FTrackCount = U8At(toc, 69);
+    FLoudspeakerConfig = TFields(toc).U8(33) >> 3;
+    FTrackOffset = TFields(toc).U8(68);
+    FTrackCount = TFields(toc).U8(69);
     if (FTrackCount > 99)
         FTrackCount = 0;
     LogSACD(u"AreaTOC: rate=%1 channels=%2 dst=%3 tracks=%4 area_size=%5"_s.arg(FDSDRate)
                 .arg(FChannels)
                 .arg(Flag(FDSTEncoded))
                 .arg(FTrackCount)
-                .arg(U16At(toc, 10)));
+                .arg(TFields(toc).U16BE(10)));
     return true;
 }
 
@@ -224,8 +210,8 @@ void TSACDReader::WalkArea()
 void TSACDReader::ReadPositions(qsizetype at)
 {
     for (qsizetype i = 0; i < static_cast<qsizetype>(FTracks.size()); ++i) {
-        FTracks[static_cast<size_t>(i)].StartLSN = U32At(FArea1Buf, at + 8 + 4 * i);
-        FTracks[static_cast<size_t>(i)].LengthLSN = U32At(FArea1Buf, at + 1028 + 4 * i);
+        FTracks[static_cast<size_t>(i)].StartLSN = TFields(FArea1Buf).U32BE(at + 8 + 4 * i);
+        FTracks[static_cast<size_t>(i)].LengthLSN = TFields(FArea1Buf).U32BE(at + 1028 + 4 * i);
     }
 }
 
@@ -234,7 +220,7 @@ void TSACDReader::ReadTimes(qsizetype at)
     for (qsizetype i = 0; i < static_cast<qsizetype>(FTracks.size()); ++i) {
         const qint64 time = at + 1028 + 4 * i;
         FTracks[static_cast<size_t>(i)].DurationSec =
-            U8At(FArea1Buf, time) * 60 + U8At(FArea1Buf, time + 1) + U8At(FArea1Buf, time + 2) / 75.0;
+            TFields(FArea1Buf).U8(time) * 60 + TFields(FArea1Buf).U8(time + 1) + TFields(FArea1Buf).U8(time + 2) / 75.0;
     }
 }
 
@@ -242,15 +228,15 @@ void TSACDReader::ReadTimes(qsizetype at)
 void TSACDReader::ReadTrackText(qsizetype start)
 {
     for (qsizetype i = 0; i < static_cast<qsizetype>(FTracks.size()); ++i) {
-        const quint16 offset = U16At(FArea1Buf, start + 8 + 2 * i);
+        const quint16 offset = TFields(FArea1Buf).U16BE(start + 8 + 2 * i);
         qsizetype at = start + offset;
         if (offset == 0 || at + 4 > FArea1Buf.size())
             continue;
         TSACDTrackInfo& track = FTracks[static_cast<size_t>(i)];
-        const int items = std::min<int>(U8At(FArea1Buf, at), MostItems);
+        const int items = std::min<int>(TFields(FArea1Buf).U8(at), MostItems);
         at += 4;
         for (int item = 0; item < items && at + 2 < FArea1Buf.size(); ++item) {
-            const quint8 type = U8At(FArea1Buf, at);
+            const quint8 type = TFields(FArea1Buf).U8(at);
             at += 2;
             const qsizetype end = FArea1Buf.indexOf('\0', at);
             const QString text = DecodeText(FArea1Buf.mid(at, end < 0 ? -1 : end - at));

@@ -2,6 +2,7 @@
 #include "uUDFReader.h"
 
 #include "uDebugLog.h"
+#include "uFields.h"
 #include "uFilePath.h"
 #include "uISOReader.h"
 
@@ -29,20 +30,6 @@ void LogUDF(const QString& text) { DebugLog(u"[UDF] "_s + text); }
 QByteArray SectorAt(TByteSource& image, qint64 sector) { return image.Read(sector * DiscSectorSize, DiscSectorSize); }
 
 quint16 TagOf(const QByteArray& sector) { return TByteReader(sector).U16LE(); }
-
-quint16 U16At(const QByteArray& bytes, qint64 offset)
-{
-    TByteReader reader(bytes);
-    reader.Seek(offset);
-    return reader.U16LE();
-}
-
-quint32 U32At(const QByteArray& bytes, qint64 offset)
-{
-    TByteReader reader(bytes);
-    reader.Seek(offset);
-    return reader.U32LE();
-}
 
 // A dstring field (OSTA CS0): the last byte counts the bytes used, the first says how they are coded.
 QString FixedDString(const QByteArray& field)
@@ -125,7 +112,7 @@ bool TUDFReader::Parse()
         return false;
     }
     FVolumeLabel = FixedDString(volume.LogicalVolume.mid(84, 128));
-    if (const quint32 size = U32At(volume.LogicalVolume, 212); size != DiscSectorSize) {
+    if (const quint32 size = TFields(volume.LogicalVolume).U32LE(212); size != DiscSectorSize) {
         LogUDF(u"Unsupported logical block size %1"_s.arg(size));
         return false;
     }
@@ -139,8 +126,8 @@ bool TUDFReader::FindAnchor(quint32& location, quint32& length)
         const QByteArray bytes = SectorAt(*FStream, sector);
         if (bytes.size() < 32 || TagOf(bytes) != AnchorTag)
             continue;
-        length = U32At(bytes, 16);
-        location = U32At(bytes, 20);
+        length = TFields(bytes).U32LE(16);
+        location = TFields(bytes).U32LE(20);
         return length != 0 && location != 0;
     }
     return false;
@@ -161,12 +148,12 @@ TUDFReader::TVolume TUDFReader::ReadDescriptors(quint32 location, quint32 length
         if (tag == PointerTag) {
             if (++jumps > MostDescriptorJumps)
                 break;
-            count = std::min<quint32>(U32At(bytes, 16) / DiscSectorSize, MostVolumeDescriptors);
-            location = U32At(bytes, 20);
+            count = std::min<quint32>(TFields(bytes).U32LE(16) / DiscSectorSize, MostVolumeDescriptors);
+            location = TFields(bytes).U32LE(20);
             i = static_cast<quint32>(-1); // from the start of the new extent
         } else if (tag == PartitionTag) {
             if (volume.Partitions.size() < MostDescriptorJumps)
-                volume.Partitions.push_back({U16At(bytes, 22), U32At(bytes, 188)});
+                volume.Partitions.push_back({TFields(bytes).U16LE(22), TFields(bytes).U32LE(188)});
         } else if (tag == LogicalVolumeTag) {
             volume.LogicalVolume = bytes;
         }
@@ -177,7 +164,7 @@ TUDFReader::TVolume TUDFReader::ReadDescriptors(quint32 location, quint32 length
 bool TUDFReader::ReadMaps(const TVolume& volume)
 {
     const QByteArray& bytes = volume.LogicalVolume;
-    const quint32 count = U32At(bytes, 268);
+    const quint32 count = TFields(bytes).U32LE(268);
     if (count < 1 || count > 8) {
         LogUDF(u"Implausible partition map count %1"_s.arg(count));
         return false;
@@ -193,14 +180,14 @@ bool TUDFReader::ReadMaps(const TVolume& volume)
         TPartitionMap map;
         if (type == 1) {
             map.MapType = TMapType::mtPhysical;
-            map.PartitionNumber = U16At(raw, 4);
+            map.PartitionNumber = TFields(raw).U16LE(4);
         } else if (type == 2) {
             const QString identifier = QString::fromLatin1(raw.mid(5, 23)).remove(QChar(u'\0')).trimmed();
             if (identifier == "*UDF Metadata Partition"_L1) {
                 map.MapType = TMapType::mtMetadata;
-                map.PartitionNumber = U16At(raw, 38);
-                map.MetadataFile = U32At(raw, 40);
-                map.MetadataMirror = U32At(raw, 44);
+                map.PartitionNumber = TFields(raw).U16LE(38);
+                map.MetadataFile = TFields(raw).U32LE(40);
+                map.MetadataMirror = TFields(raw).U32LE(44);
             } else {
                 LogUDF(u"Unsupported type 2 partition map \"%1\""_s.arg(identifier));
             }
@@ -241,7 +228,7 @@ bool TUDFReader::ReadMetadataFile()
 
 bool TUDFReader::ReadRoot(const TVolume& volume)
 {
-    const TAddress fileSet{U32At(volume.LogicalVolume, 252), U16At(volume.LogicalVolume, 256)};
+    const TAddress fileSet{TFields(volume.LogicalVolume).U32LE(252), TFields(volume.LogicalVolume).U16LE(256)};
     const QByteArray bytes = ReadBlock(fileSet);
     if (bytes.size() < DiscSectorSize) {
         LogUDF(u"Cannot read File Set Descriptor at (%1:%2)"_s.arg(fileSet.Map).arg(fileSet.Block));
@@ -251,7 +238,7 @@ bool TUDFReader::ReadRoot(const TVolume& volume)
         LogUDF(u"Bad File Set Descriptor tag %1"_s.arg(TagOf(bytes)));
         return false;
     }
-    WalkDirectory({U32At(bytes, 404), U16At(bytes, 408)}, {}, 0);
+    WalkDirectory({TFields(bytes).U32LE(404), TFields(bytes).U16LE(408)}, {}, 0);
     if (FFiles.empty())
         LogUDF(u"Volume parsed but no files found (meta=%1)"_s.arg(FMetaExtents.size()));
     return true;
