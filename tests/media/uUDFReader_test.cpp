@@ -11,7 +11,7 @@ using namespace Kit;
 
 namespace {
 
-const QList<TImageFile> Disc = {{"BDMV/index.bdmv", "index"},
+const QList<TImageFile> VideoDisc = {{"BDMV/index.bdmv", "index"},
                                 {"BDMV/STREAM/00001.m2ts", QByteArray(10000, 's')},
                                 {"BDMV/STREAM/00002.m2ts", QByteArray(9000, 'f'), 3},
                                 {"readme.txt", "text"}};
@@ -38,7 +38,7 @@ TEST(UDFReader, FilesAreFoundInEveryShapeOfVolume)
     };
     for (const auto& [name, options] : shapes) {
         SCOPED_TRACE(name);
-        QList<TImageFile> files = Disc;
+        QList<TImageFile> files = VideoDisc;
         if (options.Embedded) // they must fit
             for (TImageFile& file : files)
                 file.Bytes.truncate(1000);
@@ -66,8 +66,8 @@ TEST(UDFReader, TellsWhyAnImageIsNotUnderstood)
 {
     constexpr qint64 sector = 2048;
     const auto zero = [](QByteArray image, qint64 at) { return image.replace(at * sector, 2, QByteArray(2, '\0')); };
-    const QByteArray good = UdfImage(Disc);
-    const QByteArray meta = UdfImage(Disc, {.Metadata = true});
+    const QByteArray good = UdfImage(VideoDisc);
+    const QByteArray meta = UdfImage(VideoDisc, {.Metadata = true});
     QByteArray manyMaps = good;
     manyMaps.replace(42 * sector + 268, 4, LE32(9));
     QByteArray otherPartition = good;
@@ -85,10 +85,10 @@ TEST(UDFReader, TellsWhyAnImageIsNotUnderstood)
         QString Line;
     } rows[] = {
         {QByteArray(600000, '\0'), u"[UDF] image: no UDF volume recognition sequence"_s},
-        {UdfImage(Disc, {.Recognition = "BEA01"}), u"[UDF] image: no UDF volume recognition sequence"_s},
+        {UdfImage(VideoDisc, {.Recognition = "BEA01"}), u"[UDF] image: no UDF volume recognition sequence"_s},
         {zero(good, 256), u"[UDF] No Anchor Volume Descriptor Pointer found"_s},
         {zero(good, 42), u"[UDF] No Logical Volume Descriptor found"_s},
-        {UdfImage(Disc, {.BlockSize = 512}), u"[UDF] Unsupported logical block size 512"_s},
+        {UdfImage(VideoDisc, {.BlockSize = 512}), u"[UDF] Unsupported logical block size 512"_s},
         {manyMaps, u"[UDF] Implausible partition map count 9"_s},
         {otherPartition, u"[UDF] Partition 7 referenced by map 0 not found"_s},
         {zero(good, 300), u"[UDF] Bad File Set Descriptor tag 0"_s},
