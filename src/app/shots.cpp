@@ -77,7 +77,11 @@ int main(int argc, char** argv)
     // The offscreen desktop is small, so the window has started as on a small screen.
     window.resize(size.value(0).toInt(), size.value(1).toInt());
     window.Ribbon()->SetFolded(size.value(0).toInt() <= 1024);
-    const std::pair<TMainView, QString> views[] = {{mvThumbs, u"thumbs"_s}, {mvAlbums, u"albums"_s}};
+    const std::pair<TMainView, QString> views[] = {{mvThumbs, u"thumbs"_s},
+                                                   {mvCards, u"cards"_s},
+                                                   {mvShelf, u"shelf"_s},
+                                                   {mvAlbums, u"albums"_s},
+                                                   {mvTracks, u"tracks"_s}};
     bool saved = QDir().mkpath(arguments[2]);
     for (const auto& [view, name] : views) {
         form.SetCurrentView(view);

@@ -95,7 +95,7 @@ public:
         TOpenCollection collection(Arguments(parser, 1, 1).front());
         const bool tracks = parser.isSet(u"tracks"_s);
         TListDataset& list = tracks ? collection.Data().qTracksAll : collection.Data().qReleasesMain;
-        ApplyFilters(parser, list, tracks);
+        ApplyFilters(parser, collection, list, tracks);
         const int count = RowCount(parser, list);
         if (parser.isSet(u"json"_s))
             PrintRowsAsJson(list, count);
@@ -115,14 +115,15 @@ private:
         return std::min(limit, list.RecordCount());
     }
 
-    static void ApplyFilters(const QCommandLineParser& parser, TListDataset& list, bool tracks)
+    static void ApplyFilters(const QCommandLineParser& parser, TOpenCollection& collection, TListDataset& list,
+                             bool tracks)
     {
         const QString artistColumn = tracks ? u"ReleaseArtist"_s : u"Artist"_s;
         const std::vector<TSortItem> sort = ParseSort(parser.value(u"sort"_s), list);
         if (parser.isSet(u"search"_s)) {
             const QString by = parser.isSet(u"by"_s) ? parser.value(u"by"_s) : u"ReleaseName"_s;
             list.Filter().Add(
-                SearchCriterion(FieldByWord(SearchFieldsOf(list, tracks), by), parser.value(u"search"_s)));
+                SearchCriterion(FieldByWord(SearchFieldsOf(collection.Data(), tracks), by), parser.value(u"search"_s)));
         }
         if (parser.isSet(u"letter"_s))
             list.Filter().Add(LetterCriterion(artistColumn, parser.value(u"letter"_s)));

@@ -301,6 +301,15 @@ bool SaveSettings()
     return false;
 }
 
+void ReloadSettings()
+{
+    TDefaults settings = ReadSettings(*ProcessStore());
+    settings.OEM = Defaults().OEM;
+    settings.DataFolder = Defaults().DataFolder;
+    settings.InfoGrabberPath = Defaults().InfoGrabberPath;
+    Defaults() = settings;
+}
+
 TTHIniSettings& SettingsStore() { return *ProcessStore(); }
 
 bool HasSettingsStore() { return ProcessStore() != nullptr; }

@@ -130,6 +130,10 @@ void LoadSettings();
 /// Writes all settings to the store of the process and the store to its file; false when the file was not written.
 bool SaveSettings();
 
+/// Reads all settings of the store of the process again, as after a restored backup. What belongs to the installation
+/// stays.
+void ReloadSettings();
+
 /// The store of the process; only where there is one.
 TTHIniSettings& SettingsStore();
 /// True from LoadSettings or OpenSettingsStore on.

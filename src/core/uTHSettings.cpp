@@ -98,6 +98,20 @@ void TTHIniSettings::WriteString(const QString& key, const QString&, const QStri
 void TTHIniSettings::WriteBoolean(const QString& key, bool, bool value) { FStore->setValue(key, value); }
 void TTHIniSettings::WriteDouble(const QString& key, double, double value) { FStore->setValue(key, value); }
 
+TSettingValues TTHIniSettings::AllValues() const
+{
+    TSettingValues values;
+    for (const QString& key : FStore->allKeys())
+        values[key] = ReadString(key, {});
+    return values;
+}
+
+void TTHIniSettings::TakeValues(const TSettingValues& values)
+{
+    for (const auto& [key, value] : values)
+        FStore->setValue(key, value);
+}
+
 bool TTHIniSettings::Flush()
 {
     if (FKeepsBroken)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uRegistryFile.h"
+
 #include <QString>
 
 #include <memory>
@@ -42,6 +44,10 @@ public:
     void WriteBoolean(const QString& key, bool absent, bool value) override;
     void WriteDouble(const QString& key, double absent, double value) override;
 
+    /// All values by their names.
+    TSettingValues AllValues() const;
+    /// Puts these values in place of what is there under the same names.
+    void TakeValues(const TSettingValues& values);
     /// Writes the file aside and renames it; false when that failed (the old file is then intact).
     bool Flush();
     /// Where an unreadable settings file was put, or empty.

@@ -114,7 +114,7 @@ TDatasetDef TracksAllDef()
     TDatasetDef def{u"qTracksAll"_s,
                     u"Tracks2"_s,
                     u"T.ID"_s,
-                    u"Tracks2 T JOIN Releases2 R ON R.ID = T.ReleaseId"_s,
+                    u"Tracks2 T LEFT JOIN Releases2 R ON R.ID = T.ReleaseId"_s,
                     {},
                     {},
                     FieldsOf(TrackColumns(), u"T"_s)};
@@ -314,11 +314,21 @@ double TDataModuleMain::SumTrackLengths(qint64 from, qint64 to, qint64& count)
 
 qint64 TDataModuleMain::LastTrackID() { return FConnection.Scalar(u"SELECT max(ID) FROM Tracks2"_s).toLongLong(); }
 
+void TDataModuleMain::BindChildren(qint64 hidden)
+{
+    TDataset* master = hidden == 0 ? &qReleasesMain : nullptr;
+    for (TDetailDataset* children : {&qTracksDetail, &qMusiciansPerRelease}) {
+        if (children->Master() != master)
+            children->SetMaster(master);
+        if (!master)
+            children->SetParam(hidden);
+    }
+}
+
 void TDataModuleMain::SelectRelease(qint64 id)
 {
-    // A release that the filter hides has no place in the list: then its children are not to be had either.
-    if (!qReleasesMain.Locate(id))
-        qReleasesMain.MoveTo(-1);
+    // A release that the filter hides has no place in the list: then its children are asked for by its key.
+    BindChildren(qReleasesMain.Locate(id) ? 0 : id);
     qReleaseInfo.SetParam(id);
     qReleaseInfo.First();
     qOtherPictures.SetParam(id);

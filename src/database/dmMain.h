@@ -11,11 +11,13 @@
 #include <QTimer>
 
 #include <functional>
+#include <unordered_set>
 #include <vector>
 
 namespace Kestrune {
 
 class TPrompt;
+struct TSearchText;
 
 /// The one gateway to the collection: its connection, its long-lived cursors, and the roads between them and
 /// TAlbumRelease. Main thread only. Operations on the file throw EDatabaseError.
@@ -42,6 +44,12 @@ public:
     int GetDBVersion();
     /// Rewrites the file without free space; an old one also gains incremental vacuum and the application id.
     void VacuumDB();
+    /// Copies the open collection into a new file while it stays open; an existing one is replaced once the copy is
+    /// whole.
+    void CopyTo(const QString& filepath);
+    /// Makes the front thumbnails anew from the large pictures, with a cursor of its own; LastModified stays.
+    /// `progress` is told the rows that are done of all and stops the work by giving false. The number of thumbnails.
+    int RegenerateThumbnails(const std::function<bool(int row, int count)>& progress);
     /// True when the cursors are open.
     bool HasData() const { return qReleasesMain.Active(); }
     /// True when the open file can only be read.
@@ -106,6 +114,21 @@ public:
     /// The releases whose title, as DisplayText gives it, begins with a text, in no order.
     std::vector<qint64> ReleasesByTitle(const QString& beginning);
 
+    /// The texts of up to `count` releases behind an ID, in the order of their IDs.
+    std::vector<TSearchText> ReadSearchTexts(qint64 after, int count);
+    /// Whether it is noted which releases are written; off at first.
+    void NoteChanges(bool on);
+    /// Notes a release of which something was or will be written in another way.
+    void TouchRelease(qint64 id) { NoteChange("Releases2", id); }
+    /// Releases of which something was written since they were last taken, at most so many; -1 for all.
+    std::vector<qint64> TakeTouchedReleases(int most = -1);
+    bool HasTouchedReleases() const;
+    /// Makes these the hits of foIsHit for the main list or for all tracks; gives the number of the search for the
+    /// criterion's value.
+    qint64 SetHits(const std::vector<qint64>& releases, bool ofTracks);
+    /// A track of a release, the first by its ID; 0 without tracks.
+    qint64 FirstTrackOf(qint64 release);
+
     /// Called after qReleaseInfo has posted.
     std::function<void(TDataset&)> OnReleaseInfoAfterPost;
 
@@ -127,6 +150,8 @@ public:
 Q_SIGNALS:
     /// Another collection was opened, or the open one was closed.
     void collectionChanged();
+    /// Something of a release was written; told once for many.
+    void releasesTouched();
 
 private:
     std::vector<TDataset*> AllCursors();
@@ -147,6 +172,9 @@ private:
     void StoreOtherPictures(const TAlbumRelease& release);
     void StoreTracks(const TAlbumRelease& release);
     void StoreCredits(TDataset& cursor, const std::vector<TAlbumCredit>& credits);
+    /// Tracks and credits follow the main list (0), or stand on a release that it does not show.
+    void BindChildren(qint64 hidden);
+    void NoteChange(const char* table, qint64 row);
     QByteArray ThumbnailOf(const QByteArray& largePicture) const;
     void ReadTracks(TAlbumRelease& release);
 
@@ -155,6 +183,9 @@ private:
     bool FAddingReleases = false;
     qint64 FLastAddedReleaseID = 0;
     const TAlbumRelease* FReleaseInWork = nullptr;
+    std::unordered_set<qint64> FTouched, FTouchedTracks, FTouchedCredits;
+    bool FTouchTold = false;
+    qint64 FHitsNumber = 0;
 };
 
 /// What identifies a collection in its file header (bytes 68 to 71).

@@ -144,6 +144,7 @@ void TDataModuleMain::AddAlbumReleaseToDB(const TAlbumRelease& release, bool ass
 
 void TDataModuleMain::StoreRelease(const TAlbumRelease& release, bool assignNewNo)
 {
+    BindChildren(0);
     const qint64 id = StoreMainRow(release, assignNewNo);
     StoreLargePictures(release, id);
     StoreOtherPictures(release);

@@ -205,6 +205,15 @@ private:
     mutable bool FLoaded = false;
 };
 
+/// One group of a grouped list: the rows that have the same value in the group's column, within the group above.
+struct TListGroup {
+    int Level = 0; ///< place of its column among the group columns
+    int Parent = -1;
+    int First = 0; ///< first row
+    int Count = 0; ///< rows
+    TVariant Value; ///< as the first row has it
+};
+
 /// A cursor over very many records: holds the ordered keys only and reads records in blocks around what is looked at.
 class TListDataset final : public TDataset {
     Q_OBJECT
@@ -229,8 +238,16 @@ public:
     void ApplyFilter();
     const std::vector<TSortItem>& Sort() const { return FSort; }
     void SetSort(std::vector<TSortItem> sort);
+    /// Puts the rows together by the values of these columns, which are ordered before the sort; unknown ones are
+    /// passed over. An empty list ends it.
+    void SetGrouping(const QStringList& columns);
+    const QStringList& Grouping() const { return FGrouping; }
+    /// The groups in the order of their first row, each before those within it.
+    const std::vector<TListGroup>& Groups() const { return FGroups; }
+    /// Rows, of all in the present order, of which one of the columns holds the text, in ascending order.
+    std::vector<int> RowsWithText(const QStringList& columns, const QString& text) const;
     /// Columns that sort without their article.
-    void SetArticleColumns(const QStringList& columns) { FArticleColumns = columns; }
+    void SetArticleColumns(const QStringList& columns);
 
     /// Drops a record from the list that was never committed.
     void ForgetKey(qint64 key);
@@ -244,11 +261,29 @@ protected:
     void RemoveKeys(const std::vector<qint64>& keys) override;
 
 private:
+    // An order of keys that was read before, for as long as nothing changed in the file.
+    struct TKnownOrder {
+        QString SQL;
+        std::vector<TVariant> Values;
+        std::vector<qint64> Keys;
+    };
+
     void ReadKeys();
+    void ReadGroupedKeys(const QString& condition, const std::vector<TVariant>& values);
+    void OpenGroups(const std::vector<TVariant>& values, int changed);
+    bool TakeKnownOrder(const QString& sql, const std::vector<TVariant>& values);
+    void KeepOrder(const QString& sql, const std::vector<TVariant>& values);
+    void ForgetRows() const;
     void ReadBlock(int row) const;
 
     std::vector<qint64> FKeys;
-    mutable QHash<qint64, int> FRowOfKey; // filled when first asked for
+    std::vector<TKnownOrder> FKnownOrders; // the latest last
+    qint64 FKnownStamp = -1;
+    QStringList FGrouping;
+    std::vector<TListGroup> FGroups;
+    // Row of a key, filled when first asked for: by the key itself where keys are dense, else by hash.
+    mutable std::vector<int> FRowTable;
+    mutable QHash<qint64, int> FRowOfKey;
     mutable QCache<qint64, TRecord> FCache;
     TRecord FEmpty;
     TFilterGroup FFilter;

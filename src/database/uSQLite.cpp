@@ -149,6 +149,14 @@ bool TSQLiteStatement::ColumnIsNull(int column) const
     return sqlite3_column_type(FStatement.get(), column) == SQLITE_NULL;
 }
 
+bool TSQLiteStatement::ColumnEquals(int column, const TVariant& value) const
+{
+    if (value.typeId() != QMetaType::QByteArray || sqlite3_column_type(FStatement.get(), column) != SQLITE_BLOB)
+        return Column(column) == value;
+    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(FStatement.get(), column));
+    return QByteArray::fromRawData(bytes, sqlite3_column_bytes(FStatement.get(), column)) == value.toByteArray();
+}
+
 QByteArray TSQLiteStatement::ColumnBlob(int column) const
 {
     const auto* bytes = static_cast<const char*>(sqlite3_column_blob(FStatement.get(), column));
@@ -272,6 +280,14 @@ void TSQLiteConnection::BackupTo(const QString& path)
         QFile::remove(path);
         throw EDatabaseError(u"%1: %2"_s.arg(path, reason), code & 0xFF);
     }
+}
+
+qint64 TSQLiteConnection::ChangeStamp()
+{
+    TSQLiteStatement& others = Cached(u"PRAGMA data_version"_s);
+    const qint64 version = others.Step() ? others.ColumnInt64(0) : 0;
+    others.Reset();
+    return version * (qint64{1} << 40) + sqlite3_total_changes64(FConnection);
 }
 
 void TSQLiteConnection::ReleaseFileMap()

@@ -7,10 +7,12 @@
 #include <QString>
 #include <QStringList>
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <stdexcept>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 struct sqlite3;
@@ -58,6 +60,8 @@ public:
     qint64 ColumnInt64(int column) const;
     bool ColumnIsNull(int column) const;
     QByteArray ColumnBlob(int column) const;
+    /// Whether Column() would give this value, without making it where it is a blob.
+    bool ColumnEquals(int column, const TVariant& value) const;
 
 private:
     struct TFinalize {
@@ -71,7 +75,8 @@ private:
 
 /// What the text functions of a connection need to know of the settings.
 struct TTextRules {
-    QStringList Articles; ///< left out by the function krn_article_key
+    QStringList Articles;          ///< left out by the function krn_article_key
+    std::array<std::unordered_set<qint64>, 2> Hits; ///< keys for which krn_hit is true, for even and odd searches
 };
 
 /// How a file is opened. Immutable: nobody else writes it and it is read as it lies there, without locks or journal.
@@ -81,7 +86,8 @@ using enum TSQLiteOpenMode;
 /// One connection to an existing SQLite file.
 ///
 /// It knows, for its queries only (never for the stored schema): LIKE that ignores case in all scripts, the collation
-/// KRN_NOCASE of the same kind, krn_key(text) and krn_article_key(text) that give keys to sort by.
+/// KRN_NOCASE of the same kind, krn_key(text) and krn_article_key(text) that give keys to sort by, and krn_hit(key, n)
+/// that tells whether a key is among the hits of search number n.
 class TSQLiteConnection {
 public:
     TSQLiteConnection() = default;
@@ -110,7 +116,12 @@ public:
     TVariant Scalar(const QString& sql, const std::vector<TVariant>& values = {});
 
     qint64 LastInsertRowId() const;
+    /// A number that is another one after any change of the file, by this connection or another.
+    qint64 ChangeStamp();
     bool InTransaction() const;
+    /// Called with the table and the row of every row that is written or deleted through this connection, while it is
+    /// done: it must not touch the connection.
+    std::function<void(const char* table, qint64 row)> OnChange;
     /// Copies the whole database to a new file by the engine's backup interface. An existing file is not overwritten.
     void BackupTo(const QString& path);
     /// Gives the pages of the file map back to the system; they are mapped again when they are next looked at.

@@ -189,6 +189,24 @@ void ArticleKeyFunction(sqlite3_context* context, int, sqlite3_value** values)
     ResultKey(context, {key.constData(), static_cast<size_t>(key.size())});
 }
 
+void NoLetterFunction(sqlite3_context* context, int, sqlite3_value** values)
+{
+    if (sqlite3_value_type(values[0]) == SQLITE_NULL)
+        return;
+    const std::string_view text = TextOf(values[0]).substr(0, 8); // the first character, whatever its length
+    const QString start = QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+    const QList<uint> first = start.toUcs4();
+    sqlite3_result_int(context, first.isEmpty() || !QChar::isLetter(first[0]) ? 1 : 0);
+}
+
+// The number of the search chooses the set, and keeps the orders of different searches apart.
+void HitFunction(sqlite3_context* context, int, sqlite3_value** values)
+{
+    const auto* rules = static_cast<const TTextRules*>(sqlite3_user_data(context));
+    const auto& hits = rules->Hits[static_cast<size_t>(sqlite3_value_int64(values[1]) & 1)];
+    sqlite3_result_int(context, hits.contains(sqlite3_value_int64(values[0])) ? 1 : 0);
+}
+
 } // namespace
 
 void TSQLiteConnection::RegisterFunctions()
@@ -199,6 +217,17 @@ void TSQLiteConnection::RegisterFunctions()
     sqlite3_create_function_v2(FConnection, "krn_key", 1, pure, nullptr, KeyFunction, nullptr, nullptr, nullptr);
     sqlite3_create_function_v2(FConnection, "krn_article_key", 1, SQLITE_UTF8 | SQLITE_DIRECTONLY, &FTextRules,
                                ArticleKeyFunction, nullptr, nullptr, nullptr);
+    sqlite3_create_function_v2(FConnection, "krn_no_letter", 1, pure, nullptr, NoLetterFunction, nullptr, nullptr,
+                               nullptr);
+    sqlite3_create_function_v2(FConnection, "krn_hit", 2, SQLITE_UTF8 | SQLITE_DIRECTONLY, &FTextRules, HitFunction,
+                               nullptr, nullptr, nullptr);
+    sqlite3_update_hook(
+        FConnection,
+        [](void* self, int, const char*, const char* table, sqlite3_int64 row) {
+            if (const auto& tell = static_cast<TSQLiteConnection*>(self)->OnChange)
+                tell(table, row);
+        },
+        this);
     sqlite3_create_collation_v2(FConnection, "KRN_NOCASE", SQLITE_UTF8, nullptr, CompareNoCase, nullptr);
 }
 

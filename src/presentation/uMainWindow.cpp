@@ -10,6 +10,8 @@
 #include "uDetailPane.h"
 #include "uEmptyPage.h"
 #include "uFilterBar.h"
+#include "uFindBar.h"
+#include "uGroupPanel.h"
 #include "uLetterBar.h"
 #include "uMessageBars.h"
 #include "uReleasesModel.h"
@@ -67,6 +69,7 @@ TMainWindow::TMainWindow(TKRNMainForm& form, TThemeController& theme, bool debug
     FForm.FormCreate(hooks);
     FActions = new TActionSet(FForm.Actions(), this);
     FModel = new TReleasesModel(FForm.Data(), this);
+    FTracksModel = new TTracksModel(FForm.Data(), this);
     BuildParts();
     BuildMenus();
     BuildShortcuts();
@@ -112,33 +115,49 @@ void TMainWindow::BuildParts()
 void TMainWindow::BuildViews()
 {
     FLetters = new TLetterBar(FViewSide);
+    FGroupPanel = new TGroupPanel(FViewSide);
+    FFind = new TFindBar(FViewSide);
+    FFind->hide();
     FViews = new QStackedWidget(FViewSide);
     FTiles = new TTileView(FViews);
-    FTable = new TAlbumTable(&FCovers, FViews);
+    FTable = new TAlbumTable(&FCovers, *FModel, FViews);
+    FTracks = new TAlbumTable(nullptr, *FTracksModel, FViews);
     FNoHits = new TEmptyPage(FViews);
     const TLocate locate = [this](const QString& text, int from) { return FForm.LocateTitle(text, from); };
     FTiles->SetLocate(locate);
     FTable->SetLocate(locate);
-    FThumbsPainter.SetStep(FForm.ThumbSize());
+    SetUpCards();
     FTiles->SetPainter(&FThumbsPainter);
     FTiles->setModel(FModel);
-    FTable->setModel(FModel);
     // One selection for all views, so that a change of the view loses nothing.
-    FTable->setSelectionModel(FTiles->selectionModel());
+    FLink = new TSelectionLink(FTable->Groups(), FTiles->selectionModel(), FTable->selectionModel(), this);
     FTiles->setAccessibleName(GetLanguageString(u"cSGuiReleases"_s));
     FTable->setAccessibleName(GetLanguageString(u"cSGuiReleases"_s));
-    for (QAbstractItemView* view : {static_cast<QAbstractItemView*>(FTiles), static_cast<QAbstractItemView*>(FTable)})
+    FTracks->setAccessibleName(GetLanguageString(u"cSGuiTracks"_s));
+    for (QAbstractItemView* view : std::initializer_list<QAbstractItemView*>{FTiles, FTable, FTracks})
         view->setContextMenuPolicy(Qt::CustomContextMenu);
+    SetUpTable(*FTable);
+    SetUpTable(*FTracks);
     SetUpColumns();
     FNoHits->ShowNoHits();
-    FViews->addWidget(FTiles);
-    FViews->addWidget(FTable);
-    FViews->addWidget(FNoHits);
+    for (QWidget* page : std::initializer_list<QWidget*>{FTiles, FTable, FTracks, FNoHits})
+        FViews->addWidget(page);
     auto* column = new QVBoxLayout(FViewSide);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(FLetters);
+    column->addWidget(FFind);
+    column->addWidget(FGroupPanel);
     column->addWidget(FViews, 1);
+}
+
+void TMainWindow::SetUpCards()
+{
+    std::vector<TCardsPainter::TField> fields;
+    for (const QString& field : {u"Genre"_s, u"Label"_s, u"CatalogNO"_s, u"CountryCode"_s})
+        if (const int column = FModel->ColumnOf(field); column >= 0)
+            fields.push_back({FModel->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString(), column});
+    FCardsPainter.SetFields(std::move(fields));
 }
 
 void TMainWindow::BuildMenus()
@@ -147,16 +166,28 @@ void TMainWindow::BuildMenus()
     FMainMenu = new QMenu(this);
     FStatusMenu = new QMenu(this);
     FSortMenu = new QMenu(this);
+    FSavedMenu = new QMenu(this);
+    FGroupMenu = new QMenu(this);
+    FPresetMenu = new QMenu(this);
+    connect(FSavedMenu, &QMenu::aboutToShow, this, &TMainWindow::FillSavedMenu);
+    connect(FGroupMenu, &QMenu::aboutToShow, this, &TMainWindow::FillGroupMenu);
+    connect(FPresetMenu, &QMenu::aboutToShow, this, &TMainWindow::FillPresetMenu);
     connect(FFileMenu, &QMenu::aboutToShow, this, &TMainWindow::FillFileMenu);
     connect(FMainMenu, &QMenu::aboutToShow, this, &TMainWindow::FillMainMenu);
     connect(FStatusMenu, &QMenu::aboutToShow, this, &TMainWindow::FillStatusMenu);
     connect(FSortMenu, &QMenu::aboutToShow, this, &TMainWindow::FillSortMenu);
     if (QAction* status = FActions->Find(u"actStatusFilter"_s))
         status->setMenu(FStatusMenu);
+    if (QAction* saved = FActions->Find(u"actSavedFilters"_s))
+        saved->setMenu(FSavedMenu);
+    if (QAction* columns = FActions->Find(u"actCustomizeColumns"_s))
+        columns->setMenu(FPresetMenu);
     FRibbon->SetTable(MainRibbonTable(), [this](const QString& name) { return FActions->Find(name); });
     FRibbon->SetFileMenu(FFileMenu);
     FRibbon->SetMainMenu(FMainMenu);
     FFilters->SetStatusMenu(FStatusMenu);
+    FFilters->SetSavedMenu(FSavedMenu);
+    FGroupPanel->SetMenus(FGroupMenu, FPresetMenu);
     FFilters->Sizes()->SetIcons({u"sizeS"_s, u"sizeM"_s, u"sizeL"_s},
                                 {GetLanguageString(u"cSGuiSizeSmall"_s), GetLanguageString(u"cSGuiSizeMedium"_s),
                                  GetLanguageString(u"cSGuiSizeLarge"_s)});
@@ -201,7 +232,10 @@ void TMainWindow::ConnectForm()
     connect(&FForm, &TKRNMainForm::importStarted, this, &TMainWindow::OpenImport);
     connect(&FForm, &TKRNMainForm::closeRequested, this, &QWidget::close);
     connect(&FForm, &TKRNMainForm::selectionRequested, this,
-            [this](bool all) { all ? FTiles->selectAll() : FTiles->clearSelection(); });
+            [this](bool all) {
+                QAbstractItemView* view = FForm.TracksShown() ? static_cast<QAbstractItemView*>(FTracks) : FTiles;
+                all ? view->selectAll() : view->clearSelection();
+            });
     connect(&FForm, &TKRNMainForm::barRaised, this,
             [this](TBarKind kind, const QString& bold, const QString& sentence) {
                 FBars->Show({kind, bold, sentence, {}, {}});
@@ -211,35 +245,100 @@ void TMainWindow::ConnectForm()
             FDebug->setVisible(!FDebug->isVisible());
     });
     connect(FModel, &QAbstractItemModel::modelReset, this, &TMainWindow::RestoreCurrent, Qt::QueuedConnection);
+    connect(FTracksModel, &QAbstractItemModel::modelReset, this, &TMainWindow::RestoreCurrentTrack,
+            Qt::QueuedConnection);
+    connect(&FForm, &TKRNMainForm::dialogRequested, this, &TMainWindow::OpenDialog);
+    connect(&FForm, &TKRNMainForm::exportRequested, this, &TMainWindow::Export);
+    connect(&FForm, &TKRNMainForm::filterRowToggled, this, &TMainWindow::ToggleFilterRow);
+    connect(&FForm, &TKRNMainForm::findPanelToggled, this, &TMainWindow::ToggleFindPanel);
+    connect(&FForm, &TKRNMainForm::copyRequested, this, &TMainWindow::Copy);
+    connect(&FForm, &TKRNMainForm::settingsApplied, this, &TMainWindow::ResetColumns);
+    connect(&FForm, &TKRNMainForm::expandRequested, this, [this](bool expand) {
+        if (TAlbumTable* table = CurrentTable())
+            table->ExpandGroups(expand);
+    });
+    connect(&FForm, &TKRNMainForm::bestFitRequested, this, [this] {
+        if (TAlbumTable* table = CurrentTable())
+            table->ApplyBestFit();
+    });
+    connect(&FForm, &TKRNMainForm::openFolderRequested, this,
+            [](const QString& folder) { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); });
+    connect(&FForm, &TKRNMainForm::jobProgressed, this, [this](const QString& text, int value, int maximum) {
+        maximum > 0 ? FStatus->ShowProgress(text, value, maximum, true) : FStatus->HideProgress();
+    });
 }
 
 void TMainWindow::ConnectParts()
 {
-    FSelectionTimer.setSingleShot(true);
-    FSelectionTimer.setInterval(0);
+    ConnectViews();
+    ConnectTables();
+    ConnectFilters();
+    ConnectPane();
+}
+
+void TMainWindow::ConnectViews()
+{
+    for (QTimer* timer : {&FSelectionTimer, &FTrackSelectionTimer}) {
+        timer->setSingleShot(true);
+        timer->setInterval(0);
+    }
     connect(&FSelectionTimer, &QTimer::timeout, this, &TMainWindow::ReportSelection);
+    connect(&FTrackSelectionTimer, &QTimer::timeout, this, &TMainWindow::ReportTrackSelection);
     QItemSelectionModel* selection = FTiles->selectionModel();
     connect(selection, &QItemSelectionModel::selectionChanged, &FSelectionTimer, qOverload<>(&QTimer::start));
     connect(selection, &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& now) {
-        if (now.isValid())
+        if (now.isValid() && !FForm.TracksShown())
             FForm.SetFocusedRelease(FModel->IdOf(now));
     });
+    QItemSelectionModel* tracks = FTracks->selectionModel();
+    connect(tracks, &QItemSelectionModel::selectionChanged, &FTrackSelectionTimer, qOverload<>(&QTimer::start));
+    connect(tracks, &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& now) {
+        const int row = FTracks->Groups().SourceRow(now);
+        if (row >= 0 && FForm.TracksShown())
+            FForm.SetFocusedTrack(FTracksModel->IdOf(FTracksModel->index(row, 0)));
+    });
+    for (QAbstractItemView* view : std::initializer_list<QAbstractItemView*>{FTiles, FTable, FTracks}) {
+        connect(view, &QWidget::customContextMenuRequested, this,
+                [this, view](const QPoint& at) { OpenContextMenu(view->viewport()->mapToGlobal(at)); });
+        connect(view, &QAbstractItemView::activated, this, [this] { FForm.Actions().Trigger(u"actEditItem"_s); });
+    }
+    connect(FEmpty, &TEmptyPage::recentChosen, &FForm, &TKRNMainForm::OpenRecent);
+}
+
+void TMainWindow::ConnectTables()
+{
+    connect(FGroupPanel, &TGroupPanel::removeRequested, this, [this](const QString& column) {
+        QStringList groups = FForm.List().Grouping();
+        groups.removeAll(column);
+        FForm.SetGrouping(groups);
+    });
+    connect(FGroupPanel, &TGroupPanel::expandRequested, &FForm, &TKRNMainForm::expandRequested);
+    connect(FFind, &TFindBar::textChanged, this, &TMainWindow::Find);
+    connect(FFind, &TFindBar::stepRequested, this, &TMainWindow::StepFind);
+    connect(FFind, &TFindBar::closeRequested, this, [this] {
+        FFind->hide();
+        Find({});
+        CurrentViewWidget()->setFocus();
+    });
+}
+
+void TMainWindow::ConnectFilters()
+{
     TSearchBox* search = FRibbon->SearchBox();
-    connect(search, &TSearchBox::fieldChanged, &FForm, &TKRNMainForm::SetSearchBy);
+    connect(search, &TSearchBox::fieldChanged, this,
+            [this](const QString& field) { FForm.SetSearchBy(field.isEmpty() ? EverythingField : field); });
     connect(search, &TSearchBox::textChanged, &FForm, &TKRNMainForm::SetSearchText);
     connect(search, &TSearchBox::searchRequested, this, [this] { FForm.Actions().Trigger(u"actSearch"_s); });
-    connect(search, &TSearchBox::cleared, this, [this] { FForm.RemoveFilter(fckKeyword); });
+    connect(search, &TSearchBox::cleared, this, [this] {
+        FForm.RemoveFilter(FForm.SearchBy() == EverythingField ? fckEverything : fckKeyword);
+    });
     connect(search, &TSearchBox::leaveRequested, this, [this] { CurrentViewWidget()->setFocus(); });
     TChipRow* chips = FFilters->Chips();
-    connect(chips, &TChipRow::removeRequested, this,
-            [this](const QString& id) { FForm.RemoveFilter(static_cast<TFilterChipKind>(id.toInt())); });
+    connect(chips, &TChipRow::removeRequested, this, [this](const QString& id) {
+        FForm.RemoveFilter(static_cast<TFilterChipKind>(id.section(u'|', 0, 0).toInt()), id.section(u'|', 1));
+    });
     connect(chips, &TChipRow::editRequested, this, [this](const QString& id) {
-        if (static_cast<TFilterChipKind>(id.toInt()) == fckKeyword)
-            EditKeyword();
-        else if (static_cast<TFilterChipKind>(id.toInt()) == fckLetter)
-            FLetters->setFocus();
-        else
-            FStatusMenu->popup(FFilters->mapToGlobal(QPoint(10, FFilters->height())));
+        EditChip(static_cast<TFilterChipKind>(id.section(u'|', 0, 0).toInt()), id.section(u'|', 1));
     });
     const auto clearAll = [this] { FForm.Actions().Trigger(u"actFilterStatusOther"_s); };
     connect(chips, &TChipRow::clearRequested, this, clearAll);
@@ -249,28 +348,40 @@ void TMainWindow::ConnectParts()
         FForm.LetterClick(letter.isEmpty() ? GetLanguageString(u"cSGuiAllLetters"_s) : letter);
     });
     connect(FLetters, &TLetterBar::fieldChosen, &FForm, &TKRNMainForm::SetLetterField);
-    connect(FTable, &TAlbumTable::sortRequested, this, [this](int column, bool add) {
-        if (const QString field = FModel->FieldOf(column); !field.isEmpty())
-            FForm.SortBy(field, add);
-    });
+}
+
+void TMainWindow::ConnectPane()
+{
     connect(FPane, &TDetailPane::ratingChosen, &FForm, &TKRNMainForm::SetDetailRating);
     connect(FPane, &TDetailPane::linkActivated, this,
             [](const QString& link) { QDesktopServices::openUrl(QUrl(link, QUrl::StrictMode)); });
-    connect(FEmpty, &TEmptyPage::recentChosen, &FForm, &TKRNMainForm::OpenRecent);
     connect(FStatus, &TStatusLine::cancelRequested, this, [this] {
         if (TImportRun* run = FForm.AddFiles())
             run->Cancel();
+        FForm.CancelJob();
     });
     connect(FSplitter, &QSplitter::splitterMoved, this, [this] {
         FPaneDragged = true;
         const bool beside = FSplitter->orientation() == Qt::Horizontal;
         FForm.SetFrameSize(beside ? FPane->width() : 0, beside ? 0 : FPane->height());
     });
-    for (QAbstractItemView* view : {static_cast<QAbstractItemView*>(FTiles), static_cast<QAbstractItemView*>(FTable)}) {
-        connect(view, &QWidget::customContextMenuRequested, this,
-                [this, view](const QPoint& at) { OpenContextMenu(view->viewport()->mapToGlobal(at)); });
-        connect(view, &QAbstractItemView::activated, this, [this] { FForm.Actions().Trigger(u"actEditItem"_s); });
+}
+
+void TMainWindow::EditChip(TFilterChipKind kind, const QString& column)
+{
+    switch (kind) {
+    case fckKeyword:
+    case fckEverything: return EditKeyword();
+    case fckLetter: return FLetters->setFocus();
+    case fckStatus: return FStatusMenu->popup(FFilters->mapToGlobal(QPoint(10, FFilters->height())));
+    case fckBuilder: return OpenDialog(mdFilterBuilder);
+    case fckColumn: break;
     }
+    TAlbumTable* table = CurrentTable();
+    if (!table)
+        return;
+    table->Header()->ShowFilterRow(true);
+    table->Header()->FocusFilter(CurrentModel()->ColumnOf(column));
 }
 
 void TMainWindow::EditKeyword()
@@ -278,7 +389,7 @@ void TMainWindow::EditKeyword()
     TSearchBox* search = FRibbon->SearchBox();
     const auto [field, text] = FForm.Keyword();
     search->SetCurrentField(field);
-    search->SetText(text);
+    search->SetText(field.isEmpty() ? FForm.EverythingWords() : text);
     search->FocusEditor();
 }
 

@@ -2,7 +2,9 @@
 #pragma once
 
 #include "frmMain.h"
+#include "uCardsPainter.h"
 #include "uCoverCache.h"
+#include "uShelfPainter.h"
 #include "uThumbsPainter.h"
 
 #include <QPointer>
@@ -20,11 +22,17 @@ class TAlbumTable;
 class TDebugWindow;
 class TDetailPane;
 class TEmptyPage;
+class TFieldEditor;
 class TFilterBar;
+class TFindBar;
+class TGroupPanel;
 class TLetterBar;
+class TListModel;
 class TMessageBars;
 class TProgressWindow;
 class TReleasesModel;
+class TSelectionLink;
+class TTracksModel;
 class TRibbon;
 class TStatusLine;
 class TThemeController;
@@ -45,6 +53,9 @@ public:
     TRibbon* Ribbon() { return FRibbon; }
     TTileView* Tiles() { return FTiles; }
     TAlbumTable* Table() { return FTable; }
+    TAlbumTable* Tracks() { return FTracks; }
+    TGroupPanel* GroupPanel() { return FGroupPanel; }
+    TFindBar* FindBar() { return FFind; }
     TDetailPane* Pane() { return FPane; }
     TFilterBar* Filters() { return FFilters; }
     TLetterBar* Letters() { return FLetters; }
@@ -72,8 +83,13 @@ private:
     void BuildViews();
     void BuildMenus();
     void BuildShortcuts();
+    void SetUpTable(TAlbumTable& table);
     void ConnectForm();
     void ConnectParts();
+    void ConnectViews();
+    void ConnectTables();
+    void ConnectFilters();
+    void ConnectPane();
 
     void ShowCollection();
     void ShowView();
@@ -92,8 +108,31 @@ private:
     void RestoreCurrent();
     void ReportSelection();
     void SetUpColumns();
-    void RestoreColumns(const std::vector<TColumnState>& columns);
+    void RestoreColumns(TAlbumTable& table, const std::vector<TColumnState>& columns);
     void KeepColumns();
+    void ResetColumns();
+    TAlbumTable* CurrentTable() const;
+    TListModel* CurrentModel() const;
+    void SetUpCards();
+    void ShowGroups();
+    void GroupBy(const QString& field);
+    void OpenHeaderMenu(TAlbumTable& table, int column, const QPoint& globalPosition);
+    void FillGroupMenu();
+    void FillPresetMenu();
+    void FillSavedMenu();
+    void ToggleFilterRow();
+    void ToggleFindPanel();
+    QStringList FindColumns() const;
+    void Find(const QString& text);
+    void StepFind(int direction);
+    int CurrentRow() const;
+    void FocusRow(int row);
+    void Copy(bool rows);
+    void ReportTrackSelection();
+    void RestoreCurrentTrack();
+    void OpenDialog(TMainDialog dialog);
+    void Export(const QString& format);
+    void EditChip(TFilterChipKind kind, const QString& column);
     void SizePane();
     void FitSmallWindow();
     void KeepGeometry();
@@ -111,6 +150,10 @@ private:
     TModelThumbSource FThumbs;
     TCoverCache FCovers{FThumbs};
     TThumbsPainter FThumbsPainter{FCovers};
+    TCardsPainter FCardsPainter{FCovers};
+    TShelfPainter FShelfPainter{FCovers};
+    TTracksModel* FTracksModel = nullptr;
+    TSelectionLink* FLink = nullptr;
 
     TRibbon* FRibbon = nullptr;
     TFilterBar* FFilters = nullptr;
@@ -123,6 +166,9 @@ private:
     QStackedWidget* FViews = nullptr; // tiles, table, nothing found
     TTileView* FTiles = nullptr;
     TAlbumTable* FTable = nullptr;
+    TAlbumTable* FTracks = nullptr;
+    TGroupPanel* FGroupPanel = nullptr;
+    TFindBar* FFind = nullptr;
     TEmptyPage* FNoHits = nullptr;
     TDetailPane* FPane = nullptr;
     TStatusLine* FStatus = nullptr;
@@ -130,6 +176,11 @@ private:
     QMenu* FMainMenu = nullptr;
     QMenu* FStatusMenu = nullptr;
     QMenu* FSortMenu = nullptr;
+    QMenu* FSavedMenu = nullptr;
+    QMenu* FGroupMenu = nullptr;
+    QMenu* FPresetMenu = nullptr;
+    std::vector<int> FHits; // rows of the find panel
+    QTimer FTrackSelectionTimer;
     QPointer<TDebugWindow> FDebug;
     QPointer<TProgressWindow> FProgress;
     QTimer FSelectionTimer;

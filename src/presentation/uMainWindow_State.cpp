@@ -8,6 +8,8 @@
 #include "uDetailPane.h"
 #include "uEmptyPage.h"
 #include "uFilterBar.h"
+#include "uFindBar.h"
+#include "uGroupPanel.h"
 #include "uLetterBar.h"
 #include "uMainWindow.h"
 #include "uMessageBars.h"
@@ -61,7 +63,7 @@ QString DaysText(double days)
 void TMainWindow::ShowCollection()
 {
     setWindowTitle(FForm.Caption());
-    std::vector<TSearchBoxField> fields;
+    std::vector<TSearchBoxField> fields{{{}, GetLanguageString(u"cSGuiEverything"_s), {}}};
     for (const TSearchField& field : FForm.SearchFields()) {
         TSearchBoxField shown{field.Column, field.Caption, {}};
         if (field.IsList)
@@ -92,11 +94,33 @@ void TMainWindow::ShowOpenFailure()
 
 void TMainWindow::ShowView()
 {
+    const TMainView view = FForm.CurrentView();
     FThumbsPainter.SetStep(FForm.ThumbSize());
-    FTiles->SetPainter(&FThumbsPainter);
+    FShelfPainter.SetStep(FForm.ThumbSize());
+    TTilePainter* painter = &FThumbsPainter;
+    if (view == mvCards)
+        painter = &FCardsPainter;
+    else if (view == mvShelf)
+        painter = &FShelfPainter;
+    FTiles->SetPainter(painter);
     FFilters->Sizes()->SetCurrent(FForm.ThumbSize());
-    FFilters->Sizes()->setVisible(FForm.CurrentView() == mvThumbs);
+    FFilters->Sizes()->setVisible(view == mvThumbs || view == mvShelf);
+    FTable->SetEditing(FForm.InPlaceEditing());
+    FTracks->SetEditing(FForm.InPlaceEditing());
+    FGroupPanel->setVisible(CurrentTable() != nullptr);
+    if (!FFind->isHidden())
+        Find(FFind->Text());
     ShowPage();
+    ShowGroups();
+}
+
+void TMainWindow::ShowGroups()
+{
+    const TListModel& list = *CurrentModel();
+    QStringList captions;
+    for (const QString& field : FForm.List().Grouping())
+        captions << list.headerData(list.ColumnOf(field), Qt::Horizontal, FullCaptionRole).toString();
+    FGroupPanel->SetGroups(FForm.List().Grouping(), captions);
 }
 
 // Which of the pages stands in the middle, and which view in it.
@@ -126,7 +150,7 @@ void TMainWindow::ShowPage()
     if (!empty && figures.Shown == 0)
         FViews->setCurrentWidget(FNoHits);
     else
-        FViews->setCurrentWidget(FForm.CurrentView() == mvAlbums ? static_cast<QWidget*>(FTable) : FTiles);
+        FViews->setCurrentWidget(CurrentTable() ? static_cast<QWidget*>(CurrentTable()) : FTiles);
     if (hadFocus)
         FViews->currentWidget()->setFocus();
 }
@@ -135,25 +159,39 @@ void TMainWindow::ShowFilters()
 {
     std::vector<TChipText> chips;
     for (const TFilterChip& chip : FForm.FilterChips())
-        chips.push_back({QString::number(static_cast<int>(chip.Kind)), chip.Field, chip.Value});
+        chips.push_back({u"%1|%2"_s.arg(static_cast<int>(chip.Kind)).arg(chip.Column), chip.Field, chip.Value});
     FFilters->Chips()->SetChips(chips);
     FLetters->SetCurrent(FForm.Letter());
     FLetters->SetField(FForm.LetterField());
+    if (TAlbumTable* table = CurrentTable())
+        table->Header()->RefreshFilters();
+    if (!FFind->isHidden() && !FFind->Text().isEmpty())
+        FHits = FForm.FindRows(FindColumns(), FFind->Text());
     ShowPage();
 }
 
 void TMainWindow::ShowSort()
 {
+    const TListModel& list = *CurrentModel();
     std::vector<TSortMark> marks;
-    const std::vector<TSortItem> sort = FForm.Data().qReleasesMain.Sort();
+    const std::vector<TSortItem> sort = FForm.List().Sort();
     for (const TSortItem& item : sort)
-        if (const int column = FModel->ColumnOf(item.Column); column >= 0)
+        if (const int column = list.ColumnOf(item.Column); column >= 0)
             marks.push_back({column, !item.Descending});
     const QString caption = marks.empty()
                                 ? GetLanguageString(u"cSGuiUnsorted"_s)
-                                : FModel->headerData(marks.front().Column, Qt::Horizontal, Qt::DisplayRole).toString();
+                                : list.headerData(marks.front().Column, Qt::Horizontal, Qt::DisplayRole).toString();
     FFilters->SetSort(caption, marks.empty() || marks.front().Ascending, FSortMenu);
-    FTable->SetSortMarks(std::move(marks));
+    if (!FForm.TracksShown()) {
+        const QString first = sort.empty() ? QString() : sort.front().Column;
+        FShelfPainter.SetOrder(first == "No"_L1                                      ? soNumber
+                               : first == "Artist"_L1                                ? soArtist
+                               : first == "ReleaseYear"_L1                           ? soYear
+                                                                                     : soOther);
+        FTiles->viewport()->update();
+    }
+    (FForm.TracksShown() ? FTracks : FTable)->SetSortMarks(std::move(marks));
+    ShowGroups();
 }
 
 void TMainWindow::ShowFigures()
@@ -161,15 +199,18 @@ void TMainWindow::ShowFigures()
     const TStatusFigures figures = FForm.StatusFigures();
     const QLocale locale;
     QStringList facts;
-    if (figures.Shown == figures.Total)
-        facts << GetLanguageString(u"cSGuiFigureReleases"_s).arg(locale.toString(figures.Total));
-    else
-        facts << GetLanguageString(u"cSGuiFigureOf"_s)
-                     .arg(locale.toString(figures.Shown), locale.toString(figures.Total));
+    QString shown = GetLanguageString(figures.OfTracks ? u"cSGuiFigureTracks"_s : u"cSGuiFigureReleases"_s)
+                        .arg(locale.toString(figures.Total));
+    if (figures.Shown != figures.Total)
+        shown = GetLanguageString(figures.OfTracks ? u"cSGuiFigureTracksOf"_s : u"cSGuiFigureOf"_s)
+                    .arg(locale.toString(figures.Shown), locale.toString(figures.Total));
+    if (figures.Groups > 0)
+        shown += u' ' + GetLanguageString(u"cSGuiFigureGroups"_s).arg(locale.toString(figures.Groups));
+    facts << shown;
     facts << (figures.Selected == 0
                   ? GetLanguageString(u"cSGuiFigureNone"_s)
                   : GetLanguageString(u"cSGuiFigureSelected"_s).arg(locale.toString(figures.Selected)));
-    if (figures.Tracks >= 0 && !figures.FileName.isEmpty())
+    if (figures.Tracks >= 0 && !figures.FileName.isEmpty() && !figures.OfTracks)
         facts << GetLanguageString(u"cSGuiFigureTracks"_s).arg(locale.toString(figures.Tracks))
               << DaysText(figures.TracksLength);
     FStatus->SetFacts(facts);
@@ -229,72 +270,6 @@ void TMainWindow::FitSmallWindow()
     FLetters->setVisible(height() >= LettersHideBelow);
 }
 
-void TMainWindow::FillFileMenu()
-{
-    FFileMenu->clear();
-    qDeleteAll(FFileMenu->findChildren<QMenu*>(Qt::FindDirectChildrenOnly));
-    FActions->Fill(*FFileMenu, {u"actNewDatabase"_s, u"actOpenDatabase"_s});
-    QMenu* recent = FFileMenu->addMenu(GetLanguageString(u"cSGuiRecent"_s));
-    for (const QString& path : FForm.RecentDBs())
-        connect(recent->addAction(path), &QAction::triggered, this, [this, path] { FForm.OpenRecent(path); });
-    recent->setEnabled(!recent->isEmpty());
-    FActions->Fill(*FFileMenu, {QString(), u"actSaveDatabase"_s, u"actSaveDatabaseAs"_s, QString(), u"actImport"_s,
-                                u"actPrint"_s, QString(), u"actOptions"_s, u"actBackupSettings"_s, QString(),
-                                u"actHelp"_s, u"actAbout"_s, QString(), u"actExit"_s});
-}
-
-void TMainWindow::FillMainMenu()
-{
-    FMainMenu->clear();
-    qDeleteAll(FMainMenu->findChildren<QMenu*>(Qt::FindDirectChildrenOnly));
-    FillFileMenu();
-    QMenu* file = FMainMenu->addMenu(GetLanguageString(u"cSGuiFile"_s));
-    file->addActions(FFileMenu->actions());
-    for (const TRibbonTab& tab : MainRibbonTable()) {
-        QStringList names;
-        for (const TRibbonGroup& group : tab.Groups) {
-            names << QString();
-            for (const TRibbonItem& item : group.Items)
-                names << (item.Action.isEmpty() ? item.Menu : QStringList(item.Action));
-        }
-        auto* menu = new QMenu(GetLanguageString(tab.CaptionKey), FMainMenu);
-        FActions->Fill(*menu, names);
-        if (!menu->isEmpty())
-            FMainMenu->addMenu(menu);
-        else
-            delete menu;
-    }
-}
-
-void TMainWindow::FillStatusMenu()
-{
-    FStatusMenu->clear();
-    FActions->Fill(*FStatusMenu, {u"actFilterStatusAll"_s, u"actFilterStatusOther"_s});
-    FStatusMenu->addSeparator();
-    for (const QString& status : FForm.StatusItems()) {
-        if (status.isEmpty())
-            continue;
-        QAction* item = FStatusMenu->addAction(status);
-        item->setCheckable(true);
-        item->setChecked(status == FForm.StatusFilter());
-        connect(item, &QAction::triggered, this, [this, status] { FForm.FilterStatus(status); });
-    }
-}
-
-void TMainWindow::FillSortMenu()
-{
-    FSortMenu->clear();
-    for (const QString& field : {u"Artist"_s, u"ReleaseName"_s, u"ReleaseYear"_s, u"DateAdded"_s, u"Rating_Calc"_s,
-                                 u"MediaType"_s, u"Genre"_s, u"Label"_s, u"No"_s}) {
-        const int column = FModel->ColumnOf(field);
-        if (column < 0)
-            continue;
-        QAction* item = FSortMenu->addAction(FModel->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
-        connect(item, &QAction::triggered, this, [this, field] { FForm.SortBy(field, false); });
-    }
-    FActions->Fill(*FSortMenu, {QString(), u"actSort"_s, u"actSortAsc"_s, u"actSortDesc"_s, u"actClearSorting"_s});
-}
-
 void TMainWindow::OpenContextMenu(const QPoint& globalPosition)
 {
     QMenu menu(this);
@@ -309,14 +284,26 @@ void TMainWindow::OpenContextMenu(const QPoint& globalPosition)
 void TMainWindow::FocusRelease(qint64 id)
 {
     const QModelIndex index = FModel->IndexOfId(id);
-    if (!index.isValid())
+    if (!index.isValid() && !FForm.TracksShown())
         return;
-    auto* view = FForm.CurrentView() == mvAlbums ? static_cast<QAbstractItemView*>(FTable) : FTiles;
+    if (FForm.TracksShown()) {
+        // A track of that release has the focus already, or the first one gets it.
+        const int row = CurrentRow();
+        const TVariant shown = row < 0 ? TVariant() : FForm.List().ValueAt(row, FForm.List().FieldIndex(u"ReleaseId"_s));
+        const int first = FForm.List().RowOfKey(FForm.Data().FirstTrackOf(id));
+        if (shown.toLongLong() != id && first >= 0)
+            FocusRow(first);
+        return;
+    }
     const QItemSelectionModel* selection = FTiles->selectionModel();
     if (FTiles->currentIndex().row() != index.row() || !selection->isRowSelected(index.row(), {}))
         FTiles->selectionModel()->setCurrentIndex(index,
                                                   QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    view->scrollTo(index);
+    FLink->FollowSource();
+    if (CurrentTable() == FTable)
+        FTable->scrollTo(FTable->Groups().IndexOfRow(index.row(), std::max(0, FTable->currentIndex().column())));
+    else
+        FTiles->scrollTo(index);
 }
 
 // A reset of the model loses the selection: the focused release comes back where it is now, else the first row. A view
@@ -331,8 +318,12 @@ void TMainWindow::RestoreCurrent()
         FForm.SetSelection({});
         return;
     }
-    if (FTiles->selectionModel()->hasSelection())
+    if (FTiles->selectionModel()->hasSelection()) {
+        FLink->FollowSource();
         return;
+    }
+    if (FForm.TracksShown())
+        return; // the releases are not in sight
     const QModelIndex again = FModel->IndexOfId(FPlace);
     FocusRelease(FModel->IdOf(again.isValid() ? again : FModel->index(0, 0)));
 }
@@ -346,6 +337,38 @@ void TMainWindow::ReportSelection()
     std::sort(ids.begin(), ids.end());
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
     FForm.SetSelection(std::move(ids));
+}
+
+void TMainWindow::ReportTrackSelection()
+{
+    std::vector<qint64> ids;
+    for (const QItemSelectionRange& range :
+         FTracks->Groups().ToSource(FTracks->selectionModel()->selection()))
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            ids.push_back(FTracksModel->IdOf(FTracksModel->index(row, 0)));
+    std::sort(ids.begin(), ids.end());
+    ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+    FForm.SetTrackSelection(std::move(ids));
+}
+
+void TMainWindow::RestoreCurrentTrack()
+{
+    if (!FForm.TracksShown() || FTracksModel->rowCount() == 0 || FTracks->selectionModel()->hasSelection())
+        return;
+    FocusRow(std::max(0, FForm.List().RecNo()));
+}
+
+// The columns there are follow the settings: custom fields come and go with their captions.
+void TMainWindow::ResetColumns()
+{
+    KeepColumns();
+    for (TAlbumTable* table : {FTable, FTracks}) {
+        table->Groups().Source().ResetColumns();
+        RestoreColumns(*table, FForm.Layout(table == FTracks)->Columns);
+    }
+    SetUpCards();
+    FCovers.Clear();
+    ShowCollection();
 }
 
 void TMainWindow::OpenAddFiles()

@@ -3,6 +3,7 @@
 #include "frmMain.h"
 #include "uImportRun.h"
 #include "uPrompt.h"
+#include "uFieldText.h"
 #include "uTHStrings.h"
 
 #include <algorithm>

@@ -9,8 +9,13 @@
 #include "uImportRun.h"
 #include "uPrompt.h"
 #include "uTHStrings.h"
+#include "uWaitCursor.h"
 
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStandardPaths>
 
 #include <algorithm>
 
@@ -20,15 +25,26 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString AlbumLayoutKey = u"AlbumView.Layout"_s;
+const std::array<QString, 2> LayoutKeys = {u"AlbumView.Layout"_s, u"TracksView.Layout"_s};
+const std::array<QString, 2> InPlaceKeys = {u"AlbumView.InPlaceEditing"_s, u"TracksView.InPlaceEditing"_s};
+const QString SavedFiltersKey = u"SavedFilters"_s;
+constexpr int MostSavedFilters = 100;
+constexpr int IndexDelay = 1200; // milliseconds after the start, when the window has settled
 const QString FoldedKey = u"VG.Folded"_s;
 constexpr int DetailDelay = 150;    // milliseconds, so that a fast walk through the list reads no pictures
 constexpr qint64 CountStep = 50000; // tracks per turn of the event loop
 
 } // namespace
 
-TKRNMainForm::TKRNMainForm(TDataModuleMain& data, TPrompt& prompt) : FData(data), FPrompt(prompt)
+TKRNMainForm::TKRNMainForm(TDataModuleMain& data, TPrompt& prompt)
+    : FData(data), FPrompt(prompt), FReleaseFilters(data, data.qReleasesMain, false),
+      FTrackFilters(data, data.qTracksAll, true),
+      FIndex(std::make_unique<TSearchIndex>(
+          data, QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/Kestrune"_s))
 {
+    connect(FIndex.get(), &TSearchIndex::built, this, &TKRNMainForm::IndexBuilt);
+    FIndexTimer.setSingleShot(true);
+    connect(&FIndexTimer, &QTimer::timeout, this, [this] { FIndex->Open(); });
     FDetailTimer.setSingleShot(true);
     FDetailTimer.setInterval(DetailDelay);
     connect(&FDetailTimer, &QTimer::timeout, this, &TKRNMainForm::RefreshDetail);
@@ -96,8 +112,11 @@ void TKRNMainForm::SelectFirstView(const TMainFormHooks&)
 {
     // A number of a view that this window does not have leaves the first one.
     const int view = Defaults().CurrentView;
-    if (view == static_cast<int>(mvThumbs) || view == static_cast<int>(mvAlbums))
-        FView = static_cast<TMainView>(view);
+    if (view < static_cast<int>(mvThumbs) || view > static_cast<int>(mvTracks))
+        return;
+    FView = static_cast<TMainView>(view);
+    if (TracksShown() && FData.HasData())
+        EnsureTracksOpen();
 }
 
 void TKRNMainForm::FormShow()
@@ -116,9 +135,15 @@ void TKRNMainForm::WMAfterFormShow()
         Q_EMIT focusRequested(id);
     StartCounting();
     FLetterTimer.start();
+    FIndexTimer.start(IndexDelay);
 }
 
-void TKRNMainForm::FormClose() { SaveSettings(); }
+void TKRNMainForm::FormClose()
+{
+    FIndexTimer.stop();
+    FIndex->Close();
+    SaveSettings();
+}
 
 void TKRNMainForm::LoadSettings()
 {
@@ -126,13 +151,33 @@ void TKRNMainForm::LoadSettings()
     if (!HasSettingsStore())
         return;
     FFolded = FoldedFromText(SettingsStore().ReadString(FoldedKey, {}));
-    FAlbumLayout = LayoutFromText(SettingsStore().ReadString(AlbumLayoutKey, {}));
-    if (!FAlbumLayout)
+    LoadLayout(false);
+    LoadLayout(true);
+    FSavedFilters.clear();
+    const QString saved = SettingsStore().ReadString(SavedFiltersKey, {});
+    for (const QJsonValue& item : QJsonDocument::fromJson(saved.toUtf8()).array()) {
+        const std::optional<TFilterSet> set = FilterSetFromText(item[u"filter"_s].toString());
+        if (set && static_cast<int>(FSavedFilters.size()) < MostSavedFilters)
+            FSavedFilters.push_back({item[u"name"_s].toString(), *set});
+    }
+}
+
+void TKRNMainForm::LoadLayout(bool ofTracks)
+{
+    const size_t at = ofTracks ? 1 : 0;
+    TListDataset& list = ofTracks ? FData.qTracksAll : FData.qReleasesMain;
+    FInPlace[at] = SettingsStore().ReadBoolean(InPlaceKeys[at], false);
+    const QString text = SettingsStore().ReadString(LayoutKeys[at], {});
+    FLayouts[at] = LayoutFromText(text);
+    if (!FLayouts[at]) {
+        if (!text.isEmpty())
+            DebugLog(u"[Views] the layout of %1 is of another version"_s.arg(LayoutKeys[at]));
         return;
-    std::erase_if(FAlbumLayout->Sort,
-                  [this](const TSortItem& item) { return FData.qReleasesMain.FieldIndex(item.Column) < 0; });
+    }
+    std::erase_if(FLayouts[at]->Sort, [&](const TSortItem& item) { return list.FieldIndex(item.Column) < 0; });
     // The collection that is opened next is read in this order.
-    FData.qReleasesMain.SetSort(FAlbumLayout->Sort);
+    list.SetSort(FLayouts[at]->Sort);
+    list.SetGrouping(FLayouts[at]->Groups);
 }
 
 void TKRNMainForm::SaveSettings()
@@ -140,24 +185,51 @@ void TKRNMainForm::SaveSettings()
     if (!HasSettingsStore())
         return;
     SettingsStore().WriteString(FoldedKey, {}, FoldedToText(FFolded));
-    if (!FAlbumLayout)
-        return;
-    FAlbumLayout->Sort = FData.qReleasesMain.Sort();
-    SettingsStore().WriteString(AlbumLayoutKey, {}, LayoutToText(*FAlbumLayout));
+    for (const size_t at : {size_t{0}, size_t{1}}) {
+        SettingsStore().WriteBoolean(InPlaceKeys[at], false, FInPlace[at]);
+        if (!FLayouts[at])
+            continue;
+        const TListDataset& list = at == 1 ? FData.qTracksAll : FData.qReleasesMain;
+        FLayouts[at]->Sort = list.Sort();
+        FLayouts[at]->Groups = list.Grouping();
+        SettingsStore().WriteString(LayoutKeys[at], {}, LayoutToText(*FLayouts[at]));
+    }
+    QJsonArray saved;
+    for (const TSavedFilter& filter : FSavedFilters)
+        saved.append(QJsonObject{{u"name"_s, filter.Name}, {u"filter"_s, FilterSetToText(filter.Set)}});
+    SettingsStore().WriteString(SavedFiltersKey, {},
+                                QString::fromUtf8(QJsonDocument(saved).toJson(QJsonDocument::Compact)));
 }
 
-void TKRNMainForm::SetAlbumColumns(std::vector<TColumnState> columns)
+void TKRNMainForm::SetColumns(bool ofTracks, std::vector<TColumnState> columns)
 {
-    if (!FAlbumLayout)
-        FAlbumLayout.emplace();
-    FAlbumLayout->Columns = std::move(columns);
+    std::optional<TTableLayout>& layout = FLayouts[ofTracks ? 1 : 0];
+    if (!layout)
+        layout.emplace();
+    layout->Columns = std::move(columns);
+}
+
+void TKRNMainForm::EnsureTracksOpen()
+{
+    if (FData.qTracksAll.Active())
+        return;
+    const TWaitCursor waiting;
+    FData.qTracksAll.Open();
 }
 
 void TKRNMainForm::SetCurrentView(TMainView view)
 {
+    const bool ofTracks = TracksShown();
+    if (view == mvTracks)
+        EnsureTracksOpen();
     FView = view;
     Defaults().CurrentView = static_cast<int>(view);
     Q_EMIT viewChanged();
+    if (ofTracks != TracksShown()) {
+        Q_EMIT filtersChanged();
+        Q_EMIT sortChanged();
+        Q_EMIT figuresChanged();
+    }
     if (FFocused != 0)
         Q_EMIT focusRequested(FFocused);
     FActions.Update();
@@ -195,6 +267,10 @@ bool TKRNMainForm::OpenCollection(const QString& path)
 {
     FOpenFailure.clear();
     FReportedFailure.clear();
+    FIndexTimer.stop();
+    FIndex->Close();
+    if (FFormShown)
+        FIndexTimer.start(IndexDelay);
     bool opened = false;
     try {
         opened = FData.ConnectToDB(path);
@@ -213,7 +289,7 @@ bool TKRNMainForm::OpenCollection(const QString& path)
 
 void TKRNMainForm::OpenRecent(const QString& path)
 {
-    if (Adding()) // the releases would go into the other file
+    if (Busy()) // the releases would go into the other file
         return;
     OpenCollection(path);
     FActions.Update();
@@ -221,11 +297,13 @@ void TKRNMainForm::OpenRecent(const QString& path)
 
 void TKRNMainForm::AfterCollectionChange()
 {
-    FStatusFilter = FQuickFilter = FKeywordFilter = 0;
-    FStatus.clear();
-    FLetter.clear();
-    FKeyword.clear();
-    FKeywordText.clear();
+    FReleaseFilters.Clear();
+    FTrackFilters.Clear();
+    FTrackSelection.clear();
+    FFocusedTrack = 0;
+    FSearchWaits = false;
+    if (TracksShown() && FData.HasData())
+        EnsureTracksOpen();
     FSelection.clear();
     FFocused = FData.qReleasesMain.CurrentKey();
     CountReleases();
@@ -263,7 +341,8 @@ std::vector<qint64> TKRNMainForm::SelectedOrFocused() const
 void TKRNMainForm::RefreshDetail()
 {
     FDetailTimer.stop();
-    if (!FData.HasData() || FFocused == 0 || FData.qReleasesMain.RowOfKey(FFocused) < 0) {
+    const bool listed = TracksShown() || FData.qReleasesMain.RowOfKey(FFocused) >= 0;
+    if (!FData.HasData() || FFocused == 0 || !listed) {
         FDetail = {};
     } else {
         try {
@@ -275,48 +354,6 @@ void TKRNMainForm::RefreshDetail()
         }
     }
     Q_EMIT detailChanged();
-}
-
-void TKRNMainForm::SetDetailRating(int halfStars)
-{
-    if (FDetail.ID == 0)
-        return;
-    try {
-        FData.SelectRelease(FDetail.ID);
-        FData.qReleaseInfo.SetValue(u"Rating_Calc"_s, std::clamp(halfStars, 0, 10) / 2.0);
-        FData.qReleaseInfo.Post();
-    } catch (const EDatabaseError& failure) {
-        FData.CancelIfApplicable(FData.qReleaseInfo);
-        Q_EMIT barRaised(bkError, GetLanguageString(u"cSNotSaved"_s), failure.Text());
-    }
-    RefreshDetail();
-}
-
-void TKRNMainForm::RefreshFocusedRow(TDataset& releaseInfo)
-{
-    if (FData.AddingReleases() || FData.qReleasesMain.IsEmpty())
-        return;
-    if (releaseInfo.CurrentKey() == FData.qReleasesMain.CurrentKey())
-        FData.qReleasesMain.RefreshRow(releaseInfo.CurrentKey());
-}
-
-void TKRNMainForm::RemoveSelected()
-{
-    if (!FPrompt.AskYesNo(GetLanguageString(u"cSConfirmDelete"_s)))
-        return;
-    const int row = FData.qReleasesMain.RowOfKey(FFocused);
-    const std::vector<qint64> keys = SelectedOrFocused();
-    FData.qReleasesMain.DeleteKeys(keys);
-    FData.qTracksAll.Refresh();
-    FData.qLoans.Refresh();
-    CountReleases();
-    FSelection.clear();
-    FFocused = FData.qReleasesMain.KeyAt(std::min(row, FData.qReleasesMain.RecordCount() - 1));
-    RefreshDetail();
-    if (FFocused != 0)
-        Q_EMIT focusRequested(FFocused);
-    StartCounting();
-    Q_EMIT figuresChanged();
 }
 
 void TKRNMainForm::CountReleases()
@@ -358,9 +395,11 @@ void TKRNMainForm::CountTracks()
 TStatusFigures TKRNMainForm::StatusFigures() const
 {
     TStatusFigures figures;
-    figures.Shown = FData.qReleasesMain.RecordCount();
-    figures.Total = FTotal;
-    figures.Selected = static_cast<int>(FSelection.size());
+    figures.OfTracks = TracksShown();
+    figures.Shown = List().RecordCount();
+    figures.Total = TracksShown() ? static_cast<int>(std::max<qint64>(FTracks, figures.Shown)) : FTotal;
+    figures.Selected = static_cast<int>((TracksShown() ? FTrackSelection : FSelection).size());
+    figures.Groups = static_cast<int>(std::ranges::count(List().Groups(), 0, &TListGroup::Level));
     figures.Tracks = FCountTimer.isActive() ? -1 : FTracks;
     figures.TracksLength = FTracksLength;
     figures.FileName = FData.HasData() ? QFileInfo(FData.CurrentFile()).fileName() : QString();
@@ -377,7 +416,7 @@ void TKRNMainForm::ReportFailure(const QString& reason)
 
 void TKRNMainForm::AddFolders(const QStringList& paths)
 {
-    if (paths.isEmpty() || !FData.HasData() || Adding())
+    if (paths.isEmpty() || !FData.HasData() || Busy())
         return;
     FAddFiles = std::make_unique<TImportRun>(FData, AddFilesJob(paths));
     connect(FAddFiles.get(), &TImportRun::releaseStored, this, [this] { ++FTotal; });
@@ -393,7 +432,7 @@ void TKRNMainForm::AddFolders(const QStringList& paths)
 
 void TKRNMainForm::OpenImport()
 {
-    if (!FData.HasData() || Adding())
+    if (!FData.HasData() || Busy())
         return;
     FImport = std::make_unique<TKRNImportForm>(FData, FPrompt, ImporterClasses());
     connect(FImport.get(), &TKRNImportForm::releaseStored, this, [this] { ++FTotal; });
@@ -408,6 +447,9 @@ void TKRNMainForm::OpenImport()
 
 void TKRNMainForm::AfterAdding()
 {
+    // The new releases take their place in the order, and tracks that are shown take in theirs.
+    FData.qReleasesMain.ApplyFilter();
+    FData.qTracksAll.Refresh();
     RefreshDetail();
     CountReleases();
     StartCounting();

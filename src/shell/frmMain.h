@@ -5,6 +5,8 @@
 #include "uActions.h"
 #include "uDetailView.h"
 #include "uSearch.h"
+#include "uSearchIndex.h"
+#include "uViewFilters.h"
 #include "uViewLayout.h"
 
 #include <QObject>
@@ -12,6 +14,7 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -26,15 +29,6 @@ class TPrompt;
 enum class TMainView : int { mvThumbs, mvCards, mvShelf, mvAlbums, mvTracks };
 using enum TMainView;
 
-/// An active filter, as a removable chip shows it.
-enum class TFilterChipKind : quint8 { fckStatus, fckLetter, fckKeyword };
-using enum TFilterChipKind;
-struct TFilterChip {
-    TFilterChipKind Kind;
-    QString Field;
-    QString Value;
-};
-
 /// What the status line says.
 struct TStatusFigures {
     int Shown = 0;
@@ -44,6 +38,32 @@ struct TStatusFigures {
     double TracksLength = 0.0; ///< days
     QString FileName;
     bool ReadOnly = false;
+    int Groups = 0; ///< outermost groups of the active list
+    bool OfTracks = false;
+};
+
+/// The windows that the main window opens for an action.
+enum class TMainDialog : quint8 {
+    mdSort,
+    mdColumns,
+    mdFilterBuilder,
+    mdMultiEdit,
+    mdOptions,
+    mdExecSQL,
+    mdPrintPreview,
+    mdPrint,
+    mdQuickPrint,
+    mdAbout,
+    mdHelp,
+    mdPalette,
+    mdSaveFilter
+};
+using enum TMainDialog;
+
+/// How the rows of a list are named and kept by the settings.
+struct TSavedFilter {
+    QString Name;
+    TFilterSet Set;
 };
 
 /// How a message bar looks: errors stay, done leaves by itself.
@@ -100,26 +120,70 @@ public:
     /// Changes the rating of the release in the detail pane, in half stars.
     void SetDetailRating(int halfStars);
 
+    /// True when the view shows tracks in place of releases.
+    bool TracksShown() const { return FView == mvTracks; }
+    /// The list of the active view.
+    TListDataset& List() { return TracksShown() ? FData.qTracksAll : FData.qReleasesMain; }
+    const TListDataset& List() const { return TracksShown() ? FData.qTracksAll : FData.qReleasesMain; }
+    /// The focused track of the tracks view.
+    void SetFocusedTrack(qint64 id);
+    void SetTrackSelection(std::vector<qint64> ids);
+    /// Keys of the active list: what is selected, else what has the focus.
+    std::vector<qint64> ActiveKeys() const;
+    qint64 FocusedRelease() const { return FFocused; }
+
+    /// Gives a field of a release or track a value that the user chose. False when the file refused it, which is told.
+    bool EditField(bool ofTracks, qint64 id, const QString& field, const TVariant& value);
+    /// The same for the release in the detail pane.
+    bool EditDetail(const QString& field, const TVariant& value);
+    /// Value of a field of the release in the detail pane.
+    TVariant DetailValue(const QString& field);
+    /// Sets the same values on rows of the active list; the number of rows that were changed.
+    int ApplyChanges(const std::vector<qint64>& keys, const std::vector<std::pair<QString, TVariant>>& values);
+    bool InPlaceEditing() const { return FInPlace[TracksShown() ? 1 : 0]; }
+
     std::vector<TSearchField> SearchFields() const;
     QString SearchBy() const { return FSearchBy; }
     void SetSearchBy(const QString& column);
     /// What stands in the search box; actSearch searches for it.
     void SetSearchText(const QString& text) { FSearchText = text; }
     /// Column and text of the keyword filter; empty without one.
-    std::pair<QString, QString> Keyword() const { return {FKeywordColumn, FKeywordText}; }
+    std::pair<QString, QString> Keyword() const { return {Filters().Set().KeywordColumn, Filters().Set().KeywordText}; }
+    /// Words of the search in everything; empty without one.
+    QString EverythingWords() const { return Filters().Set().Everything; }
     /// One letter filters by it, any longer caption removes the letter.
     void LetterClick(const QString& caption);
-    QString Letter() const { return FLetter; }
+    QString Letter() const { return Filters().Set().Letter; }
     /// 0 artist, 1 release name.
     void SetLetterField(int index);
-    int LetterField() const { return FLetterField; }
+    int LetterField() const { return Filters().Set().LetterField; }
     /// Letters with which some stored name of the letter field begins; empty until letterHitsChanged has told.
     const QSet<QString>& LetterHits() const { return FLetterHits; }
     QStringList StatusItems() const;
     void FilterStatus(const QString& status);
-    QString StatusFilter() const { return FStatus; }
-    std::vector<TFilterChip> FilterChips() const;
-    void RemoveFilter(TFilterChipKind kind);
+    QString StatusFilter() const { return Filters().Set().Status; }
+    std::vector<TFilterChip> FilterChips() const { return Filters().Chips(); }
+    void RemoveFilter(TFilterChipKind kind, const QString& column = {});
+    /// A text of the filter row; false when it is no condition for the column.
+    bool SetColumnFilter(const QString& column, const QString& text);
+    void SetBuilderFilter(const TFilterNode& node);
+    const TFilterNode& BuilderFilter() const { return Filters().Set().Builder; }
+    /// The filters of the active list.
+    const TViewFilters& Filters() const { return TracksShown() ? FTrackFilters : FReleaseFilters; }
+    TViewFilters& Filters() { return TracksShown() ? FTrackFilters : FReleaseFilters; }
+    const std::vector<TSavedFilter>& SavedFilters() const { return FSavedFilters; }
+    /// Keeps the present filters under a name, in place of one of the same name.
+    void SaveFilter(const QString& name);
+    void RecallFilter(const QString& name);
+    void ForgetFilter(const QString& name);
+    /// The index of the search in everything.
+    TSearchIndex& Index() { return *FIndex; }
+
+    /// Groups the active list; an empty list of columns ends it.
+    void SetGrouping(const QStringList& columns);
+    void SetSort(std::vector<TSortItem> sort);
+    /// Rows of the active list in which one of the columns holds the text.
+    std::vector<int> FindRows(const QStringList& columns, const QString& text);
 
     /// The row whose title, as shown, begins with a text: the next one from a row on and round, in the order of the
     /// list; -1 for none.
@@ -138,6 +202,12 @@ public:
     void AddFolders(const QStringList& paths);
     /// The run in progress, or null.
     TImportRun* AddFiles() const { return FAddFiles.get(); }
+    /// Ends a job of jobProgressed at its next step.
+    void CancelJob() { FCancelled = true; }
+    /// After the options window: what was changed in the settings acts.
+    void ApplySettings();
+    /// Stores a suggestion list and fills all editors of its kind anew.
+    void SetDictionary(const QString& column, const QString& text);
     /// Opens the import wizard; importStarted tells the window.
     void OpenImport();
     /// The wizard while it is open, or null.
@@ -149,11 +219,10 @@ public:
     void SetFrameSize(int width, int height);
     QRect RestoredGeometry() const;
     bool StartsMaximized() const;
-    /// The layout of the album table that the settings kept; nothing before there was one. Its sort is in force
-    /// already.
-    const std::optional<TTableLayout>& AlbumLayout() const { return FAlbumLayout; }
-    /// The columns as they are now; the sort is added by FormClose.
-    void SetAlbumColumns(std::vector<TColumnState> columns);
+    /// The layout of a table that the settings kept; nothing before there was one. Its sort is in force already.
+    const std::optional<TTableLayout>& Layout(bool ofTracks) const { return FLayouts[ofTracks ? 1 : 0]; }
+    /// The columns as they are now; sort and groups are added by FormClose.
+    void SetColumns(bool ofTracks, std::vector<TColumnState> columns);
     /// Ids of the folded sections of the detail pane.
     QStringList FoldedSections() const { return FFolded; }
     void SetFoldedSections(const QStringList& ids) { FFolded = ids; }
@@ -176,6 +245,24 @@ Q_SIGNALS:
     void importFinished();
     void closeRequested();
     void debugWindowToggled();
+    void dialogRequested(Kestrune::TMainDialog dialog);
+    void dictionaryRequested(const QString& column);
+    /// Shows or hides the filter row or the find panel of the active view.
+    void filterRowToggled();
+    void findPanelToggled();
+    void expandRequested(bool expand);
+    void bestFitRequested();
+    /// The focused cell, or the selected rows, go to the clipboard.
+    void copyRequested(bool rows);
+    void exportRequested(const QString& format);
+    void paneCustomizeToggled();
+    void paneFilterToggled();
+    /// Articles, custom fields or lists changed: what shows them reads them anew.
+    void settingsApplied();
+    /// A long job: value of maximum; a maximum of 0 ends it.
+    void jobProgressed(const QString& text, int value, int maximum);
+    void savedFiltersChanged();
+    void openFolderRequested(const QString& folder);
     void barRaised(Kestrune::TBarKind kind, const QString& bold, const QString& sentence);
 
 private:
@@ -187,19 +274,31 @@ private:
     void SelectFirstView(const TMainFormHooks& hooks);
     void BindActions();
     void BindFileActions();
+    void BindUpkeepActions();
     void BindViewActions();
+    void BindTableActions();
     void BindFilterActions();
-    /// Releases are being added: no other change of the collection until they are in.
-    bool Adding() const { return FAddFiles || FImport; }
+    void BindEditActions();
+    void BindListActions();
+    void BindExchangeActions();
+    /// Releases are being added or thumbnails made: no other change of the collection until that has ended.
+    bool Busy() const { return FAddFiles || FImport || FWorking; }
     void AfterAdding();
     bool OpenCollection(const QString& path);
     void AfterCollectionChange();
-    void ResetFilters();
+    void EnsureTracksOpen();
     void ApplyFilters();
     void NewDatabase();
     void OpenDatabase();
+    void SaveDatabaseAs();
     void RemoveSelected();
+    void Duplicate();
+    void RegenerateThumbnails();
+    void BackupSettings();
+    void RestoreSettingsBackup();
     void Search();
+    void SearchEverything();
+    void IndexBuilt();
     void RefreshDetail();
     void RefreshFocusedRow(TDataset& releaseInfo);
     void FindLetterHits();
@@ -208,6 +307,7 @@ private:
     void CountTracks();
     std::vector<qint64> SelectedOrFocused() const;
     void LoadSettings();
+    void LoadLayout(bool ofTracks);
     void SaveSettings();
 
     TDataModuleMain& FData;
@@ -219,21 +319,25 @@ private:
     QString FReportedFailure;
     QString FOpenFailure;
 
-    TFilterGroup::TId FStatusFilter = 0;
-    TFilterGroup::TId FQuickFilter = 0;
-    TFilterGroup::TId FKeywordFilter = 0;
-    QString FStatus, FLetter, FKeyword, FKeywordColumn, FKeywordText;
-    int FLetterField = 0;
+    TViewFilters FReleaseFilters;
+    TViewFilters FTrackFilters;
+    std::vector<TSavedFilter> FSavedFilters;
+    std::unique_ptr<TSearchIndex> FIndex;
+    QTimer FIndexTimer;
+    bool FSearchWaits = false; // for the index to be built
     QSet<QString> FLetterHits;
     QTimer FLetterTimer;
     QString FSearchBy;
     QString FSearchText;
 
-    std::optional<TTableLayout> FAlbumLayout;
+    std::array<std::optional<TTableLayout>, 2> FLayouts; // releases, tracks
+    std::array<bool, 2> FInPlace{};
     QStringList FFolded;
 
     qint64 FFocused = 0;
+    qint64 FFocusedTrack = 0;
     std::vector<qint64> FSelection;
+    std::vector<qint64> FTrackSelection;
     TDetailData FDetail;
     QTimer FDetailTimer;
 
@@ -245,12 +349,14 @@ private:
 
     std::unique_ptr<TImportRun> FAddFiles;
     std::unique_ptr<TKRNImportForm> FImport;
+    bool FWorking = false;  // a job of this form runs and serves events
+    bool FCancelled = false;
 };
+
+/// What stands for all columns in the list of fields to search by.
+inline const QString EverythingField = QStringLiteral("*");
 
 /// The detail view of the release on which qReleaseInfo and the child cursors stand.
 TDetailData BuildDetailData(TDataModuleMain& data);
-
-/// "m:ss" or "h:mm:ss" of a length in days; empty for zero and less.
-QString LengthText(double days);
 
 } // namespace Kestrune

@@ -10,44 +10,69 @@ namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-std::vector<TSearchField> TKRNMainForm::SearchFields() const { return SearchFieldsOf(FData.qReleasesMain, false); }
+std::vector<TSearchField> TKRNMainForm::SearchFields() const { return Filters().Fields(); }
 
 void TKRNMainForm::SetSearchBy(const QString& column) { FSearchBy = column; }
 
 void TKRNMainForm::Search()
 {
-    TListDataset& list = FData.qReleasesMain;
-    list.Filter().Remove(FKeywordFilter);
-    const std::vector<TSearchField> fields = SearchFields();
-    auto field = std::ranges::find(fields, FSearchBy, &TSearchField::Column);
-    if (field == fields.end())
-        field = fields.begin();
-    FKeyword = field->Caption;
-    FKeywordColumn = field->Column;
-    FKeywordText = FSearchText;
-    FKeywordFilter = list.Filter().Add(SearchCriterion(*field, FSearchText));
+    if (FSearchBy == EverythingField) {
+        SearchEverything();
+        return;
+    }
+    Filters().SetKeyword(FSearchBy, FSearchText);
     ApplyFilters();
+}
+
+void TKRNMainForm::SearchEverything()
+{
+    FSearchWaits = false;
+    const QString words = FSearchText.trimmed();
+    if (words.isEmpty()) {
+        RemoveFilter(fckEverything);
+        return;
+    }
+    const std::optional<std::vector<qint64>> hits = FIndex->Find(words);
+    if (!hits) {
+        FSearchWaits = true;
+        if (FIndexTimer.isActive()) {
+            FIndexTimer.stop();
+            FIndex->Open();
+            if (FIndex->Ready())
+                return SearchEverything();
+        }
+        const int percent = static_cast<int>(FIndex->Progress() * 100.0);
+        Q_EMIT barRaised(bkWarning, GetLanguageString(u"cSSearchIndexBuilding"_s).arg(percent),
+                         GetLanguageString(u"cSSearchIndexWaits"_s));
+        return;
+    }
+    Filters().SetEverything(words, FData.SetHits(*hits, TracksShown()));
+    ApplyFilters();
+}
+
+void TKRNMainForm::IndexBuilt()
+{
+    if (!FSearchWaits)
+        return;
+    FSearchWaits = false;
+    if (FIndex->Ready())
+        SearchEverything();
+    else
+        Q_EMIT barRaised(bkError, GetLanguageString(u"cSSearchIndexFailed"_s), {});
 }
 
 void TKRNMainForm::LetterClick(const QString& caption)
 {
-    TListDataset& list = FData.qReleasesMain;
-    list.Filter().Remove(FQuickFilter);
-    FQuickFilter = 0;
-    FLetter.clear();
-    if (caption.size() < 2) {
-        FLetter = caption;
-        FQuickFilter = list.Filter().Add(LetterCriterion(FLetterField == 0 ? u"Artist"_s : u"ReleaseName"_s, caption));
-    }
+    Filters().SetLetter(caption.size() < 2 ? caption : QString());
     ApplyFilters();
 }
 
 void TKRNMainForm::SetLetterField(int index)
 {
-    FLetterField = index;
+    Filters().SetLetterField(index);
     FLetterTimer.start();
-    if (const QString letter = FLetter; !letter.isEmpty())
-        LetterClick(letter);
+    if (!Letter().isEmpty())
+        ApplyFilters();
     else
         Q_EMIT filtersChanged();
 }
@@ -55,11 +80,12 @@ void TKRNMainForm::SetLetterField(int index)
 void TKRNMainForm::FindLetterHits()
 {
     try {
-        FLetterHits = FData.FirstLetters(FLetterField == 0 ? u"Artist"_s : u"ReleaseName"_s);
+        FLetterHits = FData.FirstLetters(FReleaseFilters.Set().LetterField == 0 ? u"Artist"_s : u"ReleaseName"_s);
     } catch (const EDatabaseError& failure) {
         DebugLog(u"[Letters] %1"_s.arg(failure.Text()));
         return;
     }
+    FLetterHits.insert(u"#"_s); // whether there are any is not worth a scan
     Q_EMIT letterHitsChanged();
 }
 
@@ -67,55 +93,71 @@ QStringList TKRNMainForm::StatusItems() const { return Defaults().Statuses.Items
 
 void TKRNMainForm::FilterStatus(const QString& status)
 {
-    TListDataset& list = FData.qReleasesMain;
-    list.Filter().Remove(FStatusFilter);
-    FStatus = status;
-    FStatusFilter = list.Filter().Add(StatusCriterion(status));
+    Filters().SetStatus(status);
     ApplyFilters();
 }
 
-std::vector<TFilterChip> TKRNMainForm::FilterChips() const
+void TKRNMainForm::RemoveFilter(TFilterChipKind kind, const QString& column)
 {
-    std::vector<TFilterChip> chips;
-    if (FStatusFilter != 0)
-        chips.push_back({fckStatus, GetLanguageString(u"cSReleasesFieldStatusId"_s), FStatus});
-    if (FQuickFilter != 0)
-        chips.push_back({fckLetter,
-                         GetLanguageString(FLetterField == 0 ? u"cSArtistBeginsWith"_s : u"cSReleaseBeginsWith"_s),
-                         FLetter});
-    if (FKeywordFilter != 0)
-        chips.push_back({fckKeyword, FKeyword, FKeywordText});
-    return chips;
-}
-
-void TKRNMainForm::RemoveFilter(TFilterChipKind kind)
-{
-    TFilterGroup::TId& id = kind == fckStatus ? FStatusFilter : kind == fckLetter ? FQuickFilter : FKeywordFilter;
-    QString& text = kind == fckStatus ? FStatus : kind == fckLetter ? FLetter : FKeywordText;
-    FData.qReleasesMain.Filter().Remove(id);
-    id = 0;
-    text.clear();
+    Filters().Remove(kind, column);
     ApplyFilters();
 }
 
-void TKRNMainForm::ResetFilters()
+bool TKRNMainForm::SetColumnFilter(const QString& column, const QString& text)
 {
-    FData.qReleasesMain.Filter().Clear();
-    FStatusFilter = FQuickFilter = FKeywordFilter = 0;
-    FStatus.clear();
-    FLetter.clear();
-    FKeywordText.clear();
+    const bool understood = Filters().SetColumn(column, text);
     ApplyFilters();
+    return understood;
+}
+
+void TKRNMainForm::SetBuilderFilter(const TFilterNode& node)
+{
+    Filters().SetBuilder(node);
+    ApplyFilters();
+}
+
+void TKRNMainForm::SaveFilter(const QString& name)
+{
+    const auto known = std::ranges::find(FSavedFilters, name, &TSavedFilter::Name);
+    if (known != FSavedFilters.end())
+        known->Set = Filters().Set();
+    else
+        FSavedFilters.push_back({name, Filters().Set()});
+    std::ranges::sort(FSavedFilters, {}, [](const TSavedFilter& filter) { return filter.Name.toCaseFolded(); });
+    Q_EMIT savedFiltersChanged();
+}
+
+void TKRNMainForm::RecallFilter(const QString& name)
+{
+    const auto known = std::ranges::find(FSavedFilters, name, &TSavedFilter::Name);
+    if (known == FSavedFilters.end())
+        return;
+    const TFilterSet set = known->Set;
+    Filters().Restore(set);
+    ApplyFilters();
+    if (set.Everything.isEmpty())
+        return;
+    FSearchText = set.Everything;
+    SearchEverything();
+}
+
+void TKRNMainForm::ForgetFilter(const QString& name)
+{
+    std::erase_if(FSavedFilters, [&](const TSavedFilter& filter) { return filter.Name == name; });
+    Q_EMIT savedFiltersChanged();
 }
 
 void TKRNMainForm::ApplyFilters()
 {
-    TListDataset& list = FData.qReleasesMain;
+    TListDataset& list = List();
     list.SetFilterActive(!list.Filter().IsEmpty());
     list.ApplyFilter();
     // What the filter hides can be neither selected nor focused, or it would be removed unseen.
-    std::erase_if(FSelection, [&](qint64 id) { return list.RowOfKey(id) < 0; });
-    if (list.RowOfKey(FFocused) < 0) {
+    std::vector<qint64>& selection = TracksShown() ? FTrackSelection : FSelection;
+    std::erase_if(selection, [&](qint64 id) { return list.RowOfKey(id) < 0; });
+    if (TracksShown() && list.RowOfKey(FFocusedTrack) < 0) {
+        SetFocusedTrack(list.CurrentKey());
+    } else if (!TracksShown() && list.RowOfKey(FFocused) < 0) {
         FFocused = list.CurrentKey();
         FDetailTimer.start();
     }
@@ -145,9 +187,16 @@ int TKRNMainForm::LocateTitle(const QString& text, int fromRow)
     return best;
 }
 
+void TKRNMainForm::SetSort(std::vector<TSortItem> sort)
+{
+    List().SetSort(std::move(sort));
+    Q_EMIT sortChanged();
+    FActions.Update();
+}
+
 void TKRNMainForm::SortBy(const QString& column, bool add)
 {
-    std::vector<TSortItem> sort = FData.qReleasesMain.Sort();
+    std::vector<TSortItem> sort = List().Sort();
     const auto found = std::ranges::find(sort, column, &TSortItem::Column);
     const bool known = found != sort.end();
     const bool descending = known && !found->Descending;
@@ -157,9 +206,25 @@ void TKRNMainForm::SortBy(const QString& column, bool add)
         found->Descending = descending;
     else
         sort.push_back({column, false});
-    FData.qReleasesMain.SetSort(std::move(sort));
+    SetSort(std::move(sort));
+}
+
+void TKRNMainForm::SetGrouping(const QStringList& columns)
+{
+    List().SetGrouping(columns);
     Q_EMIT sortChanged();
+    Q_EMIT figuresChanged();
     FActions.Update();
+}
+
+std::vector<int> TKRNMainForm::FindRows(const QStringList& columns, const QString& text)
+{
+    try {
+        return List().RowsWithText(columns, text);
+    } catch (const EDatabaseError& failure) {
+        ReportFailure(failure.Text());
+        return {};
+    }
 }
 
 } // namespace Kestrune

@@ -3,9 +3,9 @@
 
 #include "frmMain.h"
 #include "uDefaults.h"
+#include "uFieldEditors.h"
+#include "uFieldText.h"
 #include "uTHStrings.h"
-
-#include <QLocale>
 
 #include <algorithm>
 #include <map>
@@ -40,7 +40,7 @@ const std::vector<TSectionDef>& SectionDefs()
                                            u"FolderPath",    u"DateAdded",   u"LastModified"}},
         {u"Purchase",
          u"cSSectionPurchase",
-         {u"Price", u"PriceValue", u"SellingPrice", u"DatePurchased", u"PurchaseStore", u"OwnerId", u"PurchasedFrom",
+         {u"Price", u"Currency", u"PriceValue", u"SellingPrice", u"DatePurchased", u"PurchaseStore", u"OwnerId", u"PurchasedFrom",
           u"BorrowedFrom"}},
         {u"Classical", u"cSSectionClassical", {u"Composer", u"Composition", u"Conductor", u"Orchestra", u"Chorus"}},
         {u"Custom",
@@ -52,56 +52,9 @@ const std::vector<TSectionDef>& SectionDefs()
     return defs;
 }
 
-bool IsFriendColumn(const QString& column)
-{
-    return column == "OwnerId"_L1 || column == "PurchasedFrom"_L1 || column == "BorrowedFrom"_L1;
-}
-
-QString FriendName(TDataModuleMain& data, qint64 id)
-{
-    const int row = id > 0 ? data.qFriends.RowOfKey(id) : -1;
-    return row < 0 ? QString() : VarToStr(data.qFriends.ValueAt(row, data.qFriends.FieldIndex(u"Name"_s)));
-}
-
-QString ShownValue(TDataModuleMain& data, const TFieldDef& field, const TVariant& value)
-{
-    if (VarIsNull(value))
-        return {};
-    if (IsFriendColumn(field.Name))
-        return FriendName(data, value.toLongLong());
-    if (field.Name == "CountryCode"_L1) {
-        const QString name = CountryDescription(value.toString());
-        return name.isEmpty() ? value.toString() : name;
-    }
-    switch (field.Kind) {
-    case fkBoolean: return VarToBool(value) ? GetLanguageString(u"cSYes"_s) : QString();
-    case fkDate:
-        return value.typeId() == QMetaType::QDate ? QLocale().toString(value.toDate(), QLocale::ShortFormat)
-                                                  : VarToStr(value);
-    case fkFloat: {
-        const QString amount = QLocale().toString(value.toDouble(), 'f', 2);
-        const QString currency = VarToStr(data.qReleaseInfo.Value(u"Currency"_s));
-        return currency.isEmpty() ? amount : currency + u' ' + amount;
-    }
-    default: return VarToStr(value);
-    }
-}
-
-QString LinkOf(const QString& column, const QString& value)
-{
-    if (value.isEmpty())
-        return {};
-    if (column == "Link"_L1 || column == "BuyNowLink"_L1)
-        return value.contains("://"_L1) ? value : u"https://"_s + value;
-    if (column == "MusicBrainzID"_L1)
-        return u"https://musicbrainz.org/release/"_s + value;
-    if (column == "DiscogsID"_L1)
-        return u"https://www.discogs.com/release/"_s + value;
-    return {};
-}
-
 std::vector<TDetailSection> Sections(TDataModuleMain& data)
 {
+    const QString currency = VarToStr(data.qReleaseInfo.Value(u"Currency"_s));
     std::vector<TDetailSection> sections;
     for (const TSectionDef& def : SectionDefs()) {
         TDetailSection section{QString::fromUtf16(def.Id), GetLanguageString(QString::fromUtf16(def.TitleKey)), {}};
@@ -111,12 +64,13 @@ std::vector<TDetailSection> Sections(TDataModuleMain& data)
             const TFieldDef& field = data.qReleaseInfo.Fields()[static_cast<size_t>(index)];
             if (!IsFieldShown(field, Defaults(), false))
                 continue;
-            const QString shown = ShownValue(data, field, data.qReleaseInfo.Value(index));
-            if (!shown.isEmpty())
-                section.Fields.push_back({name, ColumnLabel(field, Defaults(), false), shown, LinkOf(name, shown)});
+            const TVariant value = data.qReleaseInfo.Value(index);
+            const bool off = field.Kind == fkBoolean && !VarToBool(value);
+            const QString shown = off ? QString() : FieldText(data, field, value, currency);
+            section.Fields.push_back(
+                {name, ColumnLabel(field, Defaults(), false), shown, LinkOfField(name, VarToStr(value))});
         }
-        if (!section.Fields.empty())
-            sections.push_back(std::move(section));
+        sections.push_back(std::move(section));
     }
     return sections;
 }
@@ -188,16 +142,6 @@ void AddTracks(TDetailData& detail, const std::vector<TTrackRow>& rows)
 }
 
 } // namespace
-
-QString LengthText(double days)
-{
-    const qint64 seconds = RoundHalfEven(days * 86400.0);
-    if (seconds <= 0)
-        return {};
-    const QString tail = u"%1:%2"_s.arg(seconds / 60 % 60, seconds >= 3600 ? 2 : 1, 10, QChar(u'0'))
-                             .arg(seconds % 60, 2, 10, QChar(u'0'));
-    return seconds >= 3600 ? u"%1:%2"_s.arg(seconds / 3600).arg(tail) : tail;
-}
 
 TDetailData BuildDetailData(TDataModuleMain& data)
 {

@@ -12,7 +12,7 @@ namespace Kestrune {
 struct TDetailField {
     QString Column;
     QString Label;
-    QString Value;
+    QString Value; ///< empty when the field has none
     QString Link;
 };
 
@@ -51,7 +51,7 @@ struct TDetailData {
     QString Title;
     QString Artist;
     int Rating = 0;                       ///< half stars, 0 for unrated
-    std::vector<TDetailSection> Sections; ///< only those with at least one field that has a value
+    std::vector<TDetailSection> Sections; ///< all fields, those without a value too
     QString TracksSummary;                ///< "6 · 38:42"
     std::vector<TDetailDisc> Discs;
     std::vector<TDetailCredit> Credits;

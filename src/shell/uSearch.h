@@ -10,6 +10,8 @@
 
 namespace Kestrune {
 
+class TDataModuleMain;
+
 /// A column that can be searched by one text or one value of a list.
 struct TSearchField {
     QString Column;
@@ -18,8 +20,8 @@ struct TSearchField {
     std::vector<TValueAndText> Items; ///< what the list offers
 };
 
-/// The searchable columns of a list, in the order of its fields.
-std::vector<TSearchField> SearchFieldsOf(const TDataset& list, bool ofTracks);
+/// The searchable columns of the main list or of all tracks, in the order of their fields.
+std::vector<TSearchField> SearchFieldsOf(TDataModuleMain& data, bool ofTracks);
 
 /// Equality for a list-type field, given by value or shown text; for others the text anywhere in the field. `%` and
 /// `_` in the text are wildcards.
@@ -27,6 +29,9 @@ TFilterCriterion SearchCriterion(const TSearchField& field, const QString& text)
 
 /// Names that begin with a letter, as stored.
 TFilterCriterion LetterCriterion(const QString& column, const QString& letter);
+
+/// Names that begin with no letter: digits, signs.
+TFilterCriterion NoLetterCriterion(const QString& column);
 
 TFilterCriterion StatusCriterion(const QString& status);
 

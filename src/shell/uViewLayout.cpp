@@ -9,7 +9,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QLatin1StringView LayoutVersion("v1");
+const QLatin1StringView LayoutVersion("v2");
+const QLatin1StringView FoldedVersion("v1");
 constexpr int LeastWidth = 16;
 constexpr int LargestWidth = 4000;
 constexpr qsizetype LongestText = 20000;
@@ -59,13 +60,13 @@ QString LayoutToText(const TTableLayout& layout)
     QStringList sort;
     for (const TSortItem& item : layout.Sort)
         sort << (item.Descending ? u"-"_s : QString()) + item.Column;
-    return QStringList{LayoutVersion, columns.join(u','), sort.join(u',')}.join(u'|');
+    return QStringList{LayoutVersion, columns.join(u','), sort.join(u','), layout.Groups.join(u',')}.join(u'|');
 }
 
 std::optional<TTableLayout> LayoutFromText(const QString& text)
 {
     const QStringList parts = text.size() > LongestText ? QStringList() : text.split(u'|');
-    if (parts.size() != 3 || parts[0] != LayoutVersion)
+    if (parts.size() != 4 || parts[0] != LayoutVersion)
         return {};
     TTableLayout layout;
     for (const QString& part : parts[1].split(u',')) {
@@ -80,6 +81,11 @@ std::optional<TTableLayout> LayoutFromText(const QString& text)
             return {};
         layout.Sort.push_back({name, descending});
     }
+    for (const QString& name : parts[3].split(u',', Qt::SkipEmptyParts)) {
+        if (!IsFieldName(name) || layout.Groups.contains(name, Qt::CaseInsensitive))
+            return {};
+        layout.Groups << name;
+    }
     const bool anyShown = !std::ranges::all_of(layout.Columns, &TColumnState::Hidden);
     return anyShown ? std::optional(layout) : std::nullopt;
 }
@@ -87,13 +93,13 @@ std::optional<TTableLayout> LayoutFromText(const QString& text)
 QString FoldedToText(QStringList ids)
 {
     ids.sort();
-    return QStringList{LayoutVersion, ids.join(u',')}.join(u'|');
+    return QStringList{FoldedVersion, ids.join(u',')}.join(u'|');
 }
 
 QStringList FoldedFromText(const QString& text)
 {
     const QStringList parts = text.size() > LongestText ? QStringList() : text.split(u'|');
-    if (parts.size() != 2 || parts[0] != LayoutVersion)
+    if (parts.size() != 2 || parts[0] != FoldedVersion)
         return {};
     const QStringList ids = parts[1].split(u',', Qt::SkipEmptyParts);
     return std::ranges::all_of(ids, &IsFieldName) ? ids : QStringList();

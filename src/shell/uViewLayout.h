@@ -19,14 +19,15 @@ struct TColumnState {
     bool operator==(const TColumnState&) const = default;
 };
 
-/// What the settings keep of a table: the columns in their order and the sort.
+/// What the settings keep of a table: the columns in their order, the sort and the groups.
 struct TTableLayout {
     std::vector<TColumnState> Columns;
     std::vector<TSortItem> Sort;
+    QStringList Groups;
     bool operator==(const TTableLayout&) const = default;
 };
 
-/// One line of text, as in "v1|Artist:0,No:52,-Genre:104|Artist,-ReleaseYear".
+/// One line of text, as in "v2|Artist:0,No:52,-Genre:104|Artist,-ReleaseYear|Genre".
 QString LayoutToText(const TTableLayout& layout);
 /// Nothing for a text of another version, a damaged one, and one that shows no column.
 std::optional<TTableLayout> LayoutFromText(const QString& text);

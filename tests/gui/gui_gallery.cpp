@@ -2,7 +2,6 @@
 // Shows the parts of the windows with invented data and writes them as pictures: gui_gallery FOLDER
 // [light|dark|contrast]
 #include "dmMain.h"
-#include "uAlbumTable.h"
 #include "uCoverCache.h"
 #include "uDefaults.h"
 #include "uDetailPane.h"
@@ -247,23 +246,6 @@ public:
         Save(pane, u"pane-bottom"_s);
     }
 
-    void Table() const
-    {
-        Kit::TSampleModel model(500);
-        TModelThumbSource source;
-        TCoverCache covers(source);
-        TAlbumTable table(&covers);
-        table.setModel(&model);
-        table.SetSortMarks({{2, true}, {4, true}});
-        table.resize(1200, 420);
-        table.show();
-        table.ApplyBestFit();
-        table.activateWindow();
-        table.setFocus();
-        table.setCurrentIndex(model.index(3, 6));
-        Save(table, u"table"_s);
-    }
-
     void Dialogs() const
     {
         TSplashForm splash;
@@ -315,7 +297,6 @@ int RunGallery(const QStringList& arguments)
     gallery.Program();
     theme.Apply(look == "dark"_L1 ? 1 : look == "contrast"_L1 ? 2 : 0, 0);
     gallery.Pane();
-    gallery.Table();
     gallery.Dialogs();
     gallery.Wizard();
     gallery.Thumbs();

@@ -131,10 +131,10 @@ TEST_F(MainWindow, TypedLettersJumpToTheNextTitleInBothViews)
 TEST_F(MainWindow, LettersWithoutHitsFollowTheFieldAndTheCollection)
 {
     Open(4);
-    EXPECT_EQ(FWindow->Letters()->Hits(), (QSet<QString>{u"I"_s, u"N"_s}));
+    EXPECT_EQ(FWindow->Letters()->Hits(), (QSet<QString>{u"#"_s, u"I"_s, u"N"_s}));
     Q_EMIT FWindow->Letters()->fieldChosen(1);
     QApplication::processEvents();
-    EXPECT_EQ(FWindow->Letters()->Hits(), QSet<QString>{u"S"_s});
+    EXPECT_EQ(FWindow->Letters()->Hits(), (QSet<QString>{u"#"_s, u"S"_s}));
     Q_EMIT FWindow->Letters()->fieldChosen(0);
     FWindow->Tiles()->setCurrentIndex(FWindow->Tiles()->model()->index(0, 0));
     QApplication::processEvents();
@@ -143,7 +143,7 @@ TEST_F(MainWindow, LettersWithoutHitsFollowTheFieldAndTheCollection)
     QApplication::processEvents();
     FWindow->Actions().Find(u"actRemoveSelected"_s)->trigger();
     QApplication::processEvents();
-    EXPECT_EQ(FWindow->Letters()->Hits(), QSet<QString>{u"N"_s});
+    EXPECT_EQ(FWindow->Letters()->Hits(), (QSet<QString>{u"#"_s, u"N"_s}));
 }
 
 TEST_F(MainWindow, LetterSearchAndChipsFilterTheList)
@@ -186,6 +186,8 @@ TEST_F(MainWindow, SearchBoxSearchesInTheFieldItNames)
     Open(4);
     TSearchBox* search = FWindow->Ribbon()->SearchBox();
     auto* edit = search->findChild<QLineEdit*>();
+    EXPECT_EQ(edit->placeholderText(), u"Search in Everything"_s);
+    search->SetCurrentField(u"Artist"_s);
     EXPECT_EQ(edit->placeholderText(), u"Search in Artist"_s);
     QTest::keyClicks(edit, u"kiln"_s);
     FWindow->Actions().Find(u"actSearch"_s)->trigger();

@@ -1,5 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "dmMain.h"
 #include "uAlbumTable.h"
+#include "uTestFiles.h"
+#include "uTablePresets.h"
+#include "uScriptedPrompt.h"
+#include "uReleasesModel.h"
+#include "uFieldEditor.h"
 #include "uCoverCache.h"
 #include "uDebugWindow.h"
 #include "uDetailPane.h"
@@ -106,39 +112,119 @@ TEST(DetailPane, ShowsSectionsInOrderAndRemembersTheFoldedOnes)
     EXPECT_TRUE(blocks().isEmpty());
 }
 
-TEST(AlbumTable, HeadingsTellTheLogicAndCellsHaveACursor)
+namespace {
+
+// Twelve releases of two genres in a real collection.
+class AlbumTable : public testing::Test {
+protected:
+    AlbumTable()
+    {
+        const QString path = FDir.File(u"records.db"_s);
+        FData.CreateNewDB(path, FData.GetNewDatabaseSQL());
+        FData.ConnectToDB(path);
+        for (int i = 0; i < 12; ++i) {
+            TAlbumRelease release;
+            release.SetItem2(u"Artist"_s, u"Ilva Marren"_s);
+            release.SetItem2(u"ReleaseName"_s, u"Salt Atlas %1"_s.arg(i));
+            release.SetItem2(u"Genre"_s, i % 3 == 0 ? u"Jazz"_s : u"Folk"_s);
+            FData.AddAlbumReleaseToDB(release, true);
+        }
+        FModel = std::make_unique<TReleasesModel>(FData);
+        FTable = std::make_unique<TAlbumTable>(nullptr, *FModel);
+        FTable->resize(1200, 500);
+        FTable->show();
+        FTable->activateWindow();
+        FTable->setFocus();
+    }
+
+    QModelIndex Cell(int row, const QString& field) { return FTable->Groups().IndexOfRow(row, FModel->ColumnOf(field)); }
+
+    Kit::TTempDir FDir;
+    Kit::TScriptedPrompt FPrompt;
+    TDataModuleMain FData{FPrompt};
+    std::unique_ptr<TReleasesModel> FModel;
+    std::unique_ptr<TAlbumTable> FTable;
+};
+
+} // namespace
+
+TEST_F(AlbumTable, HeadingsTellTheLogicAndCellsHaveACursor)
 {
-    Kit::TSampleModel model(300);
-    TModelThumbSource source;
-    TCoverCache covers(source);
-    TAlbumTable table(&covers);
-    table.setModel(&model);
-    table.resize(1200, 400);
-    table.show();
-    table.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&table));
-    table.setFocus();
-    table.ApplyBestFit();
-    QSignalSpy sorted(&table, &TAlbumTable::sortRequested);
-    QHeaderView* header = table.header();
-    const QPoint year(header->sectionViewportPosition(4) + header->sectionSize(4) / 2, 10);
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, year);
+    ShowColumns(*FTable, {u"No"_s, u"Artist"_s, u"ReleaseName"_s, u"Genre"_s});
+    QSignalSpy sorted(FTable.get(), &TAlbumTable::sortRequested);
+    QHeaderView* header = FTable->header();
+    const int name = FModel->ColumnOf(u"ReleaseName"_s);
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, {header->sectionViewportPosition(name) + 20, 10});
     ASSERT_EQ(sorted.count(), 1);
-    EXPECT_EQ(sorted[0][0].toInt(), 4);
+    EXPECT_EQ(sorted[0][0].toInt(), name);
     EXPECT_FALSE(sorted[0][1].toBool());
-    table.setCurrentIndex(model.index(5, 2));
-    QTest::keyClick(&table, Qt::Key_Right);
-    EXPECT_EQ(table.currentIndex(), model.index(5, 3));
-    table.setColumnHidden(4, true);
-    QTest::keyClick(&table, Qt::Key_Right);
-    EXPECT_EQ(table.currentIndex(), model.index(5, 5)) << "hidden columns are passed over";
-    QTest::keyClick(&table, Qt::Key_Down);
-    EXPECT_EQ(table.currentIndex(), model.index(6, 5));
-    EXPECT_EQ(table.selectionModel()->selectedRows().size(), 1);
-    EXPECT_EQ(table.visualRect(model.index(6, 2)).height(), table.visualRect(model.index(0, 2)).height());
-    table.SetRowSize(rsWithCover);
-    table.grab();
-    EXPECT_EQ(table.visualRect(model.index(6, 2)).height(), 44);
+    FTable->setCurrentIndex(Cell(5, u"No"_s));
+    QTest::keyClick(FTable.get(), Qt::Key_Right);
+    EXPECT_EQ(FTable->currentIndex(), Cell(5, u"Artist"_s));
+    FTable->setColumnHidden(name, true);
+    QTest::keyClick(FTable.get(), Qt::Key_Right);
+    EXPECT_EQ(FTable->currentIndex(), Cell(5, u"Genre"_s)) << "hidden columns are passed over";
+    QTest::keyClick(FTable.get(), Qt::Key_Down);
+    EXPECT_EQ(FTable->currentIndex(), Cell(6, u"Genre"_s));
+    EXPECT_EQ(FTable->selectionModel()->selectedRows().size(), 1);
+    FTable->SetRowSize(rsWithCover);
+    FTable->grab();
+    EXPECT_EQ(FTable->visualRect(Cell(6, u"Artist"_s)).height(), 44);
+}
+
+TEST_F(AlbumTable, GroupsFoldByMouseAndKeysAndStayFoldedOverARefresh)
+{
+    FData.qReleasesMain.SetGrouping({u"Genre"_s});
+    TGroupModel& groups = FTable->Groups();
+    ASSERT_EQ(groups.rowCount(), 2);
+    const QModelIndex folk = groups.index(0, 0);
+    EXPECT_EQ(folk.data(grValue).toString(), u"Folk"_s);
+    EXPECT_EQ(folk.data(grCount).toInt(), 8);
+    EXPECT_TRUE(FTable->isExpanded(folk)) << "new groups stand open";
+    QTest::mouseClick(FTable->viewport(), Qt::LeftButton, {}, FTable->visualRect(folk).center());
+    EXPECT_FALSE(FTable->isExpanded(folk));
+    FData.qReleasesMain.Refresh();
+    EXPECT_FALSE(FTable->isExpanded(groups.index(0, 0)));
+    EXPECT_TRUE(FTable->isExpanded(groups.index(1, 0)));
+    FTable->setCurrentIndex(groups.index(0, 0));
+    QTest::keyClick(FTable.get(), Qt::Key_Return);
+    EXPECT_TRUE(FTable->isExpanded(groups.index(0, 0)));
+    FTable->ExpandGroups(false);
+    EXPECT_FALSE(FTable->isExpanded(groups.index(1, 0)));
+    FTable->grab();
+}
+
+TEST_F(AlbumTable, CellsAreEditedInPlaceAndARefusedValueStaysInItsEditor)
+{
+    QString field;
+    TVariant given;
+    bool accept = false;
+    FModel->SetEdit([&](qint64, const QString& column, const TVariant& value) {
+        field = column;
+        given = value;
+        return accept;
+    });
+    FTable->SetEditing(true);
+    const QModelIndex year = Cell(2, u"ReleaseYear"_s);
+    FTable->setCurrentIndex(year);
+    QTest::keyClick(FTable.get(), Qt::Key_F2);
+    auto* editor = FTable->findChild<TFieldEditor*>();
+    ASSERT_NE(editor, nullptr);
+    QString told;
+    FTable->SetOnRefusal([&](const QString& sentence) { told = sentence; });
+    QTest::keyClicks(editor->Input(), u"no year"_s);
+    QTest::keyClick(editor->Input(), Qt::Key_Return);
+    EXPECT_TRUE(told.contains(u"number"_s)) << told.toStdString();
+    EXPECT_TRUE(given.isNull()) << "what is no number is not offered to the file";
+    editor->Begin();
+    QTest::keyClicks(editor->Input(), u"1971"_s);
+    QTest::keyClick(editor->Input(), Qt::Key_Return);
+    EXPECT_EQ(given.toInt(), 1971);
+    EXPECT_EQ(field, u"ReleaseYear"_s);
+    EXPECT_NE(FTable->findChild<TFieldEditor*>(), nullptr) << "the file refused it: the text stays";
+    accept = true;
+    QTest::keyClick(editor->Input(), Qt::Key_Return);
+    QTRY_COMPARE(FTable->findChild<TFieldEditor*>(), nullptr);
 }
 
 TEST(Dialogs, ProgressAsksOnceThenCloses)

@@ -5,6 +5,7 @@
 #include "uThemeController.h"
 #include "uThumbsPainter.h"
 #include "uTileLayout.h"
+#include "uTileParts.h"
 #include "uTileView.h"
 
 #include <QAccessible>

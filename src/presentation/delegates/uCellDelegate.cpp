@@ -7,7 +7,7 @@
 #include "uTHStrings.h"
 #include "uThemePaint.h"
 #include "uThemeStyle.h"
-#include "uThumbsPainter.h"
+#include "uTileParts.h"
 
 #include <QAbstractItemModel>
 #include <QFontMetrics>
@@ -111,6 +111,22 @@ void TCellDelegate::PaintStatus(QPainter& painter, const QRectF& box, const QMod
     DrawElided(painter, textBox, text);
 }
 
+void TCellDelegate::PaintHits(QPainter& painter, const QRectF& box, const QString& text, bool right) const
+{
+    if (FFindText.isEmpty())
+        return;
+    const QFontMetricsF metrics(painter.font());
+    const qreal start = right ? box.right() - metrics.horizontalAdvance(text) : box.left();
+    const qreal height = metrics.height();
+    for (qsizetype at = text.indexOf(FFindText, 0, Qt::CaseInsensitive); at >= 0;
+         at = text.indexOf(FFindText, at + FFindText.size(), Qt::CaseInsensitive)) {
+        const qreal left = std::max(box.left(), start + metrics.horizontalAdvance(text.left(at)));
+        const qreal width = std::min(metrics.horizontalAdvance(text.mid(at, FFindText.size())), box.right() - left);
+        if (width > 0)
+            FillRounded(painter, QRectF(left, box.center().y() - height / 2, width, height), 2, CurrentTheme().WarnSoft);
+    }
+}
+
 void TCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
     const TTheme& theme = CurrentTheme();
@@ -136,8 +152,12 @@ void TCellDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
         if (!text.isEmpty())
             DrawIcon(*painter, QRectF(box.center().x() - 7, box.center().y() - 7, 14, 14), u"play"_s, theme.AccentFill);
         break;
-    case ckNumber: DrawElided(*painter, box, text, Qt::AlignRight | Qt::AlignVCenter); break;
+    case ckNumber:
+        PaintHits(*painter, box, text, true);
+        DrawElided(*painter, box, text, Qt::AlignRight | Qt::AlignVCenter);
+        break;
     default:
+        PaintHits(*painter, box, text, option.direction == Qt::RightToLeft);
         DrawElided(*painter, box, text, QStyle::visualAlignment(option.direction, Qt::AlignLeft) | Qt::AlignVCenter);
     }
     if (option.state.testFlag(QStyle::State_HasFocus))

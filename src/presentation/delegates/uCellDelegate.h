@@ -21,6 +21,8 @@ public:
 
     void SetRowSize(TRowSize size) { FRowSize = size; }
     int RowHeightInDip() const;
+    /// Marks a text where it stands in a cell; empty marks nothing.
+    void SetFindText(const QString& text) { FFindText = text; }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
@@ -28,10 +30,12 @@ public:
 
 private:
     void PaintCover(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
+    void PaintHits(QPainter& painter, const QRectF& box, const QString& text, bool right) const;
     void PaintStatus(QPainter& painter, const QRectF& box, const QModelIndex& index, bool selected) const;
 
     TCoverCache* FCovers;
     TRowSize FRowSize = rsNormal;
+    QString FFindText;
 };
 
 /// The TCellKind of a column, ckText when the model does not tell.

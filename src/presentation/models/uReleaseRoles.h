@@ -11,6 +11,7 @@ enum TReleaseRole : int {
     rrTitle,                 ///< QString
     rrArtist,                ///< QString
     rrYear,                  ///< QString, as shown; empty when unknown
+    rrNumber,                ///< QString, the number in the catalogue
     rrMediaType,             ///< QString
     rrRating,                ///< int, half stars 0 to 10; 0 or less is unrated
     rrStatus,                ///< QString, a line of the status dictionary; empty when none
@@ -35,5 +36,15 @@ enum TCellKind : int {
 
 /// Role of headerData() that gives the TCellKind of a column.
 inline constexpr int CellKindRole = Qt::UserRole + 100;
+/// Role of headerData() that gives the caption of a column where there is room for all of it.
+inline constexpr int FullCaptionRole = Qt::UserRole + 101;
+
+/// Roles of a row that stands for a group of a table.
+enum TGroupRole : int {
+    grCaption = Qt::UserRole + 200, ///< QString, the caption of the group's column; empty for a row that is no group
+    grValue,                        ///< QString, the value as shown
+    grCount,                        ///< int, rows in the group
+    grLevel                         ///< int, 0 for the outermost
+};
 
 } // namespace Kestrune

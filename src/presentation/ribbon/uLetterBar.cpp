@@ -89,6 +89,7 @@ TLetterBar::TLetterBar(QWidget* parent)
     QStringList letters;
     for (char16_t c = u'A'; c <= u'Z'; ++c)
         letters << QString(QChar(c));
+    letters.prepend(u"#"_s);
     SetLetters(letters);
     SetField(0);
 }

@@ -8,6 +8,9 @@
 
 #include <QApplication>
 #include <QHoverEvent>
+#include <QKeyEvent>
+#include <QLocale>
+#include <QMouseEvent>
 #include <QPainter>
 
 #include <algorithm>
@@ -18,82 +21,13 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int HeaderPadding = 8;
-constexpr int SortMarkWidth = 30;
-
-QFont HeaderFont()
-{
-    QFont font = ThemeFont(fsBodyBold);
-    font.setPixelSize(std::max(9, font.pixelSize() - 1));
-    return font;
-}
-
-bool IsRightAligned(int kind) { return kind == ckNumber; }
+constexpr int GroupIndent = 18;
+constexpr int GroupArrow = 14;
 
 } // namespace
 
-TTableHeader::TTableHeader(QWidget* parent) : QHeaderView(Qt::Horizontal, parent)
-{
-    setSectionsMovable(true);
-    setFirstSectionMovable(true);
-    setHighlightSections(false);
-    setStretchLastSection(true);
-    setMinimumSectionSize(24);
-    setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-}
-
-void TTableHeader::SetSortMarks(std::vector<TSortMark> marks)
-{
-    FMarks = std::move(marks);
-    viewport()->update();
-}
-
-QSize TTableHeader::sizeHint() const { return {QHeaderView::sizeHint().width(), RowHeight(30, HeaderFont(), 10)}; }
-
-QSize TTableHeader::sectionSizeFromContents(int logicalIndex) const
-{
-    const QString text = model()->headerData(logicalIndex, Qt::Horizontal).toString();
-    return {QFontMetrics(HeaderFont()).horizontalAdvance(text) + 2 * HeaderPadding + SortMarkWidth,
-            sizeHint().height()};
-}
-
-int TTableHeader::CaptionWidth(int logicalIndex) const
-{
-    return sectionSizeFromContents(logicalIndex).width() - SortMarkWidth + 2;
-}
-
-void TTableHeader::paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const
-{
-    const TTheme& theme = CurrentTheme();
-    painter->save();
-    const bool over = rect.contains(mapFromGlobal(QCursor::pos())) && underMouse();
-    painter->fillRect(rect, over ? theme.Hover : theme.Window);
-    DrawHairline(*painter, rect, Qt::BottomEdge, theme.Line);
-    painter->setFont(HeaderFont());
-    painter->setPen(theme.Text2);
-    const QString text = model()->headerData(logicalIndex, Qt::Horizontal).toString();
-    const auto mark =
-        std::find_if(FMarks.begin(), FMarks.end(), [&](const TSortMark& m) { return m.Column == logicalIndex; });
-    const bool sorted = mark != FMarks.end();
-    const QString order = sorted && FMarks.size() > 1 ? QString::number(mark - FMarks.begin() + 1) : QString();
-    const QFontMetrics metrics(painter->font());
-    const int markWidth = sorted ? 20 + (order.isEmpty() ? 0 : metrics.horizontalAdvance(order) + 3) : 0;
-    const QRectF box = QRectF(rect).adjusted(HeaderPadding, 0, -HeaderPadding, 0);
-    const qreal textWidth = std::min<qreal>(metrics.horizontalAdvance(text) + 1, box.width() - markWidth);
-    const bool right = IsRightAligned(CellKindOf(*model(), logicalIndex)) != isRightToLeft();
-    qreal x = right ? box.right() - textWidth - markWidth : box.left();
-    DrawElided(*painter, QRectF(x, box.top(), textWidth, box.height()), text);
-    x += textWidth + 5;
-    if (sorted) {
-        DrawIcon(*painter, QRectF(x, box.center().y() - 6, 13, 13), mark->Ascending ? u"sortasc"_s : u"sortdesc"_s,
-                 theme.Text2);
-        painter->drawText(QRectF(x + 16, box.top(), 20, box.height()), Qt::AlignLeft | Qt::AlignVCenter, order);
-    }
-    painter->restore();
-}
-
-TAlbumTable::TAlbumTable(TCoverCache* covers, QWidget* parent)
-    : QTreeView(parent), FHeader(new TTableHeader(this)), FDelegate(new TCellDelegate(covers, this))
+TAlbumTable::TAlbumTable(TCoverCache* covers, TListModel& list, QWidget* parent)
+    : QTreeView(parent), FHeader(new TTableHeader(this)), FDelegate(new TTableDelegate(covers, list, this)), FModel(list)
 {
     setHeader(FHeader);
     FHeader->setSectionsClickable(true); // taking the header over switched it off
@@ -113,16 +47,89 @@ TAlbumTable::TAlbumTable(TCoverCache* covers, QWidget* parent)
         Q_EMIT sortRequested(column, (keys & (Qt::ControlModifier | Qt::ShiftModifier)) != 0);
     });
     connect(FHeader, &QHeaderView::sectionResized, this, &TAlbumTable::SectionResized);
+    connect(FHeader, &TTableHeader::leaveRequested, this, [this] { setFocus(); });
+    connect(this, &QTreeView::expanded, this, [this](const QModelIndex& group) { NoteExpansion(group, true); });
+    connect(this, &QTreeView::collapsed, this, [this](const QModelIndex& group) { NoteExpansion(group, false); });
+    setExpandsOnDoubleClick(false);
+    setAnimated(false);
+    QTreeView::setModel(&FModel);
+    FitCoverColumn();
+    connect(&FModel, &QAbstractItemModel::modelReset, this, &TAlbumTable::RestoreExpansion);
 }
 
-void TAlbumTable::setModel(QAbstractItemModel* model)
+void TAlbumTable::FitCoverColumn()
 {
-    QTreeView::setModel(model);
-    if (!model)
-        return;
-    for (int column = 0; column < model->columnCount(); ++column)
-        if (CellKindOf(*model, column) == ckCover)
+    for (int column = 0; column < FModel.columnCount(); ++column)
+        if (CellKindOf(FModel, column) == ckCover)
             FHeader->resizeSection(column, FDelegate->RowHeightInDip() + 8);
+}
+
+void TAlbumTable::SetEditing(bool on)
+{
+    setEditTriggers(on ? DoubleClicked | EditKeyPressed | SelectedClicked : EditTriggers(NoEditTriggers));
+}
+
+void TAlbumTable::SetOnRefusal(std::function<void(const QString&)> tell) { FDelegate->SetOnRefusal(std::move(tell)); }
+
+void TAlbumTable::SetFindText(const QString& text)
+{
+    FDelegate->SetFindText(text);
+    viewport()->update();
+}
+
+void TAlbumTable::NoteExpansion(const QModelIndex& group, bool expanded)
+{
+    if (FRestoring)
+        return;
+    // What is folded is remembered: a group that is new stands open.
+    if (expanded)
+        FFolded.remove(FModel.PathOf(group));
+    else
+        FFolded.insert(FModel.PathOf(group));
+}
+
+void TAlbumTable::RestoreExpansion()
+{
+    if (!FModel.IsGrouped())
+        return;
+    FRestoring = true;
+    QTreeView::expandAll();
+    if (!FFolded.isEmpty())
+        FoldRemembered({});
+    FRestoring = false;
+}
+
+void TAlbumTable::FoldRemembered(const QModelIndex& parent)
+{
+    for (int row = 0; row < FModel.rowCount(parent); ++row) {
+        const QModelIndex group = FModel.index(row, 0, parent);
+        if (!FModel.IsGroup(group))
+            return;
+        FoldRemembered(group);
+        if (FFolded.contains(FModel.PathOf(group)))
+            collapse(group);
+    }
+}
+
+void TAlbumTable::ExpandGroups(bool expand)
+{
+    FRestoring = true;
+    expand ? QTreeView::expandAll() : QTreeView::collapseAll();
+    FRestoring = false;
+    FFolded.clear();
+    if (!expand)
+        NoteFolded({});
+}
+
+void TAlbumTable::NoteFolded(const QModelIndex& parent)
+{
+    for (int row = 0; row < FModel.rowCount(parent); ++row) {
+        const QModelIndex group = FModel.index(row, 0, parent);
+        if (!FModel.IsGroup(group))
+            return;
+        FFolded.insert(FModel.PathOf(group));
+        NoteFolded(group);
+    }
 }
 
 void TAlbumTable::SetSortMarks(std::vector<TSortMark> marks)
@@ -206,7 +213,8 @@ int TAlbumTable::sizeHintForColumn(int column) const
     QModelIndex index = indexAt(QPoint(0, 0));
     const int bottom = viewport()->height();
     while (index.isValid() && visualRect(index).top() < bottom) {
-        width = std::max(width, FDelegate->sizeHint(option, index.siblingAtColumn(column)).width());
+        if (!FModel.IsGroup(index))
+            width = std::max(width, FDelegate->sizeHint(option, index.siblingAtColumn(column)).width());
         index = indexBelow(index);
     }
     return width;
@@ -226,12 +234,79 @@ void TAlbumTable::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
     const QRect row(0, option.rect.top(), viewport()->width(), option.rect.height());
     const bool selected = selectionModel() && selectionModel()->isRowSelected(index.row(), index.parent());
     const bool hovered = FHovered.isValid() && FHovered.row() == index.row() && FHovered.parent() == index.parent();
+    if (FModel.IsGroup(index)) {
+        DrawGroupRow(*painter, row, index, hovered);
+        return;
+    }
     painter->fillRect(row, selected && !theme.IsHighContrast() ? theme.AccentSoft : hovered ? theme.Hover : theme.View);
     // Half the strength of a hairline: rows are read along, not boxed in.
     DrawHairline(*painter, row, Qt::BottomEdge, Mix(theme.View, theme.Line, 0.5));
     if (selected && theme.IsHighContrast())
         StrokeRounded(*painter, row, RadiusCover, theme.AccentFill, theme.SelectionRing());
     QTreeView::drawRow(painter, option, index);
+}
+
+void TAlbumTable::DrawGroupRow(QPainter& painter, const QRect& row, const QModelIndex& index, bool hovered) const
+{
+    const TTheme& theme = CurrentTheme();
+    const bool mirrored = isRightToLeft();
+    const bool focused = hasFocus() && currentIndex().isValid() && currentIndex().siblingAtColumn(0) == index.siblingAtColumn(0);
+    painter.save();
+    painter.setLayoutDirection(layoutDirection());
+    painter.fillRect(row, hovered ? theme.Hover : theme.Window);
+    DrawHairline(painter, row, Qt::BottomEdge, Mix(theme.View, theme.Line, 0.5));
+    qreal x = 8 + index.data(grLevel).toInt() * GroupIndent;
+    const auto box = [&](qreal left, qreal width) {
+        return QRectF(mirrored ? row.width() - left - width : left, row.top(), width, row.height());
+    };
+    const QString arrow = isExpanded(index.siblingAtColumn(0)) ? u"cd"_s : mirrored ? u"cl"_s : u"cr"_s;
+    DrawIcon(painter, QRectF(box(x, GroupArrow).left(), row.center().y() - GroupArrow / 2 + 1, GroupArrow, GroupArrow),
+             arrow, theme.Text);
+    x += GroupArrow + 7;
+    const auto put = [&](TFontStep step, const QColor& color, const QString& text) {
+        painter.setFont(ThemeFont(step));
+        painter.setPen(color);
+        const qreal width = std::min<qreal>(painter.fontMetrics().horizontalAdvance(text) + 2, row.width() / 2.0);
+        DrawElided(painter, box(x, width), text);
+        x += width + 6;
+    };
+    put(fsBody, theme.Text2, index.data(grCaption).toString());
+    put(fsBodyBold, theme.Text, index.data(grValue).toString());
+    const QString count = locale().toString(index.data(grCount).toInt());
+    painter.setFont(ThemeFont(fsSmall));
+    const qreal width = painter.fontMetrics().horizontalAdvance(count) + 16;
+    FillRounded(painter, box(x, width).adjusted(0, row.height() / 2.0 - 9, 0, 9 - row.height() / 2.0), 9, theme.Sunken);
+    painter.setPen(theme.Text2);
+    painter.drawText(box(x, width), Qt::AlignCenter, count);
+    if (focused)
+        DrawFocusRing(painter, QRectF(row).adjusted(0, 0, 0, -1), RadiusCover, theme);
+    painter.restore();
+}
+
+void TAlbumTable::mousePressEvent(QMouseEvent* event)
+{
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (FModel.IsGroup(index) && event->button() == Qt::LeftButton) {
+        setExpanded(index.siblingAtColumn(0), !isExpanded(index.siblingAtColumn(0)));
+        selectionModel()->setCurrentIndex(index.siblingAtColumn(0), QItemSelectionModel::NoUpdate);
+        return;
+    }
+    QTreeView::mousePressEvent(event);
+}
+
+void TAlbumTable::keyPressEvent(QKeyEvent* event)
+{
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space;
+    if (enter && FModel.IsGroup(currentIndex())) {
+        const QModelIndex group = currentIndex().siblingAtColumn(0);
+        setExpanded(group, !isExpanded(group));
+        return;
+    }
+    if (event->key() == Qt::Key_F2 && editTriggers() != NoEditTriggers && currentIndex().isValid()) {
+        edit(currentIndex());
+        return;
+    }
+    QTreeView::keyPressEvent(event);
 }
 
 QModelIndex TAlbumTable::NeighbourColumn(int direction) const
@@ -249,7 +324,7 @@ QModelIndex TAlbumTable::NeighbourColumn(int direction) const
 
 QModelIndex TAlbumTable::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
 {
-    const bool onGroup = currentIndex().isValid() && model()->hasChildren(currentIndex());
+    const bool onGroup = FModel.IsGroup(currentIndex());
     if (currentIndex().isValid() && !onGroup && (action == MoveLeft || action == MoveRight))
         return NeighbourColumn((action == MoveRight) != isRightToLeft() ? 1 : -1);
     return QTreeView::moveCursor(action, modifiers);
@@ -258,9 +333,9 @@ QModelIndex TAlbumTable::moveCursor(CursorAction action, Qt::KeyboardModifiers m
 void TAlbumTable::keyboardSearch(const QString& search)
 {
     // The view's own search would read every row of the model.
-    const int row = FLocate ? FTyped.Add(search, currentIndex().row(), FLocate) : -1;
-    if (row >= 0 && row < model()->rowCount())
-        setCurrentIndex(model()->index(row, std::max(0, currentIndex().column())));
+    const int row = FLocate ? FTyped.Add(search, FModel.SourceRow(currentIndex()), FLocate) : -1;
+    if (row >= 0)
+        setCurrentIndex(FModel.IndexOfRow(row, std::max(0, currentIndex().column())));
 }
 
 void TAlbumTable::paintEvent(QPaintEvent* event)
@@ -275,6 +350,13 @@ void TAlbumTable::resizeEvent(QResizeEvent* event)
 {
     QTreeView::resizeEvent(event);
     Share();
+}
+
+void TAlbumTable::scrollContentsBy(int dx, int dy)
+{
+    QTreeView::scrollContentsBy(dx, dy);
+    if (dx != 0)
+        FHeader->PlaceFilters();
 }
 
 bool TAlbumTable::viewportEvent(QEvent* event)

@@ -1,55 +1,39 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "uCellDelegate.h"
+#include "uGroupModel.h"
+#include "uTableDelegate.h"
+#include "uTableHeader.h"
 #include "uTypedLetters.h"
 
-#include <QHeaderView>
+#include <QSet>
 #include <QTreeView>
 
+#include <functional>
 #include <vector>
 
 namespace Kestrune {
 
 class TCoverCache;
 
-/// One column of the sort order, first one first.
-struct TSortMark {
-    int Column = 0;
-    bool Ascending = true;
-};
-
-/// The headings of a table: bold and quiet, right-aligned over numbers, with an arrow and, when there is more than one,
-/// the place in the sort order.
-class TTableHeader : public QHeaderView {
-    Q_OBJECT
-public:
-    explicit TTableHeader(QWidget* parent = nullptr);
-
-    void SetSortMarks(std::vector<TSortMark> marks);
-    const std::vector<TSortMark>& SortMarks() const { return FMarks; }
-    QSize sizeHint() const override;
-    /// The width that shows the whole heading, without an arrow.
-    int CaptionWidth(int logicalIndex) const;
-
-protected:
-    friend class TAlbumTable;
-    void paintSection(QPainter* painter, const QRect& rect, int logicalIndex) const override;
-    QSize sectionSizeFromContents(int logicalIndex) const override;
-
-private:
-    std::vector<TSortMark> FMarks;
-};
-
 /// The table of releases or tracks. It decides nothing: a click on a heading is told to the logic, which sorts and sets
 /// the marks.
 class TAlbumTable : public QTreeView {
     Q_OBJECT
 public:
-    /// Keeps a pointer to the covers; null shows none.
-    explicit TAlbumTable(TCoverCache* covers, QWidget* parent = nullptr);
+    /// Keeps a pointer to the covers; null shows none. The list outlives the table.
+    TAlbumTable(TCoverCache* covers, TListModel& list, QWidget* parent = nullptr);
 
-    void setModel(QAbstractItemModel* model) override;
+    /// The rows as the table shows them: grouped, or the bare list.
+    TGroupModel& Groups() { return FModel; }
+    /// Whether cells are edited in place: by double click, F2 or a second click.
+    void SetEditing(bool on);
+    /// Where a sentence about a refused value goes.
+    void SetOnRefusal(std::function<void(const QString&)> tell);
+    /// Marks a text where it stands in the cells.
+    void SetFindText(const QString& text);
+    /// Opens or folds all groups.
+    void ExpandGroups(bool expand);
     void SetRowSize(TRowSize size);
     /// Shows the sort order; a column that is too narrow for its arrow becomes wider.
     void SetSortMarks(std::vector<TSortMark> marks);
@@ -74,6 +58,9 @@ protected:
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     int sizeHintForColumn(int column) const override;
 
@@ -85,9 +72,18 @@ private:
     QModelIndex NeighbourColumn(int direction) const;
     void Share();
     void SectionResized(int column);
+    void FitCoverColumn();
+    void DrawGroupRow(QPainter& painter, const QRect& row, const QModelIndex& index, bool hovered) const;
+    void NoteExpansion(const QModelIndex& group, bool expanded);
+    void RestoreExpansion();
+    void FoldRemembered(const QModelIndex& parent);
+    void NoteFolded(const QModelIndex& parent);
 
     TTableHeader* FHeader;
-    TCellDelegate* FDelegate;
+    TTableDelegate* FDelegate;
+    TGroupModel FModel;
+    QSet<QString> FFolded; // paths of folded groups
+    bool FRestoring = false;
     std::vector<TShared> FShared;
     bool FSharing = false;
     QPersistentModelIndex FHovered;

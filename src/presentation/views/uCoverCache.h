@@ -33,6 +33,7 @@ public:
     /// at hand and `mayDecode` is false.
     QPixmap Cover(const QModelIndex& index, int side, qreal ratio, bool mayDecode);
 
+    void Clear() { FPixmaps.clear(); }
     qsizetype Bytes() const { return FPixmaps.totalCost(); }
     int DecodeCount() const { return FDecodeCount; }
 

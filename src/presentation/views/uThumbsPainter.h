@@ -7,13 +7,6 @@ namespace Kestrune {
 
 class TCoverCache;
 
-/// A badge on the lower left of a cover.
-enum class TBadge : quint8 { bdNone, bdOverdue, bdLent, bdWanted };
-using enum TBadge;
-
-/// The badge of a row: overdue before lent before wanted.
-TBadge BadgeOf(const QModelIndex& index);
-
 /// Tiles: the cover, title, artist, year and medium, and from the medium size up the stars.
 class TThumbsPainter : public TTilePainter {
 public:
@@ -32,7 +25,6 @@ public:
     bool Paint(QPainter& painter, const QRect& cell, const QModelIndex& index, const TTileState& state) override;
 
 private:
-    bool PaintCover(QPainter& painter, const QRect& square, const QModelIndex& index, const TTileState& state);
     void PaintLines(QPainter& painter, const QRect& area, const QModelIndex& index, const TTileState& state);
 
     TCoverCache& FCovers;

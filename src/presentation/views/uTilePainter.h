@@ -28,8 +28,14 @@ public:
     virtual QSize CellSize() const = 0;
     virtual int RowGap() const = 0;
     virtual int ColumnGap() const { return 0; }
+    /// Free space above the first and below the last row.
+    virtual int TopMargin() const { return 4; }
     /// True when the cells themselves take the spare width, false when the gaps do.
     virtual bool StretchesColumns() const { return false; }
+    /// Paints what lies behind a whole row of cells; the strip has the width of the view.
+    virtual void PaintRowGround(QPainter&, const QRect&) {}
+    /// True when rows without cells are painted down to the lower edge of the view.
+    virtual bool FillsView() const { return false; }
     /// Paints one cell. False when a picture was not at hand and the cell has to be painted again.
     virtual bool Paint(QPainter& painter, const QRect& cell, const QModelIndex& index, const TTileState& state) = 0;
     /// How many pictures were made for cells so far: a repaint makes at least one of those that it lacks.

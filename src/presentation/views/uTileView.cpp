@@ -64,7 +64,7 @@ TTileLayout TTileView::Layout() const
     layout.Count = RowCount();
     layout.Width = viewport()->width();
     layout.Cell = FPainter->CellSize();
-    layout.TopMargin = 4;
+    layout.TopMargin = FPainter->TopMargin();
     layout.RowGap = FPainter->RowGap();
     layout.ColumnGap = FPainter->ColumnGap();
     layout.Stretch = FPainter->StretchesColumns();
@@ -163,6 +163,7 @@ void TTileView::paintEvent(QPaintEvent* event)
     bool complete = true;
     const int madeBefore = FPainter->PicturesMade();
     const QModelIndex current = currentIndex();
+    PaintRows(painter, layout, event->rect());
     for (int row = first; row <= last; ++row) {
         const QModelIndex index = IndexOfRow(row);
         TTileState state;
@@ -176,6 +177,16 @@ void TTileView::paintEvent(QPaintEvent* event)
     }
     if (!complete)
         QTimer::singleShot(0, viewport(), qOverload<>(&QWidget::update));
+}
+
+void TTileView::PaintRows(QPainter& painter, const TTileLayout& layout, const QRect& part)
+{
+    const int step = layout.Cell.height() + layout.RowGap;
+    const int offset = verticalOffset() - layout.TopMargin;
+    const int lastRow = (part.bottom() + offset) / step;
+    for (int row = std::max(0, (part.top() + offset) / step); row <= lastRow; ++row)
+        if (row < layout.Rows() || FPainter->FillsView())
+            FPainter->PaintRowGround(painter, QRect(0, row * step - offset, layout.Width, layout.Cell.height()));
 }
 
 void TTileView::mouseMoveEvent(QMouseEvent* event)

@@ -63,6 +63,7 @@ private:
     int RowCount() const;
     QModelIndex IndexOfRow(int row) const;
     int LocateTitle(const QString& text, int fromRow) const;
+    void PaintRows(QPainter& painter, const TTileLayout& layout, const QRect& part);
     void SetHoveredRow(int row);
     void UpdateRow(int row);
 

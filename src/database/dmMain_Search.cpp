@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dmMain.h"
+#include "uSearchIndex.h"
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The texts of a table's rows in one string, wherever they have any.
+QString TextsOf(std::span<const TColumnDef> columns, const QString& alias, const QStringList& leftOut)
+{
+    QStringList terms;
+    for (const TColumnDef& column : columns) {
+        const QString name = QString::fromLatin1(column.Name);
+        const bool text = column.Kind == fkString || column.Kind == fkMemo;
+        if (text && !leftOut.contains(name))
+            terms << u"ifnull(%1.\"%2\" || ' ', '')"_s.arg(alias, name);
+    }
+    return terms.join(u" || "_s);
+}
+
+QString SearchTextSQL()
+{
+    const QString release = TextsOf(ReleaseColumns(), u"R"_s, {u"FolderPath"_s, u"Link"_s, u"BuyNowLink"_s});
+    // Numbers that people know their records by.
+    const QString numbers = u"ifnull(R.ReleaseYear || ' ', '') || ifnull(R.No || ' ', '')"_s;
+    const QString tracks = TextsOf(TrackColumns(), u"T"_s, {u"FilePath"_s, u"FileType"_s, u"Lyrics"_s, u"Side"_s});
+    return u"SELECT R.ID, %1 || %2 || ifnull((SELECT group_concat(%3, ' ') FROM Tracks2 T WHERE T.ReleaseId = R.ID), '')"
+           " || ' ' || ifnull((SELECT group_concat(M.Musician, ' ') FROM Musicians2 M WHERE M.ReleaseId = R.ID), '')"
+           " || ' ' || ifnull((SELECT group_concat(M.Musician, ' ') FROM Tracks2 T JOIN Musicians2 M"
+           " ON M.TrackId = T.ID WHERE T.ReleaseId = R.ID), '')"
+           " FROM Releases2 R WHERE R.ID > ? ORDER BY R.ID LIMIT ?"_s.arg(release, numbers, tracks);
+}
+
+} // namespace
+
+std::vector<TSearchText> TDataModuleMain::ReadSearchTexts(qint64 after, int count)
+{
+    static const QString sql = SearchTextSQL();
+    std::vector<TSearchText> texts;
+    TSQLiteStatement& statement = FConnection.Cached(sql);
+    statement.BindAll({after, count});
+    while (statement.Step())
+        texts.push_back({statement.ColumnInt64(0), VarToStr(statement.Column(1))});
+    statement.Reset();
+    return texts;
+}
+
+void TDataModuleMain::NoteChange(const char* table, qint64 row)
+{
+    const QLatin1StringView name(table);
+    if (name == "Releases2"_L1)
+        FTouched.insert(row);
+    else if (name == "Tracks2"_L1)
+        FTouchedTracks.insert(row);
+    else if (name == "Musicians2"_L1)
+        FTouchedCredits.insert(row);
+    else
+        return;
+    if (!std::exchange(FTouchTold, true))
+        QMetaObject::invokeMethod(this, [this] {
+            FTouchTold = false;
+            Q_EMIT releasesTouched();
+        }, Qt::QueuedConnection);
+}
+
+bool TDataModuleMain::HasTouchedReleases() const
+{
+    return !FTouched.empty() || !FTouchedTracks.empty() || !FTouchedCredits.empty();
+}
+
+std::vector<qint64> TDataModuleMain::TakeTouchedReleases(int most)
+{
+    // A row that is gone belongs to a release that was written with it, or is gone too.
+    const auto resolve = [this](std::unordered_set<qint64>& rows, const QString& sql) {
+        for (const qint64 row : rows)
+            if (const qint64 release = HasData() ? FConnection.Scalar(sql, {row}).toLongLong() : 0; release > 0)
+                FTouched.insert(release);
+        rows.clear();
+    };
+    if (FTouchedTracks.size() + FTouchedCredits.size() > 0) {
+        resolve(FTouchedTracks, u"SELECT ReleaseId FROM Tracks2 WHERE ID = ?"_s);
+        resolve(FTouchedCredits, u"SELECT ifnull(M.ReleaseId, T.ReleaseId) FROM Musicians2 M LEFT JOIN Tracks2 T"
+                                 " ON T.ID = M.TrackId WHERE M.ID = ?"_s);
+    }
+    std::vector<qint64> taken;
+    while (!FTouched.empty() && (most < 0 || taken.size() < static_cast<size_t>(most))) {
+        taken.push_back(*FTouched.begin());
+        FTouched.erase(FTouched.begin());
+    }
+    return taken;
+}
+
+qint64 TDataModuleMain::SetHits(const std::vector<qint64>& releases, bool ofTracks)
+{
+    // Even numbers belong to the main list, odd ones to the tracks.
+    FHitsNumber += 2;
+    FConnection.TextRules().Hits[ofTracks ? 1 : 0] = {releases.begin(), releases.end()};
+    return FHitsNumber + (ofTracks ? 1 : 0);
+}
+
+qint64 TDataModuleMain::FirstTrackOf(qint64 release)
+{
+    return FConnection.Scalar(u"SELECT min(ID) FROM Tracks2 WHERE ReleaseId = ?"_s, {release}).toLongLong();
+}
+
+void TDataModuleMain::NoteChanges(bool on)
+{
+    FTouched.clear();
+    FTouchedTracks.clear();
+    FTouchedCredits.clear();
+    if (on)
+        FConnection.OnChange = [this](const char* table, qint64 row) { NoteChange(table, row); };
+    else
+        FConnection.OnChange = nullptr;
+}
+
+} // namespace Kestrune

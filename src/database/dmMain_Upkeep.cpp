@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "dmMain.h"
+#include "uDefaults.h"
+#include "uFilePath.h"
+#include "uThreads.h"
+
+#include <QFile>
+#include <QScopeGuard>
+
+#include <filesystem>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int RowSetSize = 50;
+
+} // namespace
+
+void TDataModuleMain::CopyTo(const QString& filepath)
+{
+    Q_ASSERT(OnMainThread());
+    const QString aside = filepath + u".part"_s;
+    QFile::remove(aside);
+    FConnection.BackupTo(aside);
+    std::error_code error;
+    std::filesystem::rename(TextToPath(aside), TextToPath(filepath), error);
+    if (error) {
+        QFile::remove(aside);
+        throw EDatabaseError(u"%1: %2"_s.arg(filepath, QString::fromStdString(error.message())));
+    }
+}
+
+int TDataModuleMain::RegenerateThumbnails(const std::function<bool(int row, int count)>& progress)
+{
+    Q_ASSERT(OnMainThread());
+    std::vector<qint64> keys;
+    {
+        TSQLiteStatement rows = FConnection.Prepare(u"SELECT ID FROM Releases2 ORDER BY ID"_s);
+        while (rows.Step())
+            keys.push_back(rows.ColumnInt64(0));
+    }
+    FAddingReleases = true;
+    const auto done = qScopeGuard([this] { FAddingReleases = false; });
+    const int count = static_cast<int>(keys.size());
+    int made = 0;
+    for (int first = 0; first < count; first += RowSetSize) {
+        const int last = std::min(first + RowSetSize, count);
+        std::vector<std::pair<qint64, QByteArray>> thumbnails;
+        bool go = true;
+        for (int row = first; row < last && go; ++row) {
+            const qint64 key = keys[static_cast<size_t>(row)];
+            const QByteArray picture =
+                FConnection.Scalar(u"SELECT LargePicture FROM Releases2 WHERE ID = ?"_s, {key}).toByteArray();
+            // A small picture without a large one, and one whose large picture does not decode, is all that there is.
+            if (const QByteArray thumbnail = MakeThumbnail(picture, Defaults().LargeHeight); !thumbnail.isEmpty())
+                thumbnails.emplace_back(key, thumbnail);
+            go = progress(row + 1, count);
+        }
+        TSQLiteTransaction transaction(FConnection);
+        for (const auto& [key, thumbnail] : thumbnails) {
+            TSQLiteStatement& update = FConnection.Cached(u"UPDATE Releases2 SET ThumbPicture = ? WHERE ID = ?"_s);
+            update.BindAll({thumbnail, key});
+            update.Execute();
+        }
+        transaction.Commit();
+        made += static_cast<int>(thumbnails.size());
+        if (!go)
+            break;
+    }
+    return made;
+}
+
+} // namespace Kestrune

@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uFieldEditors.h"
+
+#include "dmMain.h"
+#include "uDefaults.h"
+#include "uFieldText.h"
+#include "uTHStrings.h"
+
+#include <QUrl>
+
+#include <algorithm>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr TFieldEditorRow FieldEditorRows[] = {
+    {"Artist", {}},
+    {"ASIN", repASIN},
+    {"Barcode", ekText},
+    {"CatalogNO", ekText},
+    {"Channels", ekList},
+    {"Chorus", ekText},
+    {"Composer", ekText},
+    {"Composition", ekText},
+    {"Condition", ekList},
+    {"ConditionMedia", ekList},
+    {"Conductor", ekText},
+    {"CountryCode", ekChoice},
+    {"DataProvider", ekChoice},
+    {"DiscCount", ekNumber},
+    {"DiscogsId", repDiscogs},
+    {"Genre", ekList},
+    {"IsCompilation", ekChoice},
+    {"IsLive", ekChoice},
+    {"IsPromo", ekChoice},
+    {"IsRare", ekChoice},
+    {"IsReissue", ekChoice},
+    {"Label", {}},
+    {"Location", ekList},
+    {"MediaType", ekList},
+    {"MusicBrainzId", repMusicBrainz},
+    {"No", ekNumber},
+    {"Orchestra", ekText},
+    {"OwnerId", ekChoice},
+    {"Packaging", ekList},
+    {"PurchaseStore", ekText},
+    {"Quantity", ekNumber},
+    {"Rating_Calc", ekRating},
+    {"ReleaseName", {}},
+    {"ReleaseYear", ekNumber},
+    {"Spars", ekList},
+    {"Status", ekList},
+    {"TrackTitle", {}},
+};
+
+// Fields beside the table that are edited in a way of their own.
+constexpr std::pair<const char*, TEditorKind> FurtherEditors[] = {{"Artists", ekTokens},
+                                                                  {"Genres", ekTokens},
+                                                                  {"FolderPath", repSelectFolder},
+                                                                  {"PurchasedFrom", ekChoice},
+                                                                  {"BorrowedFrom", ekChoice},
+                                                                  {"Instrument", ekList}};
+
+std::vector<TValueAndText> SameTexts(const QStringList& list)
+{
+    std::vector<TValueAndText> items;
+    for (const QString& item : list)
+        items.push_back({item, item});
+    return items;
+}
+
+TEditorKind CustomEditor(const TFieldDef& field, bool ofTracks)
+{
+    const TCustomFieldDefs& defs = ofTracks ? Defaults().TrackFields : Defaults().ReleaseFields;
+    const int number = QStringView(field.Name).sliced(6).toInt();
+    if (number < 1 || number > 10)
+        return ekText;
+    switch (defs.Slots[static_cast<size_t>(number) - 1].DataType) {
+    case static_cast<int>(cftInteger):
+    case static_cast<int>(cftFloat):
+    case static_cast<int>(cftCurrency): return ekNumber;
+    case static_cast<int>(cftBoolean): return ekChoice;
+    default: return ekText;
+    }
+}
+
+} // namespace
+
+std::span<const TFieldEditorRow> FieldEditorTable() { return FieldEditorRows; }
+
+TEditorKind EditorKindOf(const TFieldDef& field, bool ofTracks)
+{
+    const auto same = [&](const char* name) {
+        return field.Name.compare(QLatin1StringView(name), Qt::CaseInsensitive) == 0;
+    };
+    const auto rows = FieldEditorTable();
+    const auto row = std::ranges::lower_bound(
+        rows, field.Name, [](const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) < 0; },
+        [](const TFieldEditorRow& entry) { return QString::fromLatin1(entry.Field); });
+    if (row != rows.end() && same(row->Field) && row->Kind)
+        return *row->Kind;
+    for (const auto& [name, kind] : FurtherEditors)
+        if (same(name))
+            return kind;
+    if (field.Name.startsWith("Custom"_L1))
+        return CustomEditor(field, ofTracks);
+    if (IsLengthField(field.Name))
+        return ekLength;
+    switch (field.Kind) {
+    case fkMemo: return ekMemo;
+    case fkInteger:
+    case fkFloat: return ekNumber;
+    case fkBoolean: return ekChoice;
+    case fkDate:
+    case fkDateTime: return ekDate;
+    default: return ekText;
+    }
+}
+
+PDict DictionaryOf(const QString& column)
+{
+    TDefaults& settings = Defaults();
+    const std::pair<QLatin1StringView, PDict> dictionaries[] = {
+        {"MediaType"_L1, &settings.MediaTypes}, {"Genre"_L1, &settings.Genres},
+        {"Location"_L1, &settings.Locations},   {"Status"_L1, &settings.Statuses},
+        {"Condition"_L1, &settings.Conditions}, {"ConditionMedia"_L1, &settings.Conditions},
+        {"Channels"_L1, &settings.Channels},    {"Packaging"_L1, &settings.Packaging},
+        {"Instrument"_L1, &settings.Instruments}, {"Genres"_L1, &settings.Genres}};
+    const auto found = std::ranges::find_if(dictionaries, [&](const auto& entry) { return column == entry.first; });
+    return found == std::end(dictionaries) ? nullptr : found->second;
+}
+
+std::vector<TValueAndText> EditorItems(TDataModuleMain& data, const TFieldDef& field)
+{
+    if (const TDict* dict = DictionaryOf(field.Name))
+        return SameTexts(dict->Items());
+    if (field.Name == "Spars"_L1)
+        return SameTexts(SparsList());
+    if (field.Name == "DataProvider"_L1)
+        return DataProviders();
+    std::vector<TValueAndText> items;
+    if (field.Name == "CountryCode"_L1) {
+        for (const TCountry& country : Countries())
+            if (!country.Value.isEmpty())
+                items.push_back({country.Value, country.Description});
+    } else if (IsFriendField(field.Name) && data.qFriends.Active()) {
+        const int name = data.qFriends.FieldIndex(u"Name"_s);
+        for (int row = 0; row < data.qFriends.RecordCount(); ++row)
+            items.push_back(
+                {QString::number(data.qFriends.KeyAt(row)), VarToStr(data.qFriends.ValueAt(row, name))});
+    } else if (field.Kind == fkBoolean || EditorKindOf(field, false) == ekChoice) {
+        items = {{u"1"_s, GetLanguageString(u"cSYes"_s)}, {u"0"_s, GetLanguageString(u"cSNo"_s)}};
+    }
+    return items;
+}
+
+QString LinkOfField(const QString& column, const QString& value)
+{
+    if (value.isEmpty())
+        return {};
+    const auto encoded = [&] { return QString::fromLatin1(QUrl::toPercentEncoding(value)); };
+    if (column == "Link"_L1 || column == "BuyNowLink"_L1)
+        return value.contains("://"_L1) ? value : u"https://"_s + value;
+    if (column.compare("MusicBrainzID"_L1, Qt::CaseInsensitive) == 0)
+        return u"https://musicbrainz.org/release/"_s + encoded();
+    if (column.compare("DiscogsID"_L1, Qt::CaseInsensitive) == 0)
+        return u"https://www.discogs.com/release/"_s + encoded();
+    if (column == "ASIN"_L1)
+        return u"https://www.amazon.com/dp/"_s + encoded();
+    if (column == "FolderPath"_L1)
+        return QUrl::fromLocalFile(value).toString();
+    return {};
+}
+
+} // namespace Kestrune

@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uViewFilters.h"
+
+#include "dmMain.h"
+#include "uDefaults.h"
+#include "uFieldText.h"
+#include "uTHStrings.h"
+
+#include <algorithm>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+bool TFilterSet::IsEmpty() const
+{
+    return Status.isEmpty() && Letter.isEmpty() && KeywordColumn.isEmpty() && Everything.isEmpty() && Columns.empty() &&
+           Builder.IsEmpty();
+}
+
+TViewFilters::TViewFilters(TDataModuleMain& data, TListDataset& list, bool ofTracks)
+    : FData(data), FList(list), FOfTracks(ofTracks)
+{}
+
+void TViewFilters::Drop(TFilterGroup::TId& id)
+{
+    FList.Filter().Remove(id);
+    id = 0;
+}
+
+QString TViewFilters::LetterColumn() const { return FSet.LetterField == 0 ? u"Artist"_s : u"ReleaseName"_s; }
+
+void TViewFilters::SetStatus(const QString& status)
+{
+    Drop(FStatusFilter);
+    FSet.Status = status;
+    if (!status.isEmpty())
+        FStatusFilter = FList.Filter().Add(StatusCriterion(status));
+}
+
+void TViewFilters::SetLetter(const QString& letter)
+{
+    Drop(FQuickFilter);
+    FSet.Letter = letter;
+    if (!letter.isEmpty())
+        FQuickFilter = FList.Filter().Add(letter == "#"_L1 ? NoLetterCriterion(LetterColumn())
+                                                           : LetterCriterion(LetterColumn(), letter));
+}
+
+void TViewFilters::SetLetterField(int field)
+{
+    FSet.LetterField = field;
+    if (!FSet.Letter.isEmpty())
+        SetLetter(FSet.Letter);
+}
+
+void TViewFilters::SetKeyword(const QString& column, const QString& text)
+{
+    Drop(FKeywordFilter);
+    const std::vector<TSearchField> fields = Fields();
+    auto field = std::ranges::find(fields, column, &TSearchField::Column);
+    if (field == fields.end())
+        field = fields.begin();
+    FSet.KeywordColumn = field->Column;
+    FSet.KeywordText = text;
+    FKeywordFilter = FList.Filter().Add(SearchCriterion(*field, text));
+}
+
+void TViewFilters::SetEverything(const QString& words, qint64 search)
+{
+    Drop(FEverythingFilter);
+    FSet.Everything = words;
+    if (!words.isEmpty())
+        FEverythingFilter = FList.Filter().Add({FOfTracks ? u"ReleaseId"_s : u"ID"_s, foIsHit, search, words});
+}
+
+bool TViewFilters::SetColumn(const QString& column, const QString& text)
+{
+    Drop(FColumnFilters[column]);
+    FColumnFilters.erase(column);
+    FSet.Columns.erase(column);
+    if (text.trimmed().isEmpty())
+        return true;
+    const int index = FList.FieldIndex(column);
+    if (index < 0)
+        return false;
+    const auto criterion = ColumnCriterion(FData, FList.Fields()[static_cast<size_t>(index)], FOfTracks, text);
+    if (!criterion)
+        return false;
+    FSet.Columns[column] = text;
+    FColumnFilters[column] = FList.Filter().Add(*criterion);
+    return true;
+}
+
+void TViewFilters::SetBuilder(const TFilterNode& node)
+{
+    Drop(FBuilderFilter);
+    FSet.Builder = node;
+    if (!node.IsEmpty())
+        FBuilderFilter = FList.Filter().AddTree(node);
+}
+
+void TViewFilters::Remove(TFilterChipKind kind, const QString& column)
+{
+    switch (kind) {
+    case fckStatus: SetStatus({}); break;
+    case fckLetter: SetLetter({}); break;
+    case fckKeyword:
+        Drop(FKeywordFilter);
+        FSet.KeywordColumn.clear();
+        FSet.KeywordText.clear();
+        break;
+    case fckEverything: SetEverything({}, 0); break;
+    case fckColumn: SetColumn(column, {}); break;
+    case fckBuilder: SetBuilder({}); break;
+    }
+}
+
+void TViewFilters::Clear()
+{
+    const int letterField = FSet.LetterField;
+    FList.Filter().Clear();
+    FStatusFilter = FQuickFilter = FKeywordFilter = FEverythingFilter = FBuilderFilter = 0;
+    FColumnFilters.clear();
+    FSet = {};
+    FSet.LetterField = letterField;
+}
+
+void TViewFilters::Restore(const TFilterSet& set)
+{
+    Clear();
+    FSet.LetterField = set.LetterField;
+    SetStatus(set.Status);
+    SetLetter(set.Letter);
+    if (!set.KeywordColumn.isEmpty())
+        SetKeyword(set.KeywordColumn, set.KeywordText);
+    for (const auto& [column, text] : set.Columns)
+        SetColumn(column, text);
+    SetBuilder(set.Builder);
+}
+
+std::vector<TFilterChip> TViewFilters::Chips() const
+{
+    std::vector<TFilterChip> chips;
+    if (FStatusFilter != 0)
+        chips.push_back({fckStatus, {}, GetLanguageString(u"cSReleasesFieldStatusId"_s), FSet.Status});
+    if (FQuickFilter != 0) {
+        const QString key = FSet.LetterField == 0 ? u"cSArtistBeginsWith"_s : u"cSReleaseBeginsWith"_s;
+        chips.push_back({fckLetter, {}, GetLanguageString(key), FSet.Letter});
+    }
+    if (FKeywordFilter != 0) {
+        const std::vector<TSearchField> fields = Fields();
+        const auto field = std::ranges::find(fields, FSet.KeywordColumn, &TSearchField::Column);
+        chips.push_back(
+            {fckKeyword, {}, field == fields.end() ? FSet.KeywordColumn : field->Caption, FSet.KeywordText});
+    }
+    if (FEverythingFilter != 0)
+        chips.push_back({fckEverything, {}, GetLanguageString(u"cSGuiEverything"_s), FSet.Everything});
+    for (const auto& [column, text] : FSet.Columns) {
+        const TFieldDef& field = FList.Fields()[static_cast<size_t>(FList.FieldIndex(column))];
+        chips.push_back({fckColumn, column, ColumnLabel(field, Defaults(), FOfTracks), text});
+    }
+    if (FBuilderFilter != 0)
+        chips.push_back({fckBuilder, {}, {}, FilterSummary(FData, FSet.Builder, FOfTracks)});
+    return chips;
+}
+
+} // namespace Kestrune
