@@ -31,6 +31,7 @@ constexpr TSettingDef SettingRows[] = {
     {"NonClientDrawing", &D::NonClientDrawing, true},
     {"ThemeIndex", &D::ThemeIndex, 4},
     {"ColorSchemeAccentIndex", &D::ColorSchemeAccentIndex, 0},
+    {"DesktopIcons", &D::DesktopIcons, false},
     {"LargeWidth", &D::LargeWidth, 250},
     {"LargeHeight", &D::LargeHeight, 250},
     {"ProxyHost", &D::ProxyHost, u""},

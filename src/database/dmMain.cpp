@@ -217,6 +217,18 @@ qint64 TDataModuleMain::ExecSQLAndGetID(const QString& sql)
     return query.Step() && !query.ColumnIsNull(0) ? query.ColumnInt64(0) : -1;
 }
 
+qint64 TDataModuleMain::RunQuery(const QString& sql, bool canWrite, const std::function<bool()>& progress,
+                                 const std::function<void(TSQLiteStatement& row, bool first)>& receive)
+{
+    Q_ASSERT(OnMainThread());
+    if (!canWrite)
+        return FConnection.RunScript(sql, false, progress, receive);
+    TSQLiteTransaction transaction(FConnection);
+    const qint64 changed = FConnection.RunScript(sql, true, progress, receive);
+    transaction.Commit();
+    return changed;
+}
+
 void TDataModuleMain::StartTransaction()
 {
     if (!FConnection.InTransaction())

@@ -53,6 +53,11 @@ TSQLiteStatement::TSQLiteStatement(sqlite3* connection, const QByteArray& sql, b
         throw EDatabaseError(u"The statement is empty."_s);
 }
 
+TSQLiteStatement::TSQLiteStatement(sqlite3* connection, sqlite3_stmt* statement) : FConnection(connection)
+{
+    FStatement.reset(statement);
+}
+
 void TSQLiteStatement::Fail(int code) const
 {
     const QString sql = QString::fromUtf8(sqlite3_sql(FStatement.get()));

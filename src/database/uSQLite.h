@@ -41,6 +41,8 @@ private:
 class TSQLiteStatement {
 public:
     TSQLiteStatement(sqlite3* connection, const QByteArray& sql, bool persistent);
+    /// Takes over a prepared statement.
+    TSQLiteStatement(sqlite3* connection, sqlite3_stmt* statement);
 
     /// Binds the parameter at a 1-based index.
     void Bind(int index, const TVariant& value);
@@ -108,6 +110,12 @@ public:
 
     /// Runs a script of any number of statements through the engine's own statement loop.
     void Exec(const QString& script);
+    using TReceiveRow = std::function<void(TSQLiteStatement& row, bool first)>;
+    /// Runs a script of the user's. `receive` gets each statement that gives rows once with `first`, then once for each
+    /// row. Without `canWrite` nothing is let through that would write or change the connection. `progress` is called
+    /// now and then and stops the script by giving false. The number of rows written.
+    qint64 RunScript(const QString& script, bool canWrite, const std::function<bool()>& progress,
+                     const TReceiveRow& receive);
     /// A statement from the cache, reset and with no bindings: valid until the next call with the same text.
     TSQLiteStatement& Cached(const QString& sql);
     /// A statement of its own, for use once.

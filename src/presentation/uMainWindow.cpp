@@ -9,6 +9,7 @@
 #include "uDefaults.h"
 #include "uDetailPane.h"
 #include "uEmptyPage.h"
+#include "uFieldEditor.h"
 #include "uFilterBar.h"
 #include "uFindBar.h"
 #include "uGroupPanel.h"
@@ -248,6 +249,7 @@ void TMainWindow::ConnectForm()
     connect(FTracksModel, &QAbstractItemModel::modelReset, this, &TMainWindow::RestoreCurrentTrack,
             Qt::QueuedConnection);
     connect(&FForm, &TKRNMainForm::dialogRequested, this, &TMainWindow::OpenDialog);
+    connect(&FForm, &TKRNMainForm::dictionaryRequested, this, &TMainWindow::EditDictionary);
     connect(&FForm, &TKRNMainForm::exportRequested, this, &TMainWindow::Export);
     connect(&FForm, &TKRNMainForm::filterRowToggled, this, &TMainWindow::ToggleFilterRow);
     connect(&FForm, &TKRNMainForm::findPanelToggled, this, &TMainWindow::ToggleFindPanel);
@@ -352,6 +354,12 @@ void TMainWindow::ConnectFilters()
 
 void TMainWindow::ConnectPane()
 {
+    FPane->SetHiddenFields(FForm.HiddenFields());
+    FPane->SetEditing([this](const QString& column, QWidget* parent) { return MakePaneEditor(column, parent); },
+                      [this](const QString& column, const TVariant& value) { return FForm.EditDetail(column, value); });
+    connect(FPane, &TDetailPane::hiddenFieldsChanged, this, [this] { FForm.SetHiddenFields(FPane->HiddenFields()); });
+    connect(&FForm, &TKRNMainForm::paneCustomizeToggled, this, [this] { FPane->SetCustomizing(!FPane->Customizing()); });
+    connect(&FForm, &TKRNMainForm::paneFilterToggled, FPane, &TDetailPane::ToggleFilter);
     connect(FPane, &TDetailPane::ratingChosen, &FForm, &TKRNMainForm::SetDetailRating);
     connect(FPane, &TDetailPane::linkActivated, this,
             [](const QString& link) { QDesktopServices::openUrl(QUrl(link, QUrl::StrictMode)); });
@@ -365,6 +373,20 @@ void TMainWindow::ConnectPane()
         const bool beside = FSplitter->orientation() == Qt::Horizontal;
         FForm.SetFrameSize(beside ? FPane->width() : 0, beside ? 0 : FPane->height());
     });
+}
+
+TFieldEditor* TMainWindow::MakePaneEditor(const QString& column, QWidget* parent)
+{
+    TDataModuleMain& collection = FForm.Data();
+    const int index = collection.qReleaseInfo.FieldIndex(column);
+    if (index < 0 || collection.IsReadOnly())
+        return nullptr;
+    const TFieldDef& field = collection.qReleaseInfo.Fields()[static_cast<size_t>(index)];
+    if (!TDataModuleMain::IsFieldAssignable(field) || field.Kind == fkDateTime)
+        return nullptr;
+    auto* editor = new TFieldEditor(collection, field, false, parent);
+    editor->SetValue(FForm.DetailValue(column));
+    return editor;
 }
 
 void TMainWindow::EditChip(TFilterChipKind kind, const QString& column)

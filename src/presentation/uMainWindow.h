@@ -131,7 +131,19 @@ private:
     void ReportTrackSelection();
     void RestoreCurrentTrack();
     void OpenDialog(TMainDialog dialog);
+    void OpenSort();
+    void OpenFilterBuilder();
+    void OpenMultiEdit();
+    void OpenSaveFilter();
+    void OpenOptions();
+    void OpenSQL();
+    void EditDictionary(const QString& column);
+    /// Opens the editor of one suggestion list; after OK all editors of its kind show the new items.
+    void LauchDictionaryEditForm(const TDict& dict, const QString& fieldDisplayName, const QString& column);
     void Export(const QString& format);
+    void Print(TMainDialog dialog);
+    /// An editor for a field of the release in the pane, or null where it cannot be changed.
+    TFieldEditor* MakePaneEditor(const QString& column, QWidget* parent);
     void EditChip(TFilterChipKind kind, const QString& column);
     void SizePane();
     void FitSmallWindow();

@@ -27,6 +27,7 @@ namespace {
 
 const std::array<QString, 2> LayoutKeys = {u"AlbumView.Layout"_s, u"TracksView.Layout"_s};
 const std::array<QString, 2> InPlaceKeys = {u"AlbumView.InPlaceEditing"_s, u"TracksView.InPlaceEditing"_s};
+const QString HiddenFieldsKey = u"VG.HiddenFields"_s;
 const QString SavedFiltersKey = u"SavedFilters"_s;
 constexpr int MostSavedFilters = 100;
 constexpr int IndexDelay = 1200; // milliseconds after the start, when the window has settled
@@ -151,6 +152,7 @@ void TKRNMainForm::LoadSettings()
     if (!HasSettingsStore())
         return;
     FFolded = FoldedFromText(SettingsStore().ReadString(FoldedKey, {}));
+    FHiddenFields = FoldedFromText(SettingsStore().ReadString(HiddenFieldsKey, {}));
     LoadLayout(false);
     LoadLayout(true);
     FSavedFilters.clear();
@@ -185,6 +187,7 @@ void TKRNMainForm::SaveSettings()
     if (!HasSettingsStore())
         return;
     SettingsStore().WriteString(FoldedKey, {}, FoldedToText(FFolded));
+    SettingsStore().WriteString(HiddenFieldsKey, {}, FoldedToText(FHiddenFields));
     for (const size_t at : {size_t{0}, size_t{1}}) {
         SettingsStore().WriteBoolean(InPlaceKeys[at], false, FInPlace[at]);
         if (!FLayouts[at])

@@ -226,6 +226,9 @@ public:
     /// Ids of the folded sections of the detail pane.
     QStringList FoldedSections() const { return FFolded; }
     void SetFoldedSections(const QStringList& ids) { FFolded = ids; }
+    /// Columns that the user took out of the detail pane.
+    QStringList HiddenFields() const { return FHiddenFields; }
+    void SetHiddenFields(const QStringList& columns) { FHiddenFields = columns; }
 
 Q_SIGNALS:
     void viewChanged();
@@ -333,6 +336,7 @@ private:
     std::array<std::optional<TTableLayout>, 2> FLayouts; // releases, tracks
     std::array<bool, 2> FInPlace{};
     QStringList FFolded;
+    QStringList FHiddenFields;
 
     qint64 FFocused = 0;
     qint64 FFocusedTrack = 0;

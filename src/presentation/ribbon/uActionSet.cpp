@@ -63,4 +63,22 @@ void TActionSet::Fill(QMenu& menu, const QStringList& names) const
     }
 }
 
+QString FullCaptionOf(const QString& action)
+{
+    for (const TActionDef& def : ActionDefs()) {
+        if (action != QLatin1StringView(def.Name))
+            continue;
+        const QString caption = GetLanguageString(QString::fromLatin1(def.CaptionKey));
+        const auto under = [&](const QString& key) { return GetLanguageString(key) + u": "_s + caption; };
+        if (action.startsWith("actExportTo"_L1))
+            return under(u"cSGuiExport"_s);
+        if (action.startsWith("actDetailPanel"_L1) || action.startsWith("actVG"_L1))
+            return under(u"cSGuiGroupPane"_s);
+        if (action.startsWith("actEdit"_L1) && def.Icon[0] == '\0' && def.Shortcut[0] == '\0')
+            return under(u"cSGuiGroupLists"_s);
+        return caption;
+    }
+    return {};
+}
+
 } // namespace Kestrune

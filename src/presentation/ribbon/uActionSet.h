@@ -33,4 +33,7 @@ private:
     QHash<QString, QAction*> FActions; // children
 };
 
+/// The caption of an action where it stands alone: with the menu that it belongs to, as in "Export: HTML".
+QString FullCaptionOf(const QString& action);
+
 } // namespace Kestrune

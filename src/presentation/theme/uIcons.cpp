@@ -4,6 +4,7 @@
 #include "uThemeStyle.h"
 
 #include <QFile>
+#include <QHash>
 #include <QIconEngine>
 #include <QMap>
 #include <QPainter>
@@ -56,11 +57,49 @@ QByteArray SvgOf(const TIconPath& icon, const QColor& color, qreal side)
            "' stroke-linecap='round' stroke-linejoin='round'/></svg>";
 }
 
+// Names of the freedesktop icon naming specification for what our own icons show.
+const QHash<QString, QString>& DesktopNames()
+{
+    static const QHash<QString, QString> names{
+        {u"add"_s, u"list-add"_s},           {u"copy"_s, u"edit-copy"_s},
+        {u"trash"_s, u"edit-delete"_s},      {u"search"_s, u"edit-find"_s},
+        {u"find"_s, u"edit-find"_s},         {u"check"_s, u"edit-select-all"_s},
+        {u"refresh"_s, u"view-refresh"_s},   {u"sortasc"_s, u"view-sort-ascending"_s},
+        {u"print"_s, u"document-print"_s},   {u"sortdesc"_s, u"view-sort-descending"_s},
+        {u"folder"_s, u"folder"_s},          {u"disc"_s, u"media-optical"_s},
+        {u"eject"_s, u"media-eject"_s},      {u"play"_s, u"media-playback-start"_s},
+        {u"pause"_s, u"media-playback-pause"_s}, {u"stop"_s, u"media-playback-stop"_s},
+        {u"prev"_s, u"media-skip-backward"_s},   {u"next"_s, u"media-skip-forward"_s},
+        {u"shuffle"_s, u"media-playlist-shuffle"_s}, {u"repeat"_s, u"media-playlist-repeat"_s},
+        {u"vol"_s, u"audio-volume-high"_s},  {u"warn"_s, u"dialog-warning"_s},
+        {u"err"_s, u"dialog-error"_s},       {u"gear"_s, u"preferences-system"_s},
+        {u"help"_s, u"help-contents"_s},     {u"pencil"_s, u"document-edit"_s},
+        {u"save"_s, u"document-save"_s},     {u"camera"_s, u"camera-web"_s}};
+    return names;
+}
+
+bool& UseDesktopIcons()
+{
+    static bool use = false;
+    return use;
+}
+
+QPixmap DesktopPixmap(const QString& name, qreal side, qreal ratio)
+{
+    const auto known = UseDesktopIcons() ? DesktopNames().constFind(name) : DesktopNames().cend();
+    if (known == DesktopNames().cend() || !QIcon::hasThemeIcon(*known))
+        return {};
+    const int size = static_cast<int>(std::ceil(side));
+    return QIcon::fromTheme(*known).pixmap(QSize(size, size), ratio);
+}
+
 QPixmap RenderIcon(const QString& name, const QColor& color, qreal side, qreal ratio)
 {
     const auto icon = IconTable().constFind(name);
     if (icon == IconTable().cend() || side <= 0)
         return {};
+    if (const QPixmap desktop = DesktopPixmap(name, side, ratio); !desktop.isNull())
+        return desktop;
     const int pixels = static_cast<int>(std::ceil(side * ratio));
     const QString key = u"kestrune-icon/%1/%2/%3/%4"_s.arg(name, color.name(QColor::HexArgb)).arg(side).arg(pixels);
     QPixmap pixmap;
@@ -138,6 +177,8 @@ void DrawIcon(QPainter& painter, const QRectF& rect, const QString& name, const 
     const auto snap = [ratio](qreal v) { return std::round(v * ratio) / ratio; };
     painter.drawPixmap(QPointF(snap(rect.center().x() - side / 2), snap(rect.center().y() - side / 2)), pixmap);
 }
+
+void SetDesktopIcons(bool use) { UseDesktopIcons() = use; }
 
 bool HasIcon(const QString& name) { return IconTable().contains(name); }
 

@@ -24,6 +24,9 @@ QIcon ThemeIcon(const QString& name, TIconColor color = icText2);
 /// of 20, 1.25 from 24 dip up. An unknown name draws nothing.
 void DrawIcon(QPainter& painter, const QRectF& rect, const QString& name, const QColor& color);
 
+/// Takes the icons of the desktop's theme where it has them, in place of the own ones.
+void SetDesktopIcons(bool use);
+
 /// True when the own set has an icon of this name.
 bool HasIcon(const QString& name);
 

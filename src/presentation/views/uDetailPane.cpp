@@ -2,16 +2,20 @@
 #include "uDetailPane.h"
 
 #include "uDetailParts.h"
+#include "uFieldEditor.h"
+#include "uFieldText.h"
 #include "uStarsEdit.h"
 #include "uTHStrings.h"
 #include "uThemePaint.h"
 #include "uThemeStyle.h"
 
+#include <QLineEdit>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
 
 #include <algorithm>
+#include <iterator>
 
 namespace Kestrune {
 
@@ -35,6 +39,12 @@ TDetailPane::TDetailPane(QWidget* parent) : QScrollArea(parent), FContent(new QW
     setFocusPolicy(Qt::NoFocus);
     connect(FHead->Stars(), &TStarsEdit::ratingChosen, this, &TDetailPane::ratingChosen);
     connect(FHead, &TDetailHead::coverActivated, this, &TDetailPane::coverActivated);
+    FFilter = new QLineEdit(FContent);
+    FFilter->setPlaceholderText(GetLanguageString(u"cSGuiPaneFilter"_s));
+    FFilter->setAccessibleName(FFilter->placeholderText());
+    FFilter->setClearButtonEnabled(true);
+    FFilter->hide();
+    connect(FFilter, &QLineEdit::textChanged, this, [this] { Rebuild(); });
     Rebuild();
 }
 
@@ -53,6 +63,8 @@ void TDetailPane::SetData(TDetailData detail)
     const bool other = detail.ID != FData.ID;
     FData = std::move(detail);
     FHead->SetData(FData);
+    if (other)
+        EndEdit();
     Rebuild();
     if (other)
         verticalScrollBar()->setValue(0);
@@ -95,16 +107,150 @@ TDetailBlock* TDetailPane::AddBlock(const QString& id, const QString& caption, c
     return block;
 }
 
+bool TDetailPane::IsShown(const TDetailField& field) const
+{
+    if (!FFilter->isHidden() && !FFilter->text().isEmpty() &&
+        !field.Label.contains(FFilter->text(), Qt::CaseInsensitive) &&
+        !field.Value.contains(FFilter->text(), Qt::CaseInsensitive))
+        return false;
+    return FCustomizing || (!field.Value.isEmpty() && !FHidden.contains(field.Column));
+}
+
 void TDetailPane::AddSection(const TDetailSection& section)
 {
-    if (section.Fields.empty())
+    std::vector<TDetailField> shown;
+    std::ranges::copy_if(section.Fields, std::back_inserter(shown),
+                         [this](const TDetailField& field) { return IsShown(field); });
+    if (shown.empty())
         return;
     TDetailBlock* block = AddBlock(section.Id, section.Title, {});
-    for (const TDetailField& field : section.Fields) {
-        TDetailRow* row = TDetailRow::ForField(field, block);
+    for (const TDetailField& field : shown) {
+        TDetailRow* row = TDetailRow::ForField(field, static_cast<bool>(FMakeEditor), block);
         connect(row, &TDetailRow::activated, this, [this, link = field.Link] { Q_EMIT linkActivated(link); });
+        connect(row, &TDetailRow::editRequested, this, [this, row] { BeginEdit(row); });
+        if (FCustomizing) {
+            row->ShowBox(!FHidden.contains(field.Column));
+            connect(row, &TDetailRow::boxToggled, this, [this, column = field.Column](bool on) {
+                on ? void(FHidden.remove(column)) : void(FHidden.insert(column));
+                Q_EMIT hiddenFieldsChanged();
+            });
+        }
         block->Add(row);
     }
+}
+
+void TDetailPane::SetEditing(TMakeEditor make, TStoreValue store)
+{
+    FMakeEditor = std::move(make);
+    FStoreValue = std::move(store);
+    Rebuild();
+}
+
+void TDetailPane::SetHiddenFields(const QStringList& columns)
+{
+    FHidden = QSet<QString>(columns.begin(), columns.end());
+    Rebuild();
+}
+
+void TDetailPane::SetCustomizing(bool on)
+{
+    EndEdit();
+    FCustomizing = on;
+    Rebuild();
+}
+
+void TDetailPane::ToggleFilter()
+{
+    FFilter->setVisible(FFilter->isHidden());
+    Rebuild();
+    if (!FFilter->isHidden())
+        FFilter->setFocus(Qt::ShortcutFocusReason);
+}
+
+void TDetailPane::EditField(const QString& column)
+{
+    for (const TDetailBlock* block : std::as_const(FBlocks))
+        for (TDetailRow* row : block->Rows())
+            if (row->Column() == column)
+                return BeginEdit(row);
+}
+
+void TDetailPane::BeginEdit(TDetailRow* row)
+{
+    EndEdit();
+    TFieldEditor* editor = FMakeEditor ? FMakeEditor(row->Column(), row) : nullptr;
+    if (!editor)
+        return;
+    FEditor = editor;
+    FEdited = row;
+    row->SetEditor(editor);
+    ensureWidgetVisible(row);
+    editor->Begin();
+    connect(editor, &TFieldEditor::committed, this, [this, editor] { CommitEdit(editor); });
+    connect(editor, &TFieldEditor::cancelled, this, [this] {
+        QWidget* edited = FEdited;
+        EndEdit();
+        if (edited)
+            edited->setFocus();
+    });
+    connect(editor, &TFieldEditor::moved, this, [this, editor, column = row->Column()](int direction) {
+        CommitEdit(editor);
+        if (!FEditor)
+            MoveEdit(column, direction);
+    });
+}
+
+void TDetailPane::CommitEdit(TFieldEditor* editor)
+{
+    if (editor != FEditor)
+        return; // it was taken already
+    if (editor->IsModified()) {
+        const std::optional<TVariant> value = editor->Value();
+        // A value that is refused stays in its editor.
+        if (!value)
+            return editor->ShowRefusal(FieldRefusal(FEdited ? FEdited->Label() : QString(), editor->Field()));
+        FRebuildWaits = true;
+        const bool stored = FStoreValue && FStoreValue(editor->Field().Name, *value);
+        if (!stored) {
+            FRebuildWaits = false;
+            return editor->ShowRefusal({});
+        }
+    }
+    EndEdit();
+    if (std::exchange(FRebuildWaits, false))
+        Rebuild();
+}
+
+void TDetailPane::EndEdit()
+{
+    if (FEdited)
+        FEdited->SetEditor(nullptr);
+    if (FEditor)
+        FEditor->deleteLater();
+    FEditor = nullptr;
+    FEdited = nullptr;
+}
+
+void TDetailPane::MoveEdit(const QString& from, int direction)
+{
+    QStringList columns;
+    for (const TDetailBlock* block : std::as_const(FBlocks))
+        if (!block->IsFolded())
+            for (const TDetailRow* row : block->Rows())
+                if (!row->Column().isEmpty())
+                    columns << row->Column();
+    const qsizetype next = columns.indexOf(from) + direction;
+    if (next >= 0 && next < columns.size())
+        EditField(columns[next]);
+}
+
+int TDetailPane::PlaceFilter(int width)
+{
+    if (FFilter->isHidden())
+        return 0;
+    const int height = RowHeight(26, ThemeFont(fsBody), 8);
+    FFilter->setGeometry(12, 6, width - 24, height);
+    return height + 8;
 }
 
 void TDetailPane::AddTracks()
@@ -146,6 +292,10 @@ void TDetailPane::AddPictures()
 
 void TDetailPane::Rebuild()
 {
+    if (FEditor) {
+        FRebuildWaits = true; // what is being typed stays until it is taken or left
+        return;
+    }
     for (TDetailBlock* block : std::as_const(FBlocks)) {
         block->hide();
         block->deleteLater(); // one of its rows may be the sender
@@ -174,6 +324,11 @@ void TDetailPane::ArrangeBelow()
     const int width = viewport()->width();
     int y = FHead->ArrangeFor(width, height());
     FHead->setGeometry(0, 0, width, y);
+    FFilter->move(0, 0);
+    if (const int filter = PlaceFilter(width); filter > 0) {
+        FFilter->move(FFilter->x(), y + 6);
+        y += filter;
+    }
     for (TDetailBlock* block : std::as_const(FBlocks)) {
         const int blockHeight = block->ArrangeFor(width);
         block->setGeometry(0, y, width, blockHeight);
@@ -190,7 +345,8 @@ void TDetailPane::ArrangeBeside()
     const int headHeight = FHead->ArrangeFor(ColumnWidth, available);
     FHead->setGeometry(0, 0, ColumnWidth, std::max(headHeight, available));
     int x = ColumnWidth;
-    int y = 0;
+    int y = PlaceFilter(ColumnWidth);
+    FFilter->move(ColumnWidth + 12, FFilter->y());
     int deepest = headHeight;
     for (TDetailBlock* block : std::as_const(FBlocks)) {
         const int blockHeight = block->ArrangeFor(ColumnWidth);

@@ -2,17 +2,24 @@
 #pragma once
 
 #include "uDetailView.h"
+#include "uTHTypes.h"
 
 #include <QPixmap>
+#include <QPointer>
 #include <QScrollArea>
 #include <QSet>
 
+#include <functional>
+
 class QAction;
+class QLineEdit;
 
 namespace Kestrune {
 
-class TStarsEdit;
 class TDetailHead;
+class TDetailRow;
+class TFieldEditor;
+class TStarsEdit;
 
 /// A part of the pane that stays together: a section with its rows.
 class TDetailBlock;
@@ -32,6 +39,20 @@ public:
     void SetOrientation(Qt::Orientation orientation);
     /// Buttons beside the stars, made from actions (edit, lend, playlist, more).
     void SetActions(const QList<QAction*>& actions);
+    using TMakeEditor = std::function<TFieldEditor*(const QString& column, QWidget* parent)>;
+    using TStoreValue = std::function<bool(const QString& column, const TVariant& value)>;
+    /// How values are edited in place: the maker gives a filled editor or null for a field that cannot be changed, the
+    /// other stores a value and gives false when it was refused.
+    void SetEditing(TMakeEditor make, TStoreValue store);
+    /// Opens the editor of a field that is shown.
+    void EditField(const QString& column);
+    /// Columns that are never shown, and whether the user is choosing them: then all fields stand there with a box.
+    void SetHiddenFields(const QStringList& columns);
+    QStringList HiddenFields() const { return {FHidden.cbegin(), FHidden.cend()}; }
+    void SetCustomizing(bool on);
+    bool Customizing() const { return FCustomizing; }
+    /// Shows or hides the box that narrows the fields down to those with a text.
+    void ToggleFilter();
     /// Ids of the folded sections, to be remembered.
     QStringList Folded() const { return {FFolded.cbegin(), FFolded.cend()}; }
     void SetFolded(const QStringList& ids);
@@ -46,12 +67,19 @@ Q_SIGNALS:
     void pictureActivated(int picture);       ///< place in the list of the data
     void coverActivated();
     void foldedChanged();
+    void hiddenFieldsChanged();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    bool IsShown(const TDetailField& field) const;
+    void BeginEdit(TDetailRow* row);
+    void EndEdit();
+    void CommitEdit(TFieldEditor* editor);
+    void MoveEdit(const QString& from, int direction);
+    int PlaceFilter(int width);
     void Rebuild();
     void AddSection(const TDetailSection& section);
     void AddTracks();
@@ -67,6 +95,14 @@ private:
     TDetailHead* FHead;
     QList<TDetailBlock*> FBlocks;
     QSet<QString> FFolded;
+    QSet<QString> FHidden;
+    bool FCustomizing = false;
+    QLineEdit* FFilter;
+    TMakeEditor FMakeEditor;
+    TStoreValue FStoreValue;
+    QPointer<TFieldEditor> FEditor;
+    QPointer<TDetailRow> FEdited;
+    bool FRebuildWaits = false; // for the end of the edit
     Qt::Orientation FOrientation = Qt::Vertical;
 };
 

@@ -11,6 +11,7 @@
 #include "uThemeStyle.h"
 
 #include <QAction>
+#include <QCheckBox>
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -312,20 +313,61 @@ TDetailRow::TDetailRow(TKind kind, QWidget* parent) : QAbstractButton(parent), F
     setAttribute(Qt::WA_Hover);
 }
 
-TDetailRow* TDetailRow::ForField(const TDetailField& field, QWidget* parent)
+TDetailRow* TDetailRow::ForField(const TDetailField& field, bool editable, QWidget* parent)
 {
     auto* row = new TDetailRow(TKind::Field, parent);
+    row->FColumn = field.Column;
     row->FLabel = field.Label;
     row->FValue = field.Value;
     row->FIsLink = !field.Link.isEmpty();
+    row->FEditable = editable;
     row->setAccessibleName(field.Label.isEmpty() ? field.Value : field.Label + u": "_s + field.Value);
-    if (row->FIsLink) {
+    if (row->FIsLink || editable)
         row->setFocusPolicy(Qt::TabFocus);
+    if (row->FIsLink) {
         row->setCursor(Qt::PointingHandCursor);
         row->setToolTip(field.Link);
-        connect(row, &QAbstractButton::clicked, row, &TDetailRow::activated);
+    } else if (editable) {
+        row->setToolTip(GetLanguageString(u"cSGuiEditHint"_s));
     }
     return row;
+}
+
+void TDetailRow::SetEditor(QWidget* editor)
+{
+    FEditor = editor;
+    PlaceParts();
+    if (editor)
+        editor->show();
+    updateGeometry();
+    update();
+}
+
+void TDetailRow::ShowBox(bool checked)
+{
+    FBox = new QCheckBox(this);
+    FBox->setChecked(checked);
+    FBox->setAccessibleName(FLabel);
+    connect(FBox, &QCheckBox::toggled, this, &TDetailRow::boxToggled);
+    FBox->show();
+    PlaceParts();
+}
+
+void TDetailRow::PlaceParts()
+{
+    const auto mirror = [this](const QRect& box) {
+        return isRightToLeft() ? QRect(width() - box.right() - 1, box.top(), box.width(), box.height()) : box;
+    };
+    if (FBox)
+        FBox->setGeometry(mirror({6, 0, 22, height()}));
+    if (FEditor)
+        FEditor->setGeometry(mirror({ValueLeft() - 4, 0, width() - ValueLeft() - PanePadding + 8, height()}));
+}
+
+void TDetailRow::resizeEvent(QResizeEvent* event)
+{
+    QAbstractButton::resizeEvent(event);
+    PlaceParts();
 }
 
 TDetailRow* TDetailRow::ForTrack(const TDetailTrack& track, QWidget* parent)
@@ -370,6 +412,8 @@ int TDetailRow::HeightFor(int width) const
 {
     const QFont font = ThemeFont(fsBody);
     const int one = RowHeight(24, font, 6);
+    if (FEditor && FEditor->sizeHint().height() > 2 * one)
+        return 5 * one; // several lines are edited
     if (FKind != TKind::Field || !FLabel.isEmpty())
         return one;
     // A text without a label, as the comments, is shown whole.
@@ -380,11 +424,30 @@ int TDetailRow::HeightFor(int width) const
 
 void TDetailRow::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (FEditable && (event->key() == Qt::Key_F2 || (enter && !FIsLink))) {
+        Q_EMIT editRequested();
+        return;
+    }
+    if (enter) {
         Q_EMIT activated();
         return;
     }
     QAbstractButton::keyPressEvent(event);
+}
+
+void TDetailRow::mouseReleaseEvent(QMouseEvent* event)
+{
+    QAbstractButton::mouseReleaseEvent(event);
+    if (event->button() != Qt::LeftButton || !rect().contains(event->position().toPoint()) || FKind != TKind::Field)
+        return;
+    const int x = isRightToLeft() ? width() - event->position().toPoint().x() : event->position().toPoint().x();
+    // The text of a link leads where it says; beside it, and on its label, the value is edited.
+    const int linkEnd = ValueLeft() + fontMetrics().horizontalAdvance(FValue) + 22;
+    if (FIsLink && x >= ValueLeft() && x < linkEnd)
+        Q_EMIT activated();
+    else if (FEditable)
+        Q_EMIT editRequested();
 }
 
 void TDetailRow::mouseDoubleClickEvent(QMouseEvent* event)

@@ -11,6 +11,7 @@
 #include <functional>
 
 class QAction;
+class QCheckBox;
 class QHBoxLayout;
 
 namespace Kestrune {
@@ -56,7 +57,8 @@ class TDetailRow : public QAbstractButton {
 public:
     enum class TKind : quint8 { Field, Track, Disc, Credit };
 
-    static TDetailRow* ForField(const TDetailField& field, QWidget* parent);
+    /// `editable`: a click on the value or F2 asks for its editor.
+    static TDetailRow* ForField(const TDetailField& field, bool editable, QWidget* parent);
     static TDetailRow* ForTrack(const TDetailTrack& track, QWidget* parent);
     static TDetailRow* ForDisc(const TDetailDisc& disc, QWidget* parent);
     static TDetailRow* ForCredit(const TDetailCredit& credit, QWidget* parent);
@@ -64,24 +66,40 @@ public:
     /// Height for a width: long texts of comments take several lines.
     int HeightFor(int width) const;
     QSize sizeHint() const override { return {280, HeightFor(280)}; }
+    /// The field of the row; empty for rows that are none.
+    const QString& Column() const { return FColumn; }
+    const QString& Label() const { return FLabel; }
+    /// Puts an editor, a child of the row, in the place of the value; null takes it away.
+    void SetEditor(QWidget* editor);
+    /// Shows a box for whether the field is shown.
+    void ShowBox(bool checked);
 
 Q_SIGNALS:
     void activated();
+    void editRequested();
+    void boxToggled(bool on);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     TDetailRow(TKind kind, QWidget* parent);
+    void PlaceParts();
     void PaintField(QPainter& painter) const;
     void PaintColumns(QPainter& painter) const;
     int ValueLeft() const;
 
     TKind FKind;
     QString FLabel, FValue, FExtra;
+    QString FColumn;
     bool FIsLink = false;
+    bool FEditable = false;
+    QWidget* FEditor = nullptr;
+    QCheckBox* FBox = nullptr;
 };
 
 /// Thumbnails of the other pictures, 64 dip high, in lines.
@@ -120,6 +138,7 @@ public:
     void Add(TPictureStrip* strip);
     void SetFolded(bool folded);
     bool IsFolded() const { return FIsFolded; }
+    const QList<TDetailRow*>& Rows() const { return FRows; }
     /// Lays the rows out for a width; returns the height.
     int ArrangeFor(int width);
 
