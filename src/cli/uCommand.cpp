@@ -17,6 +17,7 @@ std::vector<std::unique_ptr<TCommand>> AllCommands()
     commands.push_back(MakeAddFolderCommand());
     commands.push_back(MakeImportCommand());
     commands.push_back(MakeListCommand());
+    commands.push_back(MakeExportCommand());
     commands.push_back(MakeShowCommand());
     commands.push_back(MakeTagsCommand());
     commands.push_back(MakeImageCommand());

@@ -67,6 +67,7 @@ std::unique_ptr<TCommand> MakeInfoCommand();
 std::unique_ptr<TCommand> MakeAddFolderCommand();
 std::unique_ptr<TCommand> MakeImportCommand();
 std::unique_ptr<TCommand> MakeListCommand();
+std::unique_ptr<TCommand> MakeExportCommand();
 std::unique_ptr<TCommand> MakeShowCommand();
 std::unique_ptr<TCommand> MakeTagsCommand();
 std::unique_ptr<TCommand> MakeImageCommand();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
 #include "uCommand.h"
-#include "uSearch.h"
+#include "uListOptions.h"
 
 #include <QCryptographicHash>
 #include <QDateTime>
@@ -49,29 +49,6 @@ QJsonArray RecordsToJson(const TDataset& cursor)
     return array;
 }
 
-const TSearchField& FieldByWord(const std::vector<TSearchField>& fields, const QString& word)
-{
-    for (const TSearchField& field : fields) {
-        if (field.Column.compare(word, Qt::CaseInsensitive) == 0 ||
-            field.Caption.compare(word, Qt::CaseInsensitive) == 0)
-            return field;
-    }
-    throw EUsageError(u"no field %1 to search by"_s.arg(word));
-}
-
-std::vector<TSortItem> ParseSort(const QString& text, const TDataset& list)
-{
-    std::vector<TSortItem> sort;
-    for (const QString& part : text.split(u',', Qt::SkipEmptyParts)) {
-        const QString trimmed = part.trimmed();
-        const TSortItem item{trimmed.startsWith(u'-') ? trimmed.mid(1) : trimmed, trimmed.startsWith(u'-')};
-        if (list.FieldIndex(item.Column) < 0)
-            throw EUsageError(u"no column %1 to sort by"_s.arg(item.Column));
-        sort.push_back(item);
-    }
-    return sort;
-}
-
 class TListCommand final : public TCommand {
 public:
     QString Name() const override { return u"list"_s; }
@@ -79,23 +56,16 @@ public:
     void Describe(QCommandLineParser& parser) const override
     {
         parser.addPositionalArgument(u"FILE"_s, u"the collection"_s);
-        parser.addOptions(
-            {{u"tracks"_s, u"list tracks in place of releases"_s},
-             {u"search"_s, u"only rows whose field holds this text; % and _ are wildcards"_s, u"TEXT"_s},
-             {u"by"_s, u"the field to search in (column name or caption), ReleaseName if left out"_s, u"FIELD"_s},
-             {u"letter"_s, u"only artists that begin with this letter"_s, u"X"_s},
-             {u"status"_s, u"only releases with this status"_s, u"S"_s},
-             {u"sort"_s, u"columns to sort by, - for descending, as in \"Artist,-ReleaseYear\""_s, u"COLUMNS"_s},
-             {u"limit"_s, u"at most this many rows"_s, u"N"_s},
-             {u"json"_s, u"print an array of objects by column name"_s}});
+        AddListOptions(parser);
+        parser.addOptions({{u"limit"_s, u"at most this many rows"_s, u"N"_s},
+                           {u"json"_s, u"print an array of objects by column name"_s}});
     }
 
     void Run(const QCommandLineParser& parser) override
     {
         TOpenCollection collection(Arguments(parser, 1, 1).front());
         const bool tracks = parser.isSet(u"tracks"_s);
-        TListDataset& list = tracks ? collection.Data().qTracksAll : collection.Data().qReleasesMain;
-        ApplyFilters(parser, collection, list, tracks);
+        TListDataset& list = OpenList(parser, collection.Data());
         const int count = RowCount(parser, list);
         if (parser.isSet(u"json"_s))
             PrintRowsAsJson(list, count);
@@ -113,29 +83,6 @@ private:
         if (!ok || limit < 0)
             throw EUsageError(u"--limit takes a number"_s);
         return std::min(limit, list.RecordCount());
-    }
-
-    static void ApplyFilters(const QCommandLineParser& parser, TOpenCollection& collection, TListDataset& list,
-                             bool tracks)
-    {
-        const QString artistColumn = tracks ? u"ReleaseArtist"_s : u"Artist"_s;
-        const std::vector<TSortItem> sort = ParseSort(parser.value(u"sort"_s), list);
-        if (parser.isSet(u"search"_s)) {
-            const QString by = parser.isSet(u"by"_s) ? parser.value(u"by"_s) : u"ReleaseName"_s;
-            list.Filter().Add(
-                SearchCriterion(FieldByWord(SearchFieldsOf(collection.Data(), tracks), by), parser.value(u"search"_s)));
-        }
-        if (parser.isSet(u"letter"_s))
-            list.Filter().Add(LetterCriterion(artistColumn, parser.value(u"letter"_s)));
-        if (parser.isSet(u"status"_s)) {
-            if (tracks)
-                throw EUsageError(u"tracks have no status"_s);
-            list.Filter().Add(StatusCriterion(parser.value(u"status"_s)));
-        }
-        list.SetFilterActive(!list.Filter().IsEmpty());
-        if (!list.Active())
-            list.Open();
-        list.SetSort(sort);
     }
 
     // Written row by row: a large collection is never held as one document.

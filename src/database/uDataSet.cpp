@@ -14,8 +14,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A stored value as the kind of its field says; a value of another kind (SQLite keeps any) stays as it is.
-TVariant FromStored(const TVariant& value, TFieldKind kind)
+QString Quoted(const QString& name) { return u'"' + name + u'"'; }
+
+} // namespace
+
+TVariant TDataset::FromStored(const TVariant& value, TFieldKind kind)
 {
     switch (kind) {
     case fkBoolean: return value.typeId() == QMetaType::LongLong ? TVariant(value.toLongLong() != 0) : value;
@@ -29,10 +32,6 @@ TVariant FromStored(const TVariant& value, TFieldKind kind)
     default: return value;
     }
 }
-
-QString Quoted(const QString& name) { return u'"' + name + u'"'; }
-
-} // namespace
 
 TDataset::TDataset(TSQLiteConnection& connection, TDatasetDef def) : FConnection(connection), FDef(std::move(def))
 {

@@ -135,6 +135,8 @@ protected:
     TSQLiteConnection& Connection() const { return FConnection; }
     const TDatasetDef& Def() const { return FDef; }
     TRecord ReadRecord(TSQLiteStatement& statement) const;
+    /// A stored value as the kind of its field says; a value of another kind (SQLite keeps any) stays as it is.
+    static TVariant FromStored(const TVariant& value, TFieldKind kind);
     bool SignalsEnabled() const { return FControlsDisabled == 0; }
     void SetState(TDatasetState state) { FState = state; }
     void SetRecNo(int row);
@@ -244,6 +246,10 @@ public:
     const QStringList& Grouping() const { return FGrouping; }
     /// The groups in the order of their first row, each before those within it.
     const std::vector<TListGroup>& Groups() const { return FGroups; }
+    /// Reads these fields of all rows in their order, past the cache: `receive` gives false to stop. Computed fields are
+    /// computed; pictures are read where they are asked for.
+    void WalkRows(const std::vector<int>& fields,
+                  const std::function<bool(int row, const std::vector<TVariant>& values)>& receive) const;
     /// Rows, of all in the present order, of which one of the columns holds the text, in ascending order.
     std::vector<int> RowsWithText(const QStringList& columns, const QString& text) const;
     /// Columns that sort without their article.

@@ -367,6 +367,31 @@ void TListDataset::OpenGroups(const std::vector<TVariant>& values, int changed)
     }
 }
 
+void TListDataset::WalkRows(const std::vector<int>& fields,
+                            const std::function<bool(int row, const std::vector<TVariant>& values)>& receive) const
+{
+    QStringList columns;
+    for (const int field : fields) {
+        const QString expression = ValueExpression(Fields()[static_cast<size_t>(field)].Name, Fields());
+        columns << (expression.isEmpty() ? u"NULL"_s : expression);
+    }
+    const QString list = columns.isEmpty() ? u"1"_s : columns.join(u", "_s);
+    TSQLiteStatement statement =
+        Connection().Prepare(u"SELECT %1 FROM %2 WHERE %3 = ?"_s.arg(list, Def().From, Def().KeyExpression));
+    std::vector<TVariant> values(fields.size());
+    for (int row = 0; row < RecordCount(); ++row) {
+        statement.Bind(1, KeyAt(row));
+        const bool there = statement.Step();
+        for (size_t i = 0; i < fields.size(); ++i)
+            values[i] = there ? FromStored(statement.Column(static_cast<int>(i)),
+                                           Fields()[static_cast<size_t>(fields[i])].Kind)
+                              : TVariant();
+        statement.Reset();
+        if (!receive(row, values))
+            return;
+    }
+}
+
 std::vector<int> TListDataset::RowsWithText(const QStringList& columns, const QString& text) const
 {
     TFilterGroup filter;

@@ -29,6 +29,7 @@
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QMenu>
+#include <QPrinter>
 #include <QPainter>
 #include <QScreen>
 #include <QShortcut>
@@ -255,6 +256,7 @@ void TMainWindow::ConnectForm()
     connect(&FForm, &TKRNMainForm::findPanelToggled, this, &TMainWindow::ToggleFindPanel);
     connect(&FForm, &TKRNMainForm::copyRequested, this, &TMainWindow::Copy);
     connect(&FForm, &TKRNMainForm::settingsApplied, this, &TMainWindow::ResetColumns);
+    connect(&FForm, &TKRNMainForm::thumbnailsChanged, this, [this] { FCovers.Clear(); });
     connect(&FForm, &TKRNMainForm::expandRequested, this, [this](bool expand) {
         if (TAlbumTable* table = CurrentTable())
             table->ExpandGroups(expand);
@@ -267,6 +269,9 @@ void TMainWindow::ConnectForm()
             [](const QString& folder) { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); });
     connect(&FForm, &TKRNMainForm::jobProgressed, this, [this](const QString& text, int value, int maximum) {
         maximum > 0 ? FStatus->ShowProgress(text, value, maximum, true) : FStatus->HideProgress();
+        // Only the button that stops the job is live: nothing may change what it works on.
+        for (QWidget* part : std::initializer_list<QWidget*>{FRibbon, FFilters, FPages})
+            part->setEnabled(maximum == 0);
     });
 }
 

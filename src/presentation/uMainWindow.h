@@ -4,6 +4,7 @@
 #include "frmMain.h"
 #include "uCardsPainter.h"
 #include "uCoverCache.h"
+#include "uExportSource.h"
 #include "uShelfPainter.h"
 #include "uThumbsPainter.h"
 
@@ -11,7 +12,10 @@
 #include <QTimer>
 #include <QWidget>
 
+#include <memory>
+
 class QMenu;
+class QPrinter;
 class QSplitter;
 class QStackedWidget;
 
@@ -140,7 +144,10 @@ private:
     void EditDictionary(const QString& column);
     /// Opens the editor of one suggestion list; after OK all editors of its kind show the new items.
     void LauchDictionaryEditForm(const TDict& dict, const QString& fieldDisplayName, const QString& column);
-    void Export(const QString& format);
+    /// What the active view shows, with its columns in their order.
+    TExportSource MakeSource(bool thumbnails);
+    QString ReportTitle() const;
+    void Export(const QString& word);
     void Print(TMainDialog dialog);
     /// An editor for a field of the release in the pane, or null where it cannot be changed.
     TFieldEditor* MakePaneEditor(const QString& column, QWidget* parent);
@@ -191,6 +198,7 @@ private:
     QMenu* FSavedMenu = nullptr;
     QMenu* FGroupMenu = nullptr;
     QMenu* FPresetMenu = nullptr;
+    std::unique_ptr<QPrinter> FPrinter;
     std::vector<int> FHits; // rows of the find panel
     QTimer FTrackSelectionTimer;
     QPointer<TDebugWindow> FDebug;

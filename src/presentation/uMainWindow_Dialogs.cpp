@@ -2,6 +2,7 @@
 #include "uActionSet.h"
 #include "uAlbumTable.h"
 #include "uDefaults.h"
+#include "uExport.h"
 #include "uFieldEditors.h"
 #include "uFilterDialog.h"
 #include "uHelpWindows.h"
@@ -9,12 +10,17 @@
 #include "uListDialogs.h"
 #include "uMainWindow.h"
 #include "uOptionsWindow.h"
+#include "uPrinting.h"
+#include "uPrompt.h"
 #include "uReleasesModel.h"
 #include "uSQLWindow.h"
 #include "uTHStrings.h"
 #include "uThemeController.h"
 
-#include <QApplication>
+#include <QFileInfo>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QPrinterInfo>
 
 namespace Kestrune {
 
@@ -130,7 +136,85 @@ void TMainWindow::LauchDictionaryEditForm(const TDict& dict, const QString& fiel
         FForm.SetDictionary(column, dialog.Text());
 }
 
-void TMainWindow::Export(const QString&) {}
-void TMainWindow::Print(TMainDialog) {}
+TExportSource TMainWindow::MakeSource(bool thumbnails)
+{
+    const TListModel& list = *CurrentModel();
+    const bool covers = FForm.CurrentView() == mvThumbs || FForm.CurrentView() == mvCards ||
+                        FForm.CurrentView() == mvShelf;
+    std::vector<TExportColumn> columns;
+    const int cover = list.ColumnOf(u"ThumbPicture"_s);
+    if (covers || (CurrentTable() && cover >= 0 && !CurrentTable()->isColumnHidden(cover)))
+        columns.push_back({u"ThumbPicture"_s, {}});
+    QStringList fields = FindColumns();
+    if (FForm.CurrentView() == mvCards) // what stands on the cards
+        fields << u"Rating_Calc"_s << u"Genre"_s << u"Label"_s << u"CatalogNO"_s << u"CountryCode"_s;
+    for (const QString& field : fields)
+        columns.push_back(
+            {field, list.headerData(list.ColumnOf(field), Qt::Horizontal, FullCaptionRole).toString()});
+    return TExportSource(FForm.Data(), FForm.List(), FForm.TracksShown(), std::move(columns), thumbnails);
+}
+
+QString TMainWindow::ReportTitle() const
+{
+    return QFileInfo(FForm.Data().CurrentFile()).completeBaseName();
+}
+
+void TMainWindow::Export(const QString& word)
+{
+    const std::optional<TExportFormat> format = ExportFormatOf(word);
+    if (!format || FForm.Working())
+        return;
+    TFileDialogRequest request;
+    request.Title = FullCaptionOf(word == "xlsx"_L1 ? u"actExportToExcel"_s : word == "txt"_L1 ? u"actExportToText"_s
+                                                                   : u"actExportTo"_s + word.toUpper());
+    request.Filter = ExportFileFilter(*format);
+    request.DefaultExtension = word;
+    request.FileName = ReportTitle() + u'.' + word;
+    const QString path = FForm.Prompt().AskSaveFile(request);
+    if (path.isEmpty())
+        return;
+    FForm.RunJob(request.Title, [&](const TKRNMainForm::TJobProgress& progress) {
+        TExportSource source = MakeSource(*format == efHTML || *format == efPDF);
+        try {
+            if (WriteExport(source, *format, path, ReportTitle(), progress))
+                Q_EMIT FForm.barRaised(bkDone, GetLanguageString(u"cSExportDone"_s).arg(source.RowCount()), path);
+            else
+                Q_EMIT FForm.barRaised(bkWarning, GetLanguageString(u"cSExportStopped"_s), path);
+        } catch (const EExportError& failure) {
+            Q_EMIT FForm.barRaised(bkError, failure.Text(), {});
+        }
+    });
+}
+
+void TMainWindow::Print(TMainDialog dialog)
+{
+    if (FForm.Working())
+        return;
+    TExportSource source = MakeSource(true);
+    TReportOptions options{ReportTitle(), CurrentTable() == nullptr};
+    // The page setup of the last time stands until the program ends.
+    if (!FPrinter) {
+        FPrinter = std::make_unique<QPrinter>(QPrinter::HighResolution);
+        FPrinter->setPageMargins(QMarginsF(12, 12, 12, 12), QPageLayout::Millimeter);
+        if (WantsLandscape(source.ColumnCount()) && !options.CoverSheet)
+            FPrinter->setPageOrientation(QPageLayout::Landscape);
+    }
+    FPrinter->setDocName(options.Title);
+    if (dialog == mdPrintPreview)
+        return ShowPrintPreview(*FPrinter, source, options, this);
+    if (dialog == mdPrint) {
+        QPrintDialog ask(FPrinter.get(), this);
+        ask.setWindowTitle(GetLanguageString(u"cSactPrint"_s));
+        if (ask.exec() != QDialog::Accepted)
+            return;
+    } else if (QPrinterInfo::defaultPrinter().isNull()) {
+        Q_EMIT FForm.barRaised(bkError, GetLanguageString(u"cSPrintNoPrinter"_s), {});
+        return;
+    }
+    FForm.RunJob(GetLanguageString(u"cSactPrint"_s), [&](const TKRNMainForm::TJobProgress& progress) {
+        if (PrintReport(*FPrinter, source, options, progress) == 0)
+            Q_EMIT FForm.barRaised(bkError, GetLanguageString(u"cSPrintFailed"_s), {});
+    });
+}
 
 } // namespace Kestrune

@@ -447,6 +447,11 @@ void TMainWindow::showEvent(QShowEvent* event)
 
 void TMainWindow::closeEvent(QCloseEvent* event)
 {
+    if (FForm.Working()) { // a job serves this event: it is stopped first
+        FForm.CancelJob();
+        event->ignore();
+        return;
+    }
     KeepGeometry();
     KeepColumns();
     FForm.SetFoldedSections(FPane->Folded());
@@ -479,7 +484,7 @@ void TMainWindow::moveEvent(QMoveEvent* event)
 void TMainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     const bool local = event->mimeData()->hasUrls() && event->mimeData()->urls().constFirst().isLocalFile();
-    if (local && FForm.Actions().IsEnabled(u"actAddMP3"_s))
+    if (local && !FForm.Working() && FForm.Actions().IsEnabled(u"actAddMP3"_s))
         event->acceptProposedAction();
 }
 

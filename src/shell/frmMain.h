@@ -202,6 +202,13 @@ public:
     void AddFolders(const QStringList& paths);
     /// The run in progress, or null.
     TImportRun* AddFiles() const { return FAddFiles.get(); }
+    TPrompt& Prompt() { return FPrompt; }
+    using TJobProgress = std::function<bool(int value, int maximum)>;
+    /// Runs a long job on the main thread: its progress is shown, events are served with no other change of the
+    /// collection allowed, and CancelJob ends it.
+    void RunJob(const QString& text, const std::function<void(const TJobProgress&)>& work);
+    /// A job runs.
+    bool Working() const { return FWorking; }
     /// Ends a job of jobProgressed at its next step.
     void CancelJob() { FCancelled = true; }
     /// After the options window: what was changed in the settings acts.
@@ -265,6 +272,8 @@ Q_SIGNALS:
     /// A long job: value of maximum; a maximum of 0 ends it.
     void jobProgressed(const QString& text, int value, int maximum);
     void savedFiltersChanged();
+    /// The same releases have other thumbnails.
+    void thumbnailsChanged();
     void openFolderRequested(const QString& folder);
     void barRaised(Kestrune::TBarKind kind, const QString& bold, const QString& sentence);
 

@@ -98,30 +98,38 @@ void TKRNMainForm::SaveDatabaseAs()
     OpenCollection(path);
 }
 
+void TKRNMainForm::RunJob(const QString& text, const std::function<void(const TJobProgress&)>& work)
+{
+    if (FWorking)
+        return;
+    FWorking = true;
+    FCancelled = false;
+    FActions.SetBlocked(true);
+    Q_EMIT jobProgressed(text, 0, 1);
+    const auto finish = qScopeGuard([this] {
+        FWorking = false;
+        Q_EMIT jobProgressed({}, 0, 0);
+        FActions.SetBlocked(false);
+    });
+    work([&](int value, int maximum) {
+        Q_EMIT jobProgressed(text, value, maximum);
+        QCoreApplication::processEvents();
+        return !FCancelled;
+    });
+}
+
 void TKRNMainForm::RegenerateThumbnails()
 {
     if (!FPrompt.AskYesNo(GetLanguageString(u"cSConfirmRegenerateThumbs"_s)))
         return;
-    const QString text = GetLanguageString(u"cSactRegenerateThumbnails"_s);
-    FWorking = true;
-    FCancelled = false;
-    FActions.Update();
     int made = 0;
-    {
-        const auto finish = qScopeGuard([&] {
-            FWorking = false;
-            Q_EMIT jobProgressed({}, 0, 0);
-            FActions.Update();
-        });
+    RunJob(GetLanguageString(u"cSactRegenerateThumbnails"_s), [&](const TJobProgress& progress) {
         made = FData.RegenerateThumbnails([&](int row, int count) {
-            if (row % ServeEvents == 0 || row == count) {
-                Q_EMIT jobProgressed(text, row, count);
-                QCoreApplication::processEvents();
-            }
-            return !FCancelled;
+            return (row % ServeEvents != 0 && row != count) || progress(row, count);
         });
-    }
+    });
     FData.qReleasesMain.Refresh();
+    Q_EMIT thumbnailsChanged();
     RefreshDetail();
     Q_EMIT barRaised(FCancelled ? bkWarning : bkDone, GetLanguageString(u"cSThumbnailsMade"_s).arg(made), {});
 }

@@ -107,7 +107,7 @@ bool TActionList::IsBound(const QString& name) const { return Find(name) != null
 bool TActionList::IsEnabled(const QString& name) const
 {
     const TBinding* binding = Find(name);
-    return binding && binding->Enabled;
+    return binding && binding->Enabled && !FBlocked;
 }
 
 bool TActionList::IsChecked(const QString& name) const
@@ -119,7 +119,7 @@ bool TActionList::IsChecked(const QString& name) const
 void TActionList::Trigger(const QString& name)
 {
     const TBinding* binding = Find(name);
-    if (!binding || (binding->EnabledRule && !binding->EnabledRule()))
+    if (!binding || FBlocked || (binding->EnabledRule && !binding->EnabledRule()))
         return;
     try {
         binding->Execute();
@@ -128,6 +128,12 @@ void TActionList::Trigger(const QString& name)
         if (OnFailure)
             OnFailure(QString::fromUtf8(failure.what()));
     }
+    Update();
+}
+
+void TActionList::SetBlocked(bool blocked)
+{
+    FBlocked = blocked;
     Update();
 }
 

@@ -39,6 +39,9 @@ public:
     /// Runs an action that is bound and enabled. A failure of the collection is shown through OnFailure.
     void Trigger(const QString& name);
 
+    /// While it is blocked no action runs and all show as disabled.
+    void SetBlocked(bool blocked);
+
     /// Asks all rules anew and tells the views.
     void Update();
 
@@ -59,6 +62,7 @@ private:
     const TBinding* Find(const QString& name) const;
 
     std::vector<TBinding> FBindings;
+    bool FBlocked = false;
 };
 
 } // namespace Kestrune
