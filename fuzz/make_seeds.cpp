@@ -54,5 +54,12 @@ int main(int argc, char** argv)
         write("sniffer", std::string(seed.Reader) + seed.FileName, seed.Bytes);
     }
     WriteImages(write);
+    write("settings", "backup",
+          "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\C\\P]\r\n"
+          "\"A\"=dword:00000001\r\n\"B\"=\"x\"\r\n\"C\"=hex(1):41,00,0a,00,\\\r\n  00,00\r\n");
+    write("settings", "filter",
+          R"({"version":1,"status":"a","letter":"B","columns":{"No":">5"},"builder":{"any":true,"not":true,"criteria":)"
+          R"([{"column":"No","op":"between","value":[1,2],"text":"1"}],"groups":[{"criteria":[]}]}})");
+    write("settings", "layout", "v2|Artist:0,No:52,-Genre:0|Artist,-ReleaseYear|Genre");
     return 0;
 }

@@ -58,9 +58,11 @@ int TDetailDataset::RecordCount() const
 int TDetailDataset::RowOfKey(qint64 key) const
 {
     EnsureLoaded();
-    const auto id = static_cast<size_t>(FieldIndex(u"ID"_s));
-    const auto found =
-        std::ranges::find_if(FRecords, [&](const TRecord& record) { return record[id].toLongLong() == key; });
+    const int id = FieldIndex(u"ID"_s);
+    if (id < 0) // totals, which have no key
+        return -1;
+    const auto found = std::ranges::find_if(
+        FRecords, [&](const TRecord& record) { return record[static_cast<size_t>(id)].toLongLong() == key; });
     return found == FRecords.end() ? -1 : static_cast<int>(found - FRecords.begin());
 }
 

@@ -40,6 +40,8 @@ public:
     void Close();
     /// True when the index holds the whole collection.
     bool Ready() const { return FReady; }
+    /// True while the index is being built; built tells the end.
+    bool Building() const { return FBuilding; }
     /// How much of the building is done, 0 to 1.
     double Progress() const;
 

@@ -35,11 +35,13 @@ void TKRNMainForm::SearchEverything()
     const std::optional<std::vector<qint64>> hits = FIndex->Find(words);
     if (!hits) {
         FSearchWaits = true;
-        if (FIndexTimer.isActive()) {
+        if (!FIndex->Building()) { // not yet begun, or it failed before
             FIndexTimer.stop();
             FIndex->Open();
             if (FIndex->Ready())
                 return SearchEverything();
+            if (!FIndex->Building())
+                return IndexBuilt();
         }
         const int percent = static_cast<int>(FIndex->Progress() * 100.0);
         Q_EMIT barRaised(bkWarning, GetLanguageString(u"cSSearchIndexBuilding"_s).arg(percent),

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <QApplication>
 #include <QFont>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,8 @@ int main(int argc, char** argv)
 {
     ::testing::InitGoogleTest(&argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir cache; // nothing of a test stays in the cache of the user
+    qputenv("XDG_CACHE_HOME", cache.path().toUtf8());
     const QApplication application(argc, argv);
     QFont font(QStringList{QStringLiteral("DejaVu Sans")});
     font.setPixelSize(13);

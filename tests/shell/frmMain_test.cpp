@@ -1,16 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "uImportRun.h"
-#include "frmMain.h"
 #include "uFieldText.h"
-#include "uDefaults.h"
-#include "uScriptedPrompt.h"
+#include "uFormKit.h"
+#include "uImportRun.h"
 #include "uStartup.h"
-#include "uTestFiles.h"
 #include "uViewLayout.h"
 
 #include <QCoreApplication>
-#include <QEventLoop>
-#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -20,57 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-class MainForm : public testing::Test {
-protected:
-    MainForm() { Defaults() = MakeDefaults(); }
-
-    void OpenFilled()
-    {
-        FData.CreateNewDB(FPath, FData.GetNewDatabaseSQL());
-        Defaults().DBPath = FPath;
-        FForm.FormCreate({});
-        FForm.FormShow();
-        const std::tuple<QString, QString, QString, int> rows[] = {
-            {u"The Beatles"_s, u"Help"_s, u"In collection"_s, 1965},
-            {u"Abba"_s, u"Arrival"_s, u"Wanted item"_s, 1976},
-            {u"abc"_s, u"Lexicon"_s, u"In collection"_s, 1982},
-            {u"Zappa"_s, u"100% Zappa"_s, u"For sale"_s, 1979}};
-        for (const auto& [artist, name, status, year] : rows) {
-            TAlbumRelease release;
-            release.SetItem2(u"Artist"_s, artist);
-            release.SetItem2(u"ReleaseName"_s, name);
-            release.SetItem2(u"Status"_s, status);
-            release.SetItem2(u"ReleaseYear"_s, year);
-            release.SetItem2(u"MediaType"_s, u"CD"_s);
-            TAlbumTrack track;
-            track.TrackName = u"Song"_s;
-            track.DurationSec = 61;
-            release.Tracks = {track};
-            FData.AddAlbumReleaseToDB(release, true);
-        }
-    }
-    QStringList Shown()
-    {
-        QStringList names;
-        for (int row = 0; row < FData.qReleasesMain.RecordCount(); ++row)
-            names << FData.qReleasesMain.ValueAt(row, FData.qReleasesMain.FieldIndex(u"ReleaseName"_s)).toString();
-        return names;
-    }
-    // Serves the event loop until the signal comes.
-    template <typename TSignal>
-    void WaitFor(TSignal signal)
-    {
-        QEventLoop loop;
-        QObject::connect(&FForm, signal, &loop, &QEventLoop::quit);
-        loop.exec();
-    }
-
-    Kit::TTempDir FDir;
-    Kit::TScriptedPrompt FPrompt;
-    QString FPath = FDir.File(u"c.db"_s);
-    TDataModuleMain FData{FPrompt};
-    TKRNMainForm FForm{FData, FPrompt};
-};
+using MainForm = Kit::TMainFormTest;
 
 } // namespace
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include <QGuiApplication>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -7,6 +8,8 @@ int main(int argc, char** argv)
 {
     ::testing::InitGoogleTest(&argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir cache; // nothing of a test stays in the cache of the user
+    qputenv("XDG_CACHE_HOME", cache.path().toUtf8());
     const QGuiApplication application(argc, argv);
     return RUN_ALL_TESTS();
 }
