@@ -221,10 +221,16 @@ qint64 TDataModuleMain::RunQuery(const QString& sql, bool canWrite, const std::f
                                  const std::function<void(TSQLiteStatement& row, bool first)>& receive)
 {
     Q_ASSERT(OnMainThread());
+    // `progress` may serve events, and those read the collection: not on a connection within one of its steps.
+    TSQLiteConnection connection;
+    connection.Open(FConnection.Path(), FConnection.Mode());
+    connection.TextRules().Articles = FConnection.TextRules().Articles;
+    connection.Exec(u"PRAGMA foreign_keys = ON"_s);
     if (!canWrite)
-        return FConnection.RunScript(sql, false, progress, receive);
-    TSQLiteTransaction transaction(FConnection);
-    const qint64 changed = FConnection.RunScript(sql, true, progress, receive);
+        return connection.RunScript(sql, false, progress, receive);
+    connection.OnChange = FConnection.OnChange;
+    TSQLiteTransaction transaction(connection);
+    const qint64 changed = connection.RunScript(sql, true, progress, receive);
     transaction.Commit();
     return changed;
 }

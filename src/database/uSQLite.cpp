@@ -188,6 +188,7 @@ void TSQLiteConnection::Open(const QString& path, TSQLiteOpenMode mode)
     }
     FConnection = connection;
     FPath = path;
+    FMode = mode;
     struct stat info = {};
     if (::stat(TextToPath(path).c_str(), &info) == 0) {
         FDevice = info.st_dev;

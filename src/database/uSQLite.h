@@ -104,6 +104,7 @@ public:
     /// True when the file can only be read.
     bool IsReadOnly() const;
     QString Path() const { return FPath; }
+    TSQLiteOpenMode Mode() const { return FMode; }
     /// Throws when the file was removed or replaced while it is open: what is written now would be lost.
     void CheckFileIsThere() const;
     TTextRules& TextRules() { return FTextRules; }
@@ -143,6 +144,7 @@ private:
 
     sqlite3* FConnection = nullptr;
     QString FPath;
+    TSQLiteOpenMode FMode = somReadWrite;
     quint64 FDevice = 0; // of the file that was opened
     quint64 FInode = 0;
     TTextRules FTextRules;

@@ -151,7 +151,8 @@ void TMainWindow::ShowPage()
         FViews->setCurrentWidget(FNoHits);
     else
         FViews->setCurrentWidget(CurrentTable() ? static_cast<QWidget*>(CurrentTable()) : FTiles);
-    if (hadFocus)
+    // Another page takes the keyboard over; what has it within the same page keeps it, such as a field of the filter row.
+    if (hadFocus && !FViews->currentWidget()->isAncestorOf(QApplication::focusWidget()))
         FViews->currentWidget()->setFocus();
 }
 

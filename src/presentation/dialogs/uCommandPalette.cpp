@@ -44,7 +44,7 @@ void TCommandPalette::Fill(const QString& text)
         const QString name = QString::fromLatin1(def.Name);
         QAction* action = FActions.Find(name);
         const bool itself = name == "actCommandPalette"_L1;
-        if (!action || itself || !action->isVisible() || !action->isEnabled() || action->menu())
+        if (!action || itself || !action->isVisible())
             continue;
         const QString keys = action->shortcut().toString(QKeySequence::NativeText);
         const QString shown = FullCaptionOf(name) + (keys.isEmpty() ? QString() : u"   "_s + keys);
@@ -54,16 +54,33 @@ void TCommandPalette::Fill(const QString& text)
             continue;
         auto* item = new QListWidgetItem(action->icon(), shown, FList);
         item->setData(Qt::UserRole, name);
+        if (!action->isEnabled())
+            item->setFlags(Qt::NoItemFlags); // found, and seen not to be possible now
     }
-    FList->setCurrentRow(0);
+    FList->setCurrentRow(-1);
+    Step(1);
+}
+
+void TCommandPalette::Step(int direction)
+{
+    for (int row = FList->currentRow() + direction; row >= 0 && row < FList->count(); row += direction)
+        if (FList->item(row)->flags().testFlag(Qt::ItemIsEnabled))
+            return FList->setCurrentRow(row);
 }
 
 void TCommandPalette::Run()
 {
     const QListWidgetItem* item = FList->currentItem();
     QAction* action = item ? FActions.Find(item->data(Qt::UserRole).toString()) : nullptr;
+    if (!action || !action->isEnabled())
+        return;
     accept();
-    if (action) // once this window is gone, so that a window of the command stands over the main one
+    // Once this window is gone, so that a window or menu of the command stands over the main one.
+    if (QMenu* menu = action->menu())
+        QTimer::singleShot(0, menu, [menu, place = parentWidget()->mapToGlobal(parentWidget()->rect().center())] {
+            menu->popup(place);
+        });
+    else
         QTimer::singleShot(0, action, &QAction::trigger);
 }
 
@@ -72,10 +89,9 @@ bool TCommandPalette::eventFilter(QObject* watched, QEvent* event)
     if (event->type() != QEvent::KeyPress)
         return TDialog::eventFilter(watched, event);
     const auto* key = static_cast<QKeyEvent*>(event);
-    const int rows = FList->count();
     switch (key->key()) {
-    case Qt::Key_Down: FList->setCurrentRow(std::min(rows - 1, FList->currentRow() + 1)); return true;
-    case Qt::Key_Up: FList->setCurrentRow(std::max(0, FList->currentRow() - 1)); return true;
+    case Qt::Key_Down: Step(1); return true;
+    case Qt::Key_Up: Step(-1); return true;
     case Qt::Key_Return:
     case Qt::Key_Enter: Run(); return true;
     default: return TDialog::eventFilter(watched, event);

@@ -97,6 +97,8 @@ protected:
 
 private:
     void Fill(const QString& text);
+    /// To the next command that is possible now.
+    void Step(int direction);
     void Run();
 
     const TActionSet& FActions;

@@ -23,8 +23,10 @@ QWidget* TTableDelegate::createEditor(QWidget* parent, const QStyleOptionViewIte
     connect(editor, &TFieldEditor::moved, self, [self, editor](int direction) {
         self->Finish(editor, direction > 0 ? EditNextItem : EditPreviousItem);
     });
-    connect(editor, &TFieldEditor::cancelled, self,
-            [self, editor] { Q_EMIT self->closeEditor(editor, RevertModelCache); });
+    connect(editor, &TFieldEditor::cancelled, self, [self, editor] {
+        editor->setProperty("closing", true);
+        Q_EMIT self->closeEditor(editor, RevertModelCache);
+    });
     return editor;
 }
 

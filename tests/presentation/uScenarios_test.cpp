@@ -1,0 +1,538 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What users do with the main window, from the first key to what is in the file.
+#include "uScenario.h"
+
+#include "uActionSet.h"
+#include "uAlbumTable.h"
+#include "uDefaults.h"
+#include "uDetailPane.h"
+#include "uFieldEditor.h"
+#include "uFilterCell.h"
+#include "uFilterDialog.h"
+#include "uFindBar.h"
+#include "uListDialogs.h"
+#include "uOptionsWindow.h"
+#include "uReleasesModel.h"
+#include "uSQLWindow.h"
+#include "uTableHeader.h"
+#include "uTablePresets.h"
+#include "uTileView.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTableWidget>
+#include <QTest>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Scenario = Kit::TScenario;
+
+// Rows of a dialog that were replaced are gone only now.
+void LetDialogSettle()
+{
+    QApplication::processEvents();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+// Chooses an item as a user does: the signal tells that it was by hand.
+void Choose(QComboBox& box, const QString& text)
+{
+    const int index = box.findText(text);
+    ASSERT_GE(index, 0) << text.toStdString();
+    box.setCurrentIndex(index);
+    Q_EMIT box.activated(index);
+}
+
+QAbstractButton& Button(const QWidget& window, const QString& text)
+{
+    for (QAbstractButton* button : window.findChildren<QAbstractButton*>())
+        if (button->text() == text || button->accessibleName() == text)
+            return *button;
+    throw std::runtime_error("no button " + text.toStdString());
+}
+
+int ColumnOf(TAlbumTable& table, const QString& field) { return table.Groups().Source().ColumnOf(field); }
+
+void FocusCell(TAlbumTable& table, int row, const QString& field)
+{
+    table.setCurrentIndex(table.Groups().IndexOfRow(row, ColumnOf(table, field)));
+    table.setFocus();
+}
+
+QStringList ShownColumns(TAlbumTable& table)
+{
+    QStringList names;
+    for (int visual = 0; visual < table.Header()->count(); ++visual) {
+        const int column = table.Header()->logicalIndex(visual);
+        if (table.isColumnHidden(column))
+            continue;
+        const QString field = table.Groups().Source().FieldOf(column);
+        names << (field.isEmpty() ? u"ThumbPicture"_s : field); // the cover is no text
+    }
+    return names;
+}
+
+} // namespace
+
+TEST_F(Scenario, FiveViewsShareFocusSelectionAndFilters)
+{
+    Open(40);
+    EXPECT_EQ(State(), u"thumbs | Salt Atlas 000 | 1"_s);
+    Press(u"End"_s);
+    const std::pair<QString, QString> views[] = {{u"Shift+F2"_s, u"cards"_s},
+                                                 {u"Shift+F3"_s, u"shelf"_s},
+                                                 {u"Shift+F4"_s, u"albums"_s},
+                                                 {u"Shift+F1"_s, u"thumbs"_s}};
+    for (const auto& [keys, view] : views) {
+        Press(keys);
+        EXPECT_EQ(State(), view + u" | Salt Atlas 039 | 1"_s);
+        auto* shown = qobject_cast<QAbstractItemView*>(Window().Views()->currentWidget());
+        ASSERT_TRUE(shown);
+        EXPECT_TRUE(shown->viewport()->rect().intersects(shown->visualRect(shown->currentIndex())));
+        EXPECT_TRUE(shown->hasFocus()) << "the keyboard goes along";
+    }
+    Form().LetterClick(u"I"_s);
+    Settle();
+    for (const auto& [keys, view] : views) {
+        Press(keys);
+        EXPECT_EQ(Rows().size(), 20);
+        EXPECT_EQ(State(), view + u" | Salt Atlas 000 | 1"_s) << "the focused release was filtered out";
+    }
+    Press(u"Shift+F4"_s);
+    Press(u"Ctrl+A"_s);
+    Press(u"Shift+F2"_s);
+    EXPECT_EQ(State(), u"cards | Salt Atlas 000 | 20"_s);
+    Press(u"Shift+F5"_s);
+    EXPECT_EQ(State(), u"tracks | Song 1 of 000 | 1"_s) << "the first track of the focused release";
+    EXPECT_EQ(Rows().size(), 120) << "tracks have filters of their own";
+    Press(u"End"_s);
+    EXPECT_EQ(State(), u"tracks | Song 3 of 039 | 1"_s);
+    Do("actThumbView");
+    EXPECT_EQ(Chips().size(), 1);
+}
+
+TEST_F(Scenario, EveryActionRunsInEveryView)
+{
+    Open(6);
+    FPrompt.YesNoAnswer = false; // nothing is removed or made anew, no file is chosen
+    QTimer closer;               // whatever opens is closed again
+    QObject::connect(&closer, &QTimer::timeout, &Window(), [] {
+        if (auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget()))
+            dialog->reject();
+        else if (QWidget* popup = QApplication::activePopupWidget())
+            popup->close();
+    });
+    closer.start(20);
+    const QSet<QString> leftOut{u"actExit"_s, u"actImport"_s, u"actQuickPrint"_s, u"actToggleDebug"_s};
+    int run = 0;
+    for (const char* view : {"actThumbView", "actCardsView", "actShelveView", "actAlbumTableView", "actTracksView"}) {
+        for (const TActionDef& def : ActionDefs()) {
+            Do(view);
+            QAction* action = Window().Actions().Find(QString::fromLatin1(def.Name));
+            if (leftOut.contains(QString::fromLatin1(def.Name)) || !action->isEnabled())
+                continue;
+            SCOPED_TRACE(std::string(view) + " " + def.Name);
+            action->trigger();
+            QApplication::processEvents();
+            EXPECT_TRUE(Window().isVisible());
+            EXPECT_FALSE(Form().Working());
+            ++run;
+        }
+    }
+    EXPECT_GT(run, 200);
+    EXPECT_EQ(InFile(u"SELECT count(*) FROM Tracks2"_s).toInt() % 3, 0);
+    EXPECT_EQ(InFile(u"PRAGMA integrity_check"_s), u"ok"_s);
+}
+
+TEST_F(Scenario, ACellIsEditedInItsPlace)
+{
+    Open(5);
+    Do("actAlbumTableView");
+    if (!Form().InPlaceEditing())
+        Do("actToggleGridEditMode");
+    FocusCell(*Window().Table(), 2, u"ReleaseYear"_s);
+    Press(u"F2"_s);
+    Type(u"19x"_s);
+    Press(u"Return"_s);
+    EXPECT_TRUE(Window().Table()->findChild<TFieldEditor*>()) << "what is no year stays in its editor";
+    EXPECT_EQ(InFile(u"SELECT ReleaseYear FROM Releases2 WHERE ID = 3"_s), u"1962"_s);
+    Press(u"Ctrl+A"_s);
+    Type(u"1999"_s);
+    Press(u"Return"_s);
+    EXPECT_EQ(InFile(u"SELECT ReleaseYear FROM Releases2 WHERE ID = 3"_s), u"1999"_s);
+    FocusCell(*Window().Table(), 2, u"Artist"_s);
+    Press(u"F2"_s);
+    Type(u"dropped"_s);
+    Press(u"Esc"_s);
+    EXPECT_EQ(InFile(u"SELECT Artist FROM Releases2 WHERE ID = 3"_s), u"Ilva Marren"_s);
+    Do("actTracksView");
+    if (!Form().InPlaceEditing())
+        Do("actToggleGridEditMode");
+    FocusCell(*Window().Tracks(), 1, u"TrackLength"_s);
+    Press(u"F2"_s);
+    Type(u"4:05"_s);
+    Press(u"Return"_s);
+    EXPECT_EQ(InFile(u"SELECT round(TrackLength * 86400) FROM Tracks2 WHERE ID = 2"_s).toDouble(), 245.0);
+}
+
+TEST_F(Scenario, AnEditThatTheFileRefusesStaysInItsEditor)
+{
+    Open(3);
+    Do("actAlbumTableView");
+    if (!Form().InPlaceEditing())
+        Do("actToggleGridEditMode");
+    TSQLiteConnection other;
+    other.Open(FPath);
+    other.Exec(u"BEGIN IMMEDIATE"_s);
+    FocusCell(*Window().Table(), 0, u"Artist"_s);
+    Press(u"F2"_s);
+    Press(u"Ctrl+A"_s);
+    Type(u"New name"_s);
+    Press(u"Return"_s);
+    EXPECT_EQ(Bars().size(), 1);
+    auto* editor = Window().Table()->findChild<TFieldEditor*>();
+    ASSERT_TRUE(editor) << "what was typed is not lost";
+    EXPECT_EQ(editor->Value(), std::optional<TVariant>(u"New name"_s));
+    other.Exec(u"ROLLBACK"_s);
+    Press(u"Return"_s);
+    EXPECT_EQ(InFile(u"SELECT Artist FROM Releases2 WHERE ID = 1"_s), u"New name"_s);
+}
+
+TEST_F(Scenario, GroupsFoldAndStayOverARestart)
+{
+    Open(9);
+    Do("actAlbumTableView");
+    TAlbumTable& table = *Window().Table();
+    Form().SetGrouping({u"Genre"_s});
+    Settle();
+    EXPECT_EQ(table.Groups().rowCount(), 3);
+    EXPECT_EQ(Form().StatusFigures().Groups, 3);
+    Do("actCollapseAll");
+    EXPECT_FALSE(table.isExpanded(table.model()->index(0, 0)));
+    Do("actExpandAll");
+    EXPECT_TRUE(table.isExpanded(table.model()->index(2, 0)));
+    EXPECT_EQ(Rows().mid(0, 3), (QStringList{u"Salt Atlas 001"_s, u"Salt Atlas 004"_s, u"Salt Atlas 007"_s}));
+    Reopen();
+    EXPECT_EQ(Window().Table()->Groups().rowCount(), 3);
+    EXPECT_TRUE(State().startsWith(u"albums | "_s));
+    Form().SetGrouping({});
+    Settle();
+    EXPECT_EQ(Window().Table()->Groups().rowCount(), 9);
+}
+
+TEST_F(Scenario, TheFilterRowFiltersWhileTyping)
+{
+    Open(30);
+    Do("actAlbumTableView");
+    Press(u"F6"_s);
+    TTableHeader& header = *Window().Table()->Header();
+    ASSERT_TRUE(header.FilterRowShown());
+    TFilterCell* cell = header.FilterCell(ColumnOf(*Window().Table(), u"ReleaseYear"_s));
+    ASSERT_TRUE(cell);
+    cell->setFocus();
+    Type(u"1985..1987"_s);
+    Press(u"Return"_s);
+    EXPECT_EQ(Rows().size(), 3);
+    ASSERT_EQ(Chips().size(), 1);
+    Press(u"Ctrl+A"_s);
+    Type(u"many"_s);
+    Press(u"Return"_s);
+    EXPECT_TRUE(cell->IsWrong());
+    EXPECT_EQ(Rows().size(), 30);
+    Press(u"Esc"_s);
+    Press(u"Esc"_s);
+    EXPECT_TRUE(Window().Table()->hasFocus());
+    Press(u"F6"_s);
+    EXPECT_FALSE(header.FilterRowShown());
+}
+
+TEST_F(Scenario, TheFindPanelWalksFromHitToHit)
+{
+    Open(30);
+    Do("actAlbumTableView");
+    Press(u"Ctrl+F"_s);
+    ASSERT_TRUE(Window().FindBar()->isVisible());
+    QSignalSpy typed(Window().FindBar(), &TFindBar::textChanged);
+    Type(u"02"_s); // 002 and 020 to 029
+    ASSERT_TRUE(typed.wait(2000));
+    Settle();
+    EXPECT_EQ(State(), u"albums | Salt Atlas 002 | 1"_s);
+    Press(u"Return"_s);
+    EXPECT_EQ(State(), u"albums | Salt Atlas 020 | 1"_s);
+    Press(u"Shift+Return"_s);
+    Press(u"Shift+Return"_s);
+    EXPECT_EQ(State(), u"albums | Salt Atlas 029 | 1"_s) << "round the end";
+    EXPECT_EQ(Rows().size(), 30) << "finding is no filter";
+    Press(u"Esc"_s);
+    EXPECT_FALSE(Window().FindBar()->isVisible());
+    EXPECT_TRUE(Window().Table()->hasFocus());
+}
+
+TEST_F(Scenario, TheSortWindowSortsByItsLevels)
+{
+    Open(6);
+    Do("actAlbumTableView");
+    InDialog("actSort", [](QDialog& dialog) {
+        auto boxes = dialog.findChildren<QComboBox*>();
+        ASSERT_EQ(boxes.size(), 2) << "one level to begin with";
+        Choose(*boxes[0], u"Artist"_s);
+        Choose(*boxes[1], u"Descending"_s);
+        Button(dialog, u"Add level"_s).click();
+        LetDialogSettle();
+        boxes = dialog.findChildren<QComboBox*>();
+        ASSERT_EQ(boxes.size(), 4);
+        Choose(*boxes[2], u"Artist"_s);
+        dialog.accept();
+        EXPECT_TRUE(dialog.isVisible()) << "a column twice is refused";
+        Choose(*boxes[2], u"Release year"_s);
+        Choose(*boxes[3], u"Descending"_s);
+        dialog.accept();
+        EXPECT_FALSE(dialog.isVisible());
+    });
+    EXPECT_EQ(Rows(), (QStringList{u"Salt Atlas 005"_s, u"Salt Atlas 003"_s, u"Salt Atlas 001"_s, u"Salt Atlas 004"_s,
+                                   u"Salt Atlas 002"_s, u"Salt Atlas 000"_s}));
+    EXPECT_EQ(Window().Table()->Header()->SortMarks().size(), 2u);
+    Do("actClearSorting");
+    EXPECT_EQ(Rows().front(), u"Salt Atlas 000"_s);
+}
+
+TEST_F(Scenario, TheFilterBuilderBuildsWhatItSays)
+{
+    Open(30);
+    InDialog("actAdvancedSearch", [](QDialog& dialog) {
+        auto* group = dialog.findChild<TFilterGroupBox*>();
+        ASSERT_TRUE(group);
+        auto* row = dialog.findChild<TFilterRow*>();
+        if (!row)
+            row = group->AddRow();
+        auto boxes = row->findChildren<QComboBox*>();
+        Choose(*boxes[0], u"Release year"_s);
+        Choose(*boxes[1], u"is at least"_s);
+        auto* editor = row->findChild<TFieldEditor*>();
+        ASSERT_TRUE(editor);
+        editor->Begin();
+        QTest::keyClicks(editor->Input(), u"nineteen"_s);
+        dialog.accept();
+        EXPECT_TRUE(dialog.isVisible()) << "no number";
+        editor->SetValue(1985);
+        dialog.accept();
+    });
+    EXPECT_EQ(Rows().size(), 5);
+    ASSERT_EQ(Chips().size(), 1);
+    EXPECT_TRUE(Chips()[0].contains(u"Release year is at least 1985"_s)) << Chips()[0].toStdString();
+    InDialog("actAdvancedSearch", [](QDialog& dialog) {
+        const auto node = dialog.findChild<TFilterGroupBox*>()->Node();
+        ASSERT_TRUE(node);
+        ASSERT_EQ(node->Criteria.size(), 1u) << "the builder shows what is in force";
+        EXPECT_EQ(node->Criteria[0].Op, foGreaterOrEqual);
+    });
+    Reopen();
+    EXPECT_EQ(Rows().size(), 30) << "a filter ends with the program unless it was saved";
+}
+
+TEST_F(Scenario, MultiEditChangesTheSelectedRows)
+{
+    Open(6);
+    Do("actAlbumTableView");
+    FocusCell(*Window().Table(), 1, u"Artist"_s);
+    Press(u"Shift+Down"_s);
+    InDialog("actMultiEdit", [](QDialog& dialog) {
+        Choose(*dialog.findChild<QComboBox*>(), u"Label"_s);
+        LetDialogSettle();
+        auto* editor = dialog.findChild<TFieldEditor*>();
+        ASSERT_TRUE(editor);
+        editor->Begin();
+        QTest::keyClicks(editor->Input(), u"Blue Lamp"_s);
+        dialog.accept();
+    });
+    EXPECT_EQ(InFile(u"SELECT group_concat(ID) FROM Releases2 WHERE Label = 'Blue Lamp'"_s), u"2,3"_s);
+}
+
+TEST_F(Scenario, SQLShowsItsRowsAndWritesOnlyWhenAllowed)
+{
+    Open(4);
+    InDialog("actExecSQL", [this](QDialog& dialog) {
+        auto* sql = dialog.findChild<QPlainTextEdit*>();
+        auto* grid = dialog.findChild<QTableWidget*>();
+        sql->setPlainText(u"SELECT ReleaseName, ID FROM Releases2 ORDER BY ID DESC"_s);
+        QTest::keyClick(sql, Qt::Key_Return, Qt::ControlModifier);
+        ASSERT_EQ(grid->rowCount(), 4);
+        EXPECT_EQ(grid->item(0, 0)->text(), u"Salt Atlas 003"_s);
+        sql->setPlainText(u"DELETE FROM Releases2 WHERE ID = 1"_s);
+        QTest::keyClick(sql, Qt::Key_Return, Qt::ControlModifier);
+        EXPECT_EQ(InFile(u"SELECT count(*) FROM Releases2"_s), u"4"_s);
+        dialog.findChild<QCheckBox*>()->click();
+        QTest::keyClick(sql, Qt::Key_Return, Qt::ControlModifier);
+        EXPECT_EQ(InFile(u"SELECT count(*) FROM Releases2"_s), u"3"_s);
+        // A statement that never ends serves the window and stops with Esc.
+        sql->setPlainText(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n) SELECT count(*) FROM n"_s);
+        QTimer::singleShot(50, &dialog, [&dialog] {
+            QApplication::activeModalWidget()->parentWidget()->repaint(); // reads the collection meanwhile
+            QTest::keyClick(&dialog, Qt::Key_Escape);
+        });
+        QTest::keyClick(sql, Qt::Key_Return, Qt::ControlModifier);
+        EXPECT_TRUE(dialog.isVisible()) << "the first Esc ends the statement alone";
+    });
+    EXPECT_EQ(Rows().size(), 3) << "the window follows";
+}
+
+TEST_F(Scenario, ThePaletteFindsAndRunsCommands)
+{
+    Open(4);
+    InDialog("actCommandPalette", [](QDialog& dialog) {
+        auto* search = dialog.findChild<QLineEdit*>();
+        auto* list = dialog.findChild<QListWidget*>();
+        const int all = list->count();
+        EXPECT_GT(all, 40);
+        QTest::keyClicks(search, u"album view"_s);
+        EXPECT_LT(list->count(), all);
+        QTest::keyClick(search, Qt::Key_Return);
+    });
+    Settle();
+    EXPECT_TRUE(State().startsWith(u"albums"_s)) << State().toStdString();
+}
+
+TEST_F(Scenario, OptionsActWhenTheyAreTaken)
+{
+    Open(3);
+    FPrompt.YesNoAnswer = false;
+    ASSERT_FALSE(Defaults().MP3ScanOtherImages);
+    const auto change = [](QDialog& dialog) {
+        for (QCheckBox* box : dialog.findChildren<QCheckBox*>())
+            if (box->text() == u"Take other pictures"_s)
+                box->setChecked(true);
+    };
+    InDialog("actOptions", change);
+    EXPECT_FALSE(Defaults().MP3ScanOtherImages) << "cancelled";
+    InDialog("actOptions", [&](QDialog& dialog) {
+        change(dialog);
+        dialog.accept();
+    });
+    EXPECT_TRUE(Defaults().MP3ScanOtherImages);
+}
+
+TEST_F(Scenario, SuggestionListsReachTheirEditors)
+{
+    Open(3);
+    InDialog("actEditStatuses", [](QDialog& dialog) {
+        dialog.findChild<QPlainTextEdit*>()->appendPlainText(u"On its way"_s);
+        dialog.accept();
+    });
+    EXPECT_TRUE(Form().StatusItems().contains(u"On its way"_s));
+}
+
+TEST_F(Scenario, CellsAndRowsGoToTheClipboard)
+{
+    Open(4);
+    Do("actAlbumTableView");
+    ShowColumns(*Window().Table(), {u"Artist"_s, u"ReleaseName"_s});
+    FocusCell(*Window().Table(), 1, u"Artist"_s);
+    Press(u"Ctrl+C"_s);
+    EXPECT_EQ(QApplication::clipboard()->text(), u"Northern Kiln"_s);
+    Press(u"Shift+Down"_s);
+    Press(u"Ctrl+Shift+C"_s);
+    EXPECT_EQ(QApplication::clipboard()->text(),
+              u"Artist\tRelease name\nNorthern Kiln\tSalt Atlas 001\nIlva Marren\tSalt Atlas 002\n"_s);
+    EXPECT_TRUE(QApplication::clipboard()->mimeData()->html().contains(u"<td>Salt Atlas 002</td>"_s));
+}
+
+TEST_F(Scenario, AnExportHoldsTheColumnsOfTheView)
+{
+    Open(4);
+    Do("actAlbumTableView");
+    ShowColumns(*Window().Table(), {u"ReleaseName"_s, u"Artist"_s});
+    Form().SetSort({{u"ReleaseName"_s, true}});
+    Form().SetColumnFilter(u"Artist"_s, u"kiln"_s);
+    FPrompt.FileAnswer = FDir.File(u"out.csv"_s);
+    Do("actExportToCSV");
+    EXPECT_EQ(Kit::ReadAll(FPrompt.FileAnswer).toStdString(),
+              "Release name,Artist\r\nSalt Atlas 003,Northern Kiln\r\nSalt Atlas 001,Northern Kiln\r\n");
+    FPrompt.FileAnswer = FDir.Path() + u"/no folder/out.csv"_s;
+    Do("actExportToCSV");
+    EXPECT_EQ(Bars().size(), 2);
+}
+
+TEST_F(Scenario, PresetsShapeTheTable)
+{
+    Open(6);
+    for (const TTableViewCustomizationConf& preset : TablePresets()) {
+        SCOPED_TRACE(preset.Name);
+        Do(preset.OfTracks ? "actTracksView" : "actAlbumTableView");
+        TAlbumTable& table = preset.OfTracks ? *Window().Tracks() : *Window().Table();
+        preset.Apply(table, Form());
+        Settle();
+        EXPECT_EQ(ShownColumns(table).join(u' ').toStdString(), preset.VisibleColumns.join(u' ').toStdString())
+            << "every column of a preset is there";
+        EXPECT_EQ(Form().List().Grouping(), preset.GroupedColumns);
+        EXPECT_EQ(Form().List().Sort().size(), static_cast<size_t>(preset.SortedColumns.size()));
+    }
+}
+
+TEST_F(Scenario, TheTracksViewKeepsALayoutOfItsOwn)
+{
+    Open(4);
+    Do("actAlbumTableView");
+    ShowColumns(*Window().Table(), {u"ReleaseName"_s, u"Genre"_s});
+    Do("actTracksView");
+    ShowColumns(*Window().Tracks(), {u"TrackTitle"_s, u"ReleaseName"_s});
+    Form().SetSort({{u"TrackTitle"_s, true}});
+    Form().SetColumnFilter(u"TrackTitle"_s, u"song 1"_s);
+    Form().SaveFilter(u"firsts"_s);
+    Reopen();
+    EXPECT_EQ(State().section(u' ', 0, 0), u"tracks"_s);
+    EXPECT_EQ(ShownColumns(*Window().Tracks()), (QStringList{u"TrackTitle"_s, u"ReleaseName"_s}));
+    EXPECT_EQ(ShownColumns(*Window().Table()), (QStringList{u"ReleaseName"_s, u"Genre"_s}));
+    EXPECT_EQ(Rows().front(), u"Song 3 of 003"_s);
+    Form().RecallFilter(u"firsts"_s);
+    EXPECT_EQ(Rows().size(), 4);
+}
+
+TEST_F(Scenario, ThePaneEditsByKeyboardInAllItsPlaces)
+{
+    Open(4);
+    int year = 1900;
+    for (const char* place : {"actDetailPanelRight", "actDetailPanelBottom", "actDetailPanelTop"}) {
+        Do(place);
+        EXPECT_TRUE(Window().Pane()->isVisible());
+        Window().Pane()->EditField(u"ReleaseYear"_s);
+        auto* editor = Window().Pane()->findChild<TFieldEditor*>();
+        ASSERT_TRUE(editor) << place;
+        Press(u"Ctrl+A"_s);
+        Type(QString::number(++year));
+        Press(u"Return"_s);
+        EXPECT_EQ(InFile(u"SELECT ReleaseYear FROM Releases2 WHERE ID = 1"_s), QString::number(year)) << place;
+    }
+    Do("actHideDetailPanel");
+    EXPECT_FALSE(Window().Pane()->isVisible());
+}
+
+TEST_F(Scenario, LayoutsOfAnotherVersionAreLeftAside)
+{
+    Open(3, [] {
+        for (const QString& key : {u"AlbumView.Layout"_s, u"TracksView.Layout"_s, u"SavedFilters"_s, u"VG.HiddenFields"_s})
+            SettingsStore().WriteString(key, {}, u"v99|x"_s);
+        Defaults().CurrentView = 4;
+    });
+    EXPECT_EQ(State(), u"tracks | Song 1 of 000 | 1"_s);
+    EXPECT_GT(ShownColumns(*Window().Tracks()).size(), 3);
+    EXPECT_TRUE(Form().SavedFilters().empty());
+}
+
+} // namespace Kestrune
