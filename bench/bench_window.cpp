@@ -15,6 +15,7 @@
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QScrollBar>
+#include <QStackedWidget>
 
 #include <algorithm>
 #include <memory>
@@ -130,6 +131,58 @@ void MeasureFilters(TOpenWindow& open)
     Bench::Report(u"paint of the window alone"_s, 5, [&] { open.Window->grab(); });
 }
 
+// A switch between views with the first paint of the new one; tracks are opened by the first switch to them.
+void MeasureSwitches(TOpenWindow& open)
+{
+    const std::pair<TMainView, QString> views[] = {
+        {mvCards, u"cards"_s}, {mvShelf, u"shelf"_s}, {mvAlbums, u"albums"_s}, {mvThumbs, u"thumbs"_s}};
+    for (const auto& [view, name] : views) {
+        std::vector<double> times;
+        for (int i = 0; i < 5; ++i) {
+            open.Form.SetCurrentView(view == mvThumbs ? mvAlbums : mvThumbs);
+            open.Window->grab();
+            times.push_back(Bench::Measure([&] {
+                open.Form.SetCurrentView(view);
+                open.Window->grab();
+            }));
+        }
+        const auto [least, most] = std::ranges::minmax(times);
+        Bench::Print(u"switch to %1, painted: %2 (%3 to %4) ms"_s.arg(name)
+                         .arg(Bench::Median(times), 0, 'f', 0)
+                         .arg(least, 0, 'f', 0)
+                         .arg(most, 0, 'f', 0));
+    }
+    Bench::Report(u"first switch to all tracks, painted"_s, 1, [&] {
+        open.Form.SetCurrentView(mvTracks);
+        open.Window->grab();
+    });
+}
+
+void PrintMemory(const QString& when)
+{
+    const Bench::TMemory memory = Bench::ResidentMemory();
+    Bench::Print(u"resident %1: %2 MiB, %3 MiB of it not file pages"_s.arg(when)
+                     .arg(memory.Total, 0, 'f', 0)
+                     .arg(memory.Anonymous, 0, 'f', 0));
+}
+
+// From the first cover to the last one, as somebody does who leans on Page Down.
+void MeasureAllCovers(TOpenWindow& open)
+{
+    QAbstractItemView& view = *open.Window->Tiles();
+    QScrollBar& bar = *view.verticalScrollBar();
+    QImage image(view.viewport()->size(), QImage::Format_ARGB32_Premultiplied);
+    const double time = Bench::Measure([&] {
+        for (int at = 0; at <= bar.maximum(); at += view.viewport()->height()) {
+            bar.setValue(at);
+            view.viewport()->render(&image);
+            QCoreApplication::processEvents();
+        }
+    });
+    Bench::Print(u"through all covers in %1 s"_s.arg(time / 1000.0, 0, 'f', 1));
+    PrintMemory(u"after all covers"_s);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -141,13 +194,20 @@ int main(int argc, char** argv)
         return PrintFirstPaint(arguments.value(2));
     MeasureStart(arguments.value(1), arguments.value(2, u"7"_s).toInt());
     TOpenWindow open(arguments.value(1));
-    MeasureScrolling(u"thumbs"_s, *open.Window->Tiles(), 1000);
+    const auto scroll = [&](TMainView view, const QString& name) {
+        open.Form.SetCurrentView(view);
+        QCoreApplication::processEvents();
+        MeasureScrolling(name, *qobject_cast<QAbstractItemView*>(open.Window->Views()->currentWidget()), 1000);
+    };
+    scroll(mvThumbs, u"thumbs"_s);
+    MeasureAllCovers(open);
+    scroll(mvCards, u"cards"_s);
+    scroll(mvShelf, u"shelf"_s);
+    scroll(mvAlbums, u"album table"_s);
+    open.Form.SetCurrentView(mvThumbs);
     MeasureFilters(open);
-    open.Form.SetCurrentView(mvAlbums);
-    QCoreApplication::processEvents();
-    MeasureScrolling(u"album table"_s, *open.Window->Table(), 1000);
-    const Bench::TMemory memory = Bench::ResidentMemory();
-    Bench::Print(u"resident at the end: %1 MiB, %2 MiB of it not file pages"_s.arg(memory.Total, 0, 'f', 0)
-                     .arg(memory.Anonymous, 0, 'f', 0));
+    MeasureSwitches(open);
+    scroll(mvTracks, u"tracks"_s);
+    PrintMemory(u"at the end"_s);
     return 0;
 }

@@ -8,6 +8,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr qsizetype ReleaseReach = 4 * 4096; // bytes of the file that reading a release with its tracks touches
+
 // The texts of a table's rows in one string, wherever they have any.
 QString TextsOf(std::span<const TColumnDef> columns, const QString& alias, const QStringList& leftOut)
 {
@@ -45,6 +47,7 @@ std::vector<TSearchText> TDataModuleMain::ReadSearchTexts(qint64 after, int coun
     while (statement.Step())
         texts.push_back({statement.ColumnInt64(0), VarToStr(statement.Column(1))});
     statement.Reset();
+    FConnection.NoteRead(static_cast<qsizetype>(texts.size()) * ReleaseReach);
     return texts;
 }
 

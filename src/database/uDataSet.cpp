@@ -142,9 +142,12 @@ QByteArray TDataset::ReadBlob(int row, int field) const
     if (key == 0 || field < 0)
         return {};
     const TFieldDef& def = FDef.Fields[static_cast<size_t>(field)];
-    return FConnection
-        .Scalar(u"SELECT %1 FROM %2 WHERE %3 = ?"_s.arg(def.Expression, FDef.From, FDef.KeyExpression), {key})
-        .toByteArray();
+    const QByteArray bytes =
+        FConnection
+            .Scalar(u"SELECT %1 FROM %2 WHERE %3 = ?"_s.arg(def.Expression, FDef.From, FDef.KeyExpression), {key})
+            .toByteArray();
+    FConnection.NoteRead(bytes.size());
+    return bytes;
 }
 
 void TDataset::SetValue(int field, const TVariant& value)

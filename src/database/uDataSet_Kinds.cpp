@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDataSet.h"
+#include "uKeyOrder.h"
 
 #include <QSet>
 
@@ -13,6 +14,7 @@ namespace {
 
 constexpr int CachedRecords = 2000;
 constexpr int BlockSize = 48;
+constexpr qsizetype RecordReach = 2 * 4096; // bytes of the file that reading one record touches
 constexpr size_t KnownOrders = 4;
 constexpr size_t KnownKeys = 4'000'000; // over all known orders
 
@@ -267,22 +269,42 @@ void TListDataset::ReadKeys()
         ReadGroupedKeys(condition, values);
         return;
     }
-    QString sql = u"SELECT %1 FROM %2"_s.arg(Def().KeyExpression, Def().From);
+    QString rest = u" FROM %1"_s.arg(Def().From);
     if (!condition.isEmpty())
-        sql += u" WHERE "_s + condition;
+        rest += u" WHERE "_s + condition;
     const QString order = SortToSQL(FSort, Fields(), FArticleColumns, Def().KeyExpression);
-    // Without a sort the keys are put in order here: that leaves the engine free to walk the smallest index.
-    const bool sortHere = order == Def().KeyExpression;
-    if (!sortHere)
-        sql += u" ORDER BY "_s + order;
+    const QString sql = u"SELECT %1%2 ORDER BY %3"_s.arg(Def().KeyExpression, rest, order);
     if (TakeKnownOrder(sql, values))
         return;
-    TSQLiteStatement statement = Connection().Prepare(sql);
-    statement.BindAll(values);
-    while (statement.Step())
-        FKeys.push_back(statement.ColumnInt64(0));
-    if (sortHere)
-        std::ranges::sort(FKeys);
+    // Without ORDER BY the engine is free to walk the smallest index; the order is made here, quicker than by its sorter.
+    QStringList columns{Def().KeyExpression};
+    std::vector<bool> descending;
+    for (const TSortItem& item : FSort) {
+        const QString expression = SortExpression(item.Column, Fields(), FArticleColumns);
+        if (expression.isEmpty())
+            continue;
+        columns << expression;
+        descending.push_back(item.Descending);
+    }
+    if (order.contains(" COLLATE "_L1)) { // an order of the engine's own
+        TSQLiteStatement statement = Connection().Prepare(sql);
+        statement.BindAll(values);
+        while (statement.Step())
+            FKeys.push_back(statement.ColumnInt64(0));
+    } else {
+        TKeyOrder keyOrder(std::move(descending));
+        TSQLiteStatement statement = Connection().Prepare(u"SELECT "_s + columns.join(u", "_s) + rest);
+        statement.BindAll(values);
+        if (columns.size() > 1) {
+            while (statement.Step())
+                keyOrder.Add(statement);
+            FKeys = keyOrder.Take();
+        } else {
+            while (statement.Step())
+                FKeys.push_back(statement.ColumnInt64(0));
+            std::ranges::sort(FKeys);
+        }
+    }
     KeepOrder(sql, values);
 }
 
@@ -439,6 +461,7 @@ void TListDataset::ReadBlock(int row) const
         // A row that another process deleted meanwhile stays an empty record until the next refresh.
         FCache.insert(key, new TRecord(statement.Step() ? ReadRecord(statement) : TRecord()));
         statement.Reset();
+        Connection().NoteRead(RecordReach);
     }
 }
 

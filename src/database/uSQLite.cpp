@@ -20,6 +20,7 @@ namespace {
 
 constexpr size_t MaxCachedStatements = 200;
 constexpr qint64 MapSize = 0x7fff0000; // the most that the engine maps
+constexpr qsizetype ReadBetweenReleases = 32 * 1024 * 1024;
 
 [[noreturn]] void ThrowEngineError(sqlite3* connection, int code, const QString& what)
 {
@@ -152,6 +153,21 @@ qint64 TSQLiteStatement::ColumnInt64(int column) const { return sqlite3_column_i
 bool TSQLiteStatement::ColumnIsNull(int column) const
 {
     return sqlite3_column_type(FStatement.get(), column) == SQLITE_NULL;
+}
+
+bool TSQLiteStatement::ColumnIsNumber(int column) const
+{
+    const int type = sqlite3_column_type(FStatement.get(), column);
+    return type == SQLITE_INTEGER || type == SQLITE_FLOAT;
+}
+
+double TSQLiteStatement::ColumnDouble(int column) const { return sqlite3_column_double(FStatement.get(), column); }
+
+std::string_view TSQLiteStatement::ColumnBytes(int column) const
+{
+    // The bytes before their number: asking for the text may convert the value.
+    const auto* bytes = static_cast<const char*>(sqlite3_column_blob(FStatement.get(), column));
+    return {bytes, static_cast<size_t>(sqlite3_column_bytes(FStatement.get(), column))};
 }
 
 bool TSQLiteStatement::ColumnEquals(int column, const TVariant& value) const
@@ -296,8 +312,16 @@ qint64 TSQLiteConnection::ChangeStamp()
     return version * (qint64{1} << 40) + sqlite3_total_changes64(FConnection);
 }
 
+void TSQLiteConnection::NoteRead(qsizetype bytes)
+{
+    FReadThroughMap += bytes;
+    if (FReadThroughMap > ReadBetweenReleases)
+        ReleaseFileMap();
+}
+
 void TSQLiteConnection::ReleaseFileMap()
 {
+    FReadThroughMap = 0;
     if (FConnection)
         Exec(u"PRAGMA mmap_size = 0; PRAGMA mmap_size = %1"_s.arg(MapSize));
 }

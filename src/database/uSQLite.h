@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <stdexcept>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -61,6 +62,10 @@ public:
     TVariant Column(int column) const;
     qint64 ColumnInt64(int column) const;
     bool ColumnIsNull(int column) const;
+    bool ColumnIsNumber(int column) const;
+    double ColumnDouble(int column) const;
+    /// Text or blob as bytes, valid until the next step.
+    std::string_view ColumnBytes(int column) const;
     QByteArray ColumnBlob(int column) const;
     /// Whether Column() would give this value, without making it where it is a blob.
     bool ColumnEquals(int column, const TVariant& value) const;
@@ -135,6 +140,9 @@ public:
     void BackupTo(const QString& path);
     /// Gives the pages of the file map back to the system; they are mapped again when they are next looked at.
     void ReleaseFileMap();
+    /// Tells of so many bytes that were read here and there: once many have come together the map is given back, so that
+    /// a walk through a large file does not keep all of it in memory.
+    void NoteRead(qsizetype bytes);
 
 private:
     struct TStringHash {
@@ -145,6 +153,7 @@ private:
     sqlite3* FConnection = nullptr;
     QString FPath;
     TSQLiteOpenMode FMode = somReadWrite;
+    qsizetype FReadThroughMap = 0;
     quint64 FDevice = 0; // of the file that was opened
     quint64 FInode = 0;
     TTextRules FTextRules;

@@ -155,7 +155,7 @@ TEST_F(ListDataset, WalkingGivesEveryRowInOrderAndStops)
 {
     FillSix();
     Main().SetGrouping({u"Genre"_s});
-    const std::vector<int> fields{Main().FieldIndex(u"ReleaseName"_s), Main().FieldIndex(u"TracksCount"_s),
+    const std::vector<int> fields{Main().FieldIndex(u"ReleaseName"_s), Main().FieldIndex(u"TotalTracksCount"_s),
                                   Main().FieldIndex(u"Rating_Calc"_s)};
     QStringList names;
     Main().WalkRows(fields, [&](int row, const std::vector<TVariant>& values) {

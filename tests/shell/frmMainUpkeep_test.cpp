@@ -247,7 +247,7 @@ TEST_F(Upkeep, TracksAreEditedAndRemovedInTheirView)
     EXPECT_EQ(Count(FPath, u"SELECT count(*) FROM Tracks2"_s), 3);
     EXPECT_EQ(Count(FPath, u"SELECT count(*) FROM Releases2"_s), 4);
     FForm.SetCurrentView(mvAlbums);
-    EXPECT_EQ(FData.qReleasesMain.ValueAt(2, FData.qReleasesMain.FieldIndex(u"TracksCount"_s)).toInt(), 0);
+    EXPECT_EQ(FData.qReleasesMain.ValueAt(2, FData.qReleasesMain.FieldIndex(u"TotalTracksCount"_s)).toInt(), 0);
 }
 
 TEST_F(Upkeep, WordsAreFoundInEverythingOnceTheIndexStands)

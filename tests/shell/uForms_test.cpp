@@ -120,7 +120,7 @@ TEST_F(FormsTest, ReadOnlySQLReadsAndRefusesEveryWayToWrite)
           u"INSERT INTO Friends(Name) VALUES ('x')"_s, u"CREATE TABLE t(a)"_s, u"PRAGMA user_version = 5"_s,
           u"PRAGMA writable_schema = 1"_s, u"PRAGMA journal_mode = DELETE"_s, u"ATTACH ':memory:' AS m"_s,
           u"VACUUM"_s, u"BEGIN"_s, u"SELECT 1; DELETE FROM Tracks2"_s, u"REINDEX"_s,
-          u"PRAGMA incremental_vacuum"_s, u"PRAGMA wal_checkpoint"_s, u"PRAGMA optimize"_s,
+          u"PRAGMA incremental_vacuum"_s, u"PRAGMA wal_checkpoint"_s,
           u"WITH a AS (SELECT 1) DELETE FROM Releases2"_s}) {
         const TSQLResult result = form.Run(sql);
         EXPECT_FALSE(result.Error.isEmpty()) << sql.toStdString();
