@@ -111,9 +111,9 @@ void MeasureSearch(TDataModuleMain& data, const QString& folder)
 void MeasureExport(TDataModuleMain& data, const QString& folder)
 {
     std::vector<TExportColumn> columns;
-    for (const QString& name : {u"No"_s, u"Artist"_s, u"ReleaseName"_s, u"ReleaseYear"_s, u"MediaType"_s, u"Label"_s,
-                                u"CatalogNO"_s, u"CountryCode"_s, u"DiscCount"_s, u"Rating_Calc"_s, u"Status"_s,
-                                u"Genre"_s, u"Location"_s})
+    for (const QString& name :
+         {u"No"_s, u"Artist"_s, u"ReleaseName"_s, u"ReleaseYear"_s, u"MediaType"_s, u"Label"_s, u"CatalogNO"_s,
+          u"CountryCode"_s, u"DiscCount"_s, u"Rating_Calc"_s, u"Status"_s, u"Genre"_s, u"Location"_s})
         columns.push_back({name, name});
     for (const QString& word : ExportFormatWords()) {
         if (word == "pdf"_L1)

@@ -53,7 +53,7 @@ struct TDefaults {
     QString DBPath, Language;
     bool NonClientDrawing = false;
     int ThemeIndex = 0, ColorSchemeAccentIndex = 0;
-    bool DesktopIcons = false; ///< icons of the desktop's theme where it has them
+    bool DesktopIcons = false;           ///< icons of the desktop's theme where it has them
     int LargeWidth = 0, LargeHeight = 0; ///< thumbnail size in pixels
     QString ProxyHost;
     int ProxyPort = 0;

@@ -223,7 +223,8 @@ qint64 TDataModuleMain::RunQuery(const QString& sql, bool canWrite, const std::f
     Q_ASSERT(OnMainThread());
     // `progress` may serve events, and those read the collection: not on a connection within one of its steps.
     TSQLiteConnection connection;
-    connection.Open(FConnection.Path(), canWrite || FConnection.Mode() == somImmutable ? FConnection.Mode() : somReadOnly);
+    connection.Open(FConnection.Path(),
+                    canWrite || FConnection.Mode() == somImmutable ? FConnection.Mode() : somReadOnly);
     connection.TextRules().Articles = FConnection.TextRules().Articles;
     connection.Exec(u"PRAGMA foreign_keys = ON"_s);
     if (!canWrite)

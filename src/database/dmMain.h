@@ -74,10 +74,10 @@ public:
     /// First column of the first row as a number; -1 when it is null or there is no row.
     qint64 ExecSQLAndGetID(const QString& sql);
 
-    /// Runs the user's own script, statement by statement (qRunQuery), on a connection of its own, so that `progress` may
-    /// serve events; it gives false to stop. The receiver gets each statement that gives rows once with `first`, then
-    /// once for each row. Without `canWrite` a statement that would write fails; with it all stand in one transaction.
-    /// The number of rows written.
+    /// Runs the user's own script, statement by statement (qRunQuery), on a connection of its own, so that `progress`
+    /// may serve events; it gives false to stop. The receiver gets each statement that gives rows once with `first`,
+    /// then once for each row. Without `canWrite` a statement that would write fails; with it all stand in one
+    /// transaction. The number of rows written.
     qint64 RunQuery(const QString& sql, bool canWrite, const std::function<bool()>& progress,
                     const std::function<void(TSQLiteStatement& row, bool first)>& receive);
 

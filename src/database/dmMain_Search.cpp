@@ -29,7 +29,8 @@ QString SearchTextSQL()
     // Numbers that people know their records by.
     const QString numbers = u"ifnull(R.ReleaseYear || ' ', '') || ifnull(R.No || ' ', '')"_s;
     const QString tracks = TextsOf(TrackColumns(), u"T"_s, {u"FilePath"_s, u"FileType"_s, u"Lyrics"_s, u"Side"_s});
-    return u"SELECT R.ID, %1 || %2 || ifnull((SELECT group_concat(%3, ' ') FROM Tracks2 T WHERE T.ReleaseId = R.ID), '')"
+    return u"SELECT R.ID, %1 || %2 || ifnull((SELECT group_concat(%3, ' ') FROM Tracks2 T WHERE T.ReleaseId = R.ID), "
+           u"'')"
            " || ' ' || ifnull((SELECT group_concat(M.Musician, ' ') FROM Musicians2 M WHERE M.ReleaseId = R.ID), '')"
            " || ' ' || ifnull((SELECT group_concat(M.Musician, ' ') FROM Tracks2 T JOIN Musicians2 M"
            " ON M.TrackId = T.ID WHERE T.ReleaseId = R.ID), '')"
@@ -63,10 +64,13 @@ void TDataModuleMain::NoteChange(const char* table, qint64 row)
     else
         return;
     if (!std::exchange(FTouchTold, true))
-        QMetaObject::invokeMethod(this, [this] {
-            FTouchTold = false;
-            Q_EMIT releasesTouched();
-        }, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                FTouchTold = false;
+                Q_EMIT releasesTouched();
+            },
+            Qt::QueuedConnection);
 }
 
 bool TDataModuleMain::HasTouchedReleases() const

@@ -211,8 +211,8 @@ private:
 struct TListGroup {
     int Level = 0; ///< place of its column among the group columns
     int Parent = -1;
-    int First = 0; ///< first row
-    int Count = 0; ///< rows
+    int First = 0;  ///< first row
+    int Count = 0;  ///< rows
     TVariant Value; ///< as the first row has it
 };
 
@@ -246,8 +246,8 @@ public:
     const QStringList& Grouping() const { return FGrouping; }
     /// The groups in the order of their first row, each before those within it.
     const std::vector<TListGroup>& Groups() const { return FGroups; }
-    /// Reads these fields of all rows in their order, past the cache: `receive` gives false to stop. Computed fields are
-    /// computed; pictures are read where they are asked for.
+    /// Reads these fields of all rows in their order, past the cache: `receive` gives false to stop. Computed fields
+    /// are computed; pictures are read where they are asked for.
     void WalkRows(const std::vector<int>& fields,
                   const std::function<bool(int row, const std::vector<TVariant>& values)>& receive) const;
     /// Rows, of all in the present order, of which one of the columns holds the text, in ascending order.

@@ -276,7 +276,8 @@ void TListDataset::ReadKeys()
     const QString sql = u"SELECT %1%2 ORDER BY %3"_s.arg(Def().KeyExpression, rest, order);
     if (TakeKnownOrder(sql, values))
         return;
-    // Without ORDER BY the engine is free to walk the smallest index; the order is made here, quicker than by its sorter.
+    // Without ORDER BY the engine is free to walk the smallest index; the order is made here, quicker than by its
+    // sorter.
     QStringList columns{Def().KeyExpression};
     std::vector<bool> descending;
     for (const TSortItem& item : FSort) {
@@ -343,8 +344,8 @@ void TListDataset::ReadGroupedKeys(const QString& condition, const std::vector<T
     std::vector<TSortItem> rest = FSort;
     for (const QString& column : FGrouping) {
         const auto same = [&](const TSortItem& item) { return item.Column.compare(column, Qt::CaseInsensitive) == 0; };
-        const bool descending = std::ranges::any_of(
-            FSort, [&](const TSortItem& item) { return same(item) && item.Descending; });
+        const bool descending =
+            std::ranges::any_of(FSort, [&](const TSortItem& item) { return same(item) && item.Descending; });
         columns << SortExpression(column, Fields(), FArticleColumns) << ValueExpression(column, Fields());
         order << QString::number(columns.size() - 1) + (descending ? u" DESC"_s : QString());
         std::erase_if(rest, same);
@@ -407,9 +408,9 @@ void TListDataset::WalkRows(const std::vector<int>& fields,
         statement.Bind(1, KeyAt(row));
         const bool there = statement.Step();
         for (size_t i = 0; i < fields.size(); ++i)
-            values[i] = there ? FromStored(statement.Column(static_cast<int>(i)),
-                                           Fields()[static_cast<size_t>(fields[i])].Kind)
-                              : TVariant();
+            values[i] =
+                there ? FromStored(statement.Column(static_cast<int>(i)), Fields()[static_cast<size_t>(fields[i])].Kind)
+                      : TVariant();
         statement.Reset();
         if (!receive(row, values))
             return;

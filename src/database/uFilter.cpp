@@ -85,8 +85,7 @@ QString BetweenToSQL(const QString& expression, const TVariant& value, std::vect
     const QVariantList ends = value.toList();
     if (ends.size() != 2)
         return {};
-    const QString collate =
-        ends[0].typeId() == QMetaType::QString ? u" COLLATE KRN_NOCASE"_s : QString();
+    const QString collate = ends[0].typeId() == QMetaType::QString ? u" COLLATE KRN_NOCASE"_s : QString();
     values.push_back(ends[0]);
     values.push_back(ends[1]);
     return u"%1 >= ?%2 AND %1 <= ?%2"_s.arg(expression, collate);
@@ -149,10 +148,7 @@ std::pair<QDate, QDate> DaysOfPeriod(TFilterPeriod period, const QDate& today)
     return {today.addDays(1), QDate()};
 }
 
-bool TFilterNode::IsEmpty() const
-{
-    return Criteria.empty() && std::ranges::all_of(Groups, &TFilterNode::IsEmpty);
-}
+bool TFilterNode::IsEmpty() const { return Criteria.empty() && std::ranges::all_of(Groups, &TFilterNode::IsEmpty); }
 
 TFilterGroup::TId TFilterGroup::Add(TFilterCriterion criterion)
 {

@@ -26,7 +26,7 @@ enum class TFilterOp : quint8 {
     foNotLike,
     foIsNull,
     foIsNotNull,
-    foContains,    ///< the value is plain text: % and _ mean themselves, here and in the next three
+    foContains, ///< the value is plain text: % and _ mean themselves, here and in the next three
     foNotContains,
     foBeginsWith,
     foEndsWith,

@@ -58,8 +58,8 @@ void TKeyOrder::Add(const TSQLiteStatement& row)
     }
     entry.Size = FBytes.size() - entry.Offset;
     for (size_t i = 0; i < sizeof(entry.Prefix); ++i)
-        entry.Prefix = entry.Prefix << 8 |
-                       (i < entry.Size ? static_cast<unsigned char>(FBytes[entry.Offset + i]) : quint64(0));
+        entry.Prefix =
+            entry.Prefix << 8 | (i < entry.Size ? static_cast<unsigned char>(FBytes[entry.Offset + i]) : quint64(0));
     FEntries.push_back(entry);
 }
 

@@ -82,7 +82,7 @@ private:
 
 /// What the text functions of a connection need to know of the settings.
 struct TTextRules {
-    QStringList Articles;          ///< left out by the function krn_article_key
+    QStringList Articles;                           ///< left out by the function krn_article_key
     std::array<std::unordered_set<qint64>, 2> Hits; ///< keys for which krn_hit is true, for even and odd searches
 };
 
@@ -140,8 +140,8 @@ public:
     void BackupTo(const QString& path);
     /// Gives the pages of the file map back to the system; they are mapped again when they are next looked at.
     void ReleaseFileMap();
-    /// Tells of so many bytes that were read here and there: once many have come together the map is given back, so that
-    /// a walk through a large file does not keep all of it in memory.
+    /// Tells of so many bytes that were read here and there: once many have come together the map is given back, so
+    /// that a walk through a large file does not keep all of it in memory.
     void NoteRead(qsizetype bytes);
 
 private:

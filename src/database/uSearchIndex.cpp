@@ -23,9 +23,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int ReleasesPerStep = 60;      // keeps a step on the main thread to a few milliseconds
-constexpr size_t LongestQueue = 8000;    // texts on their way to the writer
-constexpr int ChangeDelay = 1500;        // milliseconds of quiet before changes are followed
+constexpr int ReleasesPerStep = 60;   // keeps a step on the main thread to a few milliseconds
+constexpr size_t LongestQueue = 8000; // texts on their way to the writer
+constexpr int ChangeDelay = 1500;     // milliseconds of quiet before changes are followed
 constexpr int FollowInterval = 20;
 constexpr int ChangesPerStep = 60;
 const QLatin1StringView IndexVersion("2");
@@ -359,7 +359,9 @@ void TSearchIndex::FollowChanges()
 
 double TSearchIndex::Progress() const
 {
-    return FReady ? 1.0 : FLastId > 0 ? std::min(1.0, static_cast<double>(FReadTo) / static_cast<double>(FLastId)) : 0.0;
+    return FReady        ? 1.0
+           : FLastId > 0 ? std::min(1.0, static_cast<double>(FReadTo) / static_cast<double>(FLastId))
+                         : 0.0;
 }
 
 std::optional<std::vector<qint64>> TSearchIndex::Find(const QString& words)
@@ -377,8 +379,8 @@ std::optional<std::vector<qint64>> TSearchIndex::Find(const QString& words)
     try {
         TSQLiteConnection index;
         index.Open(IndexPath(), somReadOnly);
-        TSQLiteStatement statement = index.Prepare(
-            u"SELECT D.release FROM words W JOIN docs D ON D.doc = W.rowid WHERE W.text MATCH ?"_s);
+        TSQLiteStatement statement =
+            index.Prepare(u"SELECT D.release FROM words W JOIN docs D ON D.doc = W.rowid WHERE W.text MATCH ?"_s);
         statement.Bind(1, match);
         while (statement.Step())
             releases.push_back(statement.ColumnInt64(0));

@@ -23,9 +23,10 @@ struct TFormatRow {
     const char16_t* FilterKey;
 };
 
-constexpr TFormatRow FormatRows[] = {{efHTML, u"html", u"cSExportFilterHTML"}, {efExcel, u"xlsx", u"cSExportFilterExcel"},
-                                     {efText, u"txt", u"cSExportFilterText"},  {efXML, u"xml", u"cSExportFilterXML"},
-                                     {efCSV, u"csv", u"cSExportFilterCSV"},    {efPDF, u"pdf", u"cSExportFilterPDF"}};
+constexpr TFormatRow FormatRows[] = {
+    {efHTML, u"html", u"cSExportFilterHTML"}, {efExcel, u"xlsx", u"cSExportFilterExcel"},
+    {efText, u"txt", u"cSExportFilterText"},  {efXML, u"xml", u"cSExportFilterXML"},
+    {efCSV, u"csv", u"cSExportFilterCSV"},    {efPDF, u"pdf", u"cSExportFilterPDF"}};
 
 const TFormatRow& RowOf(TExportFormat format) { return *std::ranges::find(FormatRows, format, &TFormatRow::Format); }
 

@@ -17,8 +17,8 @@ const QLatin1StringView BetweenColumns("  ");
 // RFC 4180, section 2: quotes around a field with a comma, a quote or a line end, quotes within doubled.
 QString CSVField(const QString& text)
 {
-    const bool plain = std::ranges::none_of(
-        text, [](QChar c) { return c == u',' || c == u'"' || c == u'\r' || c == u'\n'; });
+    const bool plain =
+        std::ranges::none_of(text, [](QChar c) { return c == u',' || c == u'"' || c == u'\r' || c == u'\n'; });
     if (plain)
         return text;
     QString quoted = text;
@@ -31,8 +31,9 @@ int DisplayWidth(const QString& text)
     int width = 0;
     for (const uint c : text.toUcs4()) {
         const bool mark = QChar::category(c) == QChar::Mark_NonSpacing || QChar::category(c) == QChar::Other_Format;
-        const bool wide = (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) || (c >= 0xAC00 && c <= 0xD7A3) ||
-                          (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFE30 && c <= 0xFE6F) || (c >= 0xFF00 && c <= 0xFF60) ||
+        const bool wide = (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) ||
+                          (c >= 0xAC00 && c <= 0xD7A3) || (c >= 0xF900 && c <= 0xFAFF) ||
+                          (c >= 0xFE30 && c <= 0xFE6F) || (c >= 0xFF00 && c <= 0xFF60) ||
                           (c >= 0x1F300 && c <= 0x1FAFF);
         width += mark ? 0 : wide ? 2 : 1;
     }
@@ -71,7 +72,8 @@ bool WriteCSV(TExportSource& source, QIODevice& file, const TExportProgress& pro
     QStringList fields;
     std::vector<qsizetype> placeOf; // of each level among the fields in front; -1 for none
     for (const TExportColumn& group : groups) {
-        const bool shown = std::ranges::find(source.Columns(), group.Field, &TExportColumn::Field) != source.Columns().end();
+        const bool shown =
+            std::ranges::find(source.Columns(), group.Field, &TExportColumn::Field) != source.Columns().end();
         placeOf.push_back(shown ? -1 : fields.size());
         if (!shown)
             fields << CSVField(group.Caption);
@@ -123,8 +125,7 @@ bool WriteText(TExportSource& source, QIODevice& file, const TExportProgress& pr
     bool whole = true;
     source.Walk([&](int row, const std::vector<TVariant>& read) {
         for (const TExportGroup& group : source.GroupsAt(row))
-            file.write(u"\n%1%2: %3 (%4)\n"_s
-                           .arg(QString(group.Level * 2, u' '), group.Caption, FlatText(group.Value))
+            file.write(u"\n%1%2: %3 (%4)\n"_s.arg(QString(group.Level * 2, u' '), group.Caption, FlatText(group.Value))
                            .arg(group.Count)
                            .toUtf8());
         cells.clear();

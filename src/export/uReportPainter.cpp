@@ -243,9 +243,9 @@ void TReportPainter::PaintPicture(QPainter& painter, const QRectF& box, int row)
     if (picture.isNull())
         return;
     const QSizeF fitted = QSizeF(picture.size()).scaled(box.size(), Qt::KeepAspectRatio);
-    painter.drawImage(QRectF(box.center().x() - fitted.width() / 2, box.bottom() - fitted.height(), fitted.width(),
-                             fitted.height()),
-                      picture);
+    painter.drawImage(
+        QRectF(box.center().x() - fitted.width() / 2, box.bottom() - fitted.height(), fitted.width(), fitted.height()),
+        picture);
 }
 
 void TReportPainter::PaintCovers(QPainter& painter, int page)

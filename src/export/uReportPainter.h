@@ -19,8 +19,8 @@ struct TReportOptions {
     bool CoverSheet = false; ///< a grid of covers in place of a table
 };
 
-/// The pages of a report, for paper and PDF: a table with repeated headings and groups, or a sheet of covers. Lengths are
-/// points (1/72 inch). The source outlives it.
+/// The pages of a report, for paper and PDF: a table with repeated headings and groups, or a sheet of covers. Lengths
+/// are points (1/72 inch). The source outlives it.
 class TReportPainter {
 public:
     /// `page` is the part of the paper that may be printed on.

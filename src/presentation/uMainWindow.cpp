@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uMainWindow.h"
 
-#include "uImportRun.h"
 #include "uActionSet.h"
 #include "uAlbumTable.h"
 #include "uDebugLog.h"
@@ -13,6 +12,7 @@
 #include "uFilterBar.h"
 #include "uFindBar.h"
 #include "uGroupPanel.h"
+#include "uImportRun.h"
 #include "uLetterBar.h"
 #include "uMessageBars.h"
 #include "uReleasesModel.h"
@@ -29,8 +29,8 @@
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QMenu>
-#include <QPrinter>
 #include <QPainter>
+#include <QPrinter>
 #include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
@@ -233,11 +233,10 @@ void TMainWindow::ConnectForm()
     connect(&FForm, &TKRNMainForm::addFilesStarted, this, &TMainWindow::OpenAddFiles);
     connect(&FForm, &TKRNMainForm::importStarted, this, &TMainWindow::OpenImport);
     connect(&FForm, &TKRNMainForm::closeRequested, this, &QWidget::close);
-    connect(&FForm, &TKRNMainForm::selectionRequested, this,
-            [this](bool all) {
-                QAbstractItemView* view = FForm.TracksShown() ? static_cast<QAbstractItemView*>(FTracks) : FTiles;
-                all ? view->selectAll() : view->clearSelection();
-            });
+    connect(&FForm, &TKRNMainForm::selectionRequested, this, [this](bool all) {
+        QAbstractItemView* view = FForm.TracksShown() ? static_cast<QAbstractItemView*>(FTracks) : FTiles;
+        all ? view->selectAll() : view->clearSelection();
+    });
     connect(&FForm, &TKRNMainForm::barRaised, this,
             [this](TBarKind kind, const QString& bold, const QString& sentence) {
                 FBars->Show({kind, bold, sentence, {}, {}});
@@ -336,9 +335,8 @@ void TMainWindow::ConnectFilters()
             [this](const QString& field) { FForm.SetSearchBy(field.isEmpty() ? EverythingField : field); });
     connect(search, &TSearchBox::textChanged, &FForm, &TKRNMainForm::SetSearchText);
     connect(search, &TSearchBox::searchRequested, this, [this] { FForm.Actions().Trigger(u"actSearch"_s); });
-    connect(search, &TSearchBox::cleared, this, [this] {
-        FForm.RemoveFilter(FForm.SearchBy() == EverythingField ? fckEverything : fckKeyword);
-    });
+    connect(search, &TSearchBox::cleared, this,
+            [this] { FForm.RemoveFilter(FForm.SearchBy() == EverythingField ? fckEverything : fckKeyword); });
     connect(search, &TSearchBox::leaveRequested, this, [this] { CurrentViewWidget()->setFocus(); });
     TChipRow* chips = FFilters->Chips();
     connect(chips, &TChipRow::removeRequested, this, [this](const QString& id) {
@@ -363,7 +361,8 @@ void TMainWindow::ConnectPane()
     FPane->SetEditing([this](const QString& column, QWidget* parent) { return MakePaneEditor(column, parent); },
                       [this](const QString& column, const TVariant& value) { return FForm.EditDetail(column, value); });
     connect(FPane, &TDetailPane::hiddenFieldsChanged, this, [this] { FForm.SetHiddenFields(FPane->HiddenFields()); });
-    connect(&FForm, &TKRNMainForm::paneCustomizeToggled, this, [this] { FPane->SetCustomizing(!FPane->Customizing()); });
+    connect(&FForm, &TKRNMainForm::paneCustomizeToggled, this,
+            [this] { FPane->SetCustomizing(!FPane->Customizing()); });
     connect(&FForm, &TKRNMainForm::paneFilterToggled, FPane, &TDetailPane::ToggleFilter);
     connect(FPane, &TDetailPane::ratingChosen, &FForm, &TKRNMainForm::SetDetailRating);
     connect(FPane, &TDetailPane::linkActivated, this,

@@ -83,7 +83,8 @@ void TMainWindow::OpenSaveFilter()
     QStringList known;
     for (const TSavedFilter& filter : FForm.SavedFilters())
         known << filter.Name;
-    const QString name = AskName(GetLanguageString(u"cSactSaveFilter"_s), GetLanguageString(u"cSFilterName"_s), known, this);
+    const QString name =
+        AskName(GetLanguageString(u"cSactSaveFilter"_s), GetLanguageString(u"cSFilterName"_s), known, this);
     if (!name.isEmpty())
         FForm.SaveFilter(name);
 }
@@ -91,7 +92,8 @@ void TMainWindow::OpenSaveFilter()
 void TMainWindow::OpenOptions()
 {
     TOptionsWindow options(Defaults(), FForm.Data(), this);
-    connect(&options, &TOptionsWindow::lookChanged, this, [this](int theme, int accent) { FTheme.Apply(theme, accent); });
+    connect(&options, &TOptionsWindow::lookChanged, this,
+            [this](int theme, int accent) { FTheme.Apply(theme, accent); });
     if (options.exec() != QDialog::Accepted)
         return;
     const bool sizeChanged = options.ThumbnailSizeChanged();
@@ -139,8 +141,8 @@ void TMainWindow::LauchDictionaryEditForm(const TDict& dict, const QString& fiel
 TExportSource TMainWindow::MakeSource(bool thumbnails)
 {
     const TListModel& list = *CurrentModel();
-    const bool covers = FForm.CurrentView() == mvThumbs || FForm.CurrentView() == mvCards ||
-                        FForm.CurrentView() == mvShelf;
+    const bool covers =
+        FForm.CurrentView() == mvThumbs || FForm.CurrentView() == mvCards || FForm.CurrentView() == mvShelf;
     std::vector<TExportColumn> columns;
     const int cover = list.ColumnOf(u"ThumbPicture"_s);
     if (covers || (CurrentTable() && cover >= 0 && !CurrentTable()->isColumnHidden(cover)))
@@ -149,15 +151,11 @@ TExportSource TMainWindow::MakeSource(bool thumbnails)
     if (FForm.CurrentView() == mvCards) // what stands on the cards
         fields << u"Rating_Calc"_s << u"Genre"_s << u"Label"_s << u"CatalogNO"_s << u"CountryCode"_s;
     for (const QString& field : fields)
-        columns.push_back(
-            {field, list.headerData(list.ColumnOf(field), Qt::Horizontal, FullCaptionRole).toString()});
+        columns.push_back({field, list.headerData(list.ColumnOf(field), Qt::Horizontal, FullCaptionRole).toString()});
     return TExportSource(FForm.Data(), FForm.List(), FForm.TracksShown(), std::move(columns), thumbnails);
 }
 
-QString TMainWindow::ReportTitle() const
-{
-    return QFileInfo(FForm.Data().CurrentFile()).completeBaseName();
-}
+QString TMainWindow::ReportTitle() const { return QFileInfo(FForm.Data().CurrentFile()).completeBaseName(); }
 
 void TMainWindow::Export(const QString& word)
 {
@@ -165,8 +163,9 @@ void TMainWindow::Export(const QString& word)
     if (!format || FForm.Working())
         return;
     TFileDialogRequest request;
-    request.Title = FullCaptionOf(word == "xlsx"_L1 ? u"actExportToExcel"_s : word == "txt"_L1 ? u"actExportToText"_s
-                                                                   : u"actExportTo"_s + word.toUpper());
+    request.Title = FullCaptionOf(word == "xlsx"_L1  ? u"actExportToExcel"_s
+                                  : word == "txt"_L1 ? u"actExportToText"_s
+                                                     : u"actExportTo"_s + word.toUpper());
     request.Filter = ExportFileFilter(*format);
     request.DefaultExtension = word;
     request.FileName = ReportTitle() + u'.' + word;

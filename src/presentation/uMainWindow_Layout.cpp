@@ -9,8 +9,8 @@
 #include "uGroupPanel.h"
 #include "uMainWindow.h"
 #include "uReleasesModel.h"
-#include "uTablePresets.h"
 #include "uTHStrings.h"
+#include "uTablePresets.h"
 #include "uTileView.h"
 
 #include <QApplication>
@@ -115,8 +115,9 @@ void TMainWindow::SetUpTable(TAlbumTable& table)
     list.SetEdit([this, ofTracks](qint64 id, const QString& field, const TVariant& value) {
         return FForm.EditField(ofTracks, id, field, value);
     });
-    table.SetOnRefusal(
-        [this](const QString& sentence) { Q_EMIT FForm.barRaised(bkWarning, GetLanguageString(u"cSNotSaved"_s), sentence); });
+    table.SetOnRefusal([this](const QString& sentence) {
+        Q_EMIT FForm.barRaised(bkWarning, GetLanguageString(u"cSNotSaved"_s), sentence);
+    });
     header->FilterTextOf = [this, &list](int column) {
         const auto& texts = FForm.Filters().Set().Columns;
         const auto text = texts.find(list.FieldOf(column));
@@ -160,8 +161,9 @@ void TMainWindow::OpenHeaderMenu(TAlbumTable& table, int column, const QPoint& g
     QMenu menu(this);
     if (!field.isEmpty()) {
         const auto sort = [&](const QString& key, bool descending) {
-            connect(menu.addAction(GetLanguageString(key)), &QAction::triggered, this,
-                    [this, field, descending] { FForm.SetSort({{field, descending}}); });
+            connect(menu.addAction(GetLanguageString(key)), &QAction::triggered, this, [this, field, descending] {
+                FForm.SetSort({{field, descending}});
+            });
         };
         sort(u"cSactSortAsc"_s, false);
         sort(u"cSactSortDesc"_s, true);
@@ -194,8 +196,7 @@ void TMainWindow::FillGroupMenu()
         const QString field = list.FieldOf(column);
         if (field.isEmpty() || FForm.List().Grouping().contains(field))
             continue;
-        QAction* item =
-            FGroupMenu->addAction(list.headerData(column, Qt::Horizontal, FullCaptionRole).toString());
+        QAction* item = FGroupMenu->addAction(list.headerData(column, Qt::Horizontal, FullCaptionRole).toString());
         connect(item, &QAction::triggered, this, [this, field] { GroupBy(field); });
     }
 }
@@ -307,8 +308,8 @@ void TMainWindow::Copy(bool rows)
     const QModelIndex current = table ? table->currentIndex() : FTiles->currentIndex();
     if (!rows) {
         const bool cover = !table || CellKindOf(*list, current.column()) == ckCover;
-        QApplication::clipboard()->setText(
-            cover ? current.data(rrTitle).toString() : current.data(Qt::DisplayRole).toString());
+        QApplication::clipboard()->setText(cover ? current.data(rrTitle).toString()
+                                                 : current.data(Qt::DisplayRole).toString());
         return;
     }
     QStringList columns = FindColumns();

@@ -72,8 +72,8 @@ void TMainWindow::FillSortMenu()
 {
     FSortMenu->clear();
     const TListModel& list = *CurrentModel();
-    for (const QString& field : {u"TrackTitle"_s, u"TrackLength"_s, u"Artist"_s, u"ReleaseName"_s, u"ReleaseYear"_s, u"DateAdded"_s, u"Rating_Calc"_s,
-                                 u"MediaType"_s, u"Genre"_s, u"Label"_s, u"No"_s}) {
+    for (const QString& field : {u"TrackTitle"_s, u"TrackLength"_s, u"Artist"_s, u"ReleaseName"_s, u"ReleaseYear"_s,
+                                 u"DateAdded"_s, u"Rating_Calc"_s, u"MediaType"_s, u"Genre"_s, u"Label"_s, u"No"_s}) {
         const int column = list.ColumnOf(field);
         if (column < 0)
             continue;

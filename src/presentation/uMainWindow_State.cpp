@@ -1,7 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "uImportRun.h"
-#include "uImportWindow.h"
-#include "uLogView.h"
 #include "uActionSet.h"
 #include "uAlbumTable.h"
 #include "uDefaults.h"
@@ -10,7 +7,10 @@
 #include "uFilterBar.h"
 #include "uFindBar.h"
 #include "uGroupPanel.h"
+#include "uImportRun.h"
+#include "uImportWindow.h"
 #include "uLetterBar.h"
+#include "uLogView.h"
 #include "uMainWindow.h"
 #include "uMessageBars.h"
 #include "uProgressWindow.h"
@@ -151,7 +151,8 @@ void TMainWindow::ShowPage()
         FViews->setCurrentWidget(FNoHits);
     else
         FViews->setCurrentWidget(CurrentTable() ? static_cast<QWidget*>(CurrentTable()) : FTiles);
-    // Another page takes the keyboard over; what has it within the same page keeps it, such as a field of the filter row.
+    // Another page takes the keyboard over; what has it within the same page keeps it, such as a field of the filter
+    // row.
     if (hadFocus && !FViews->currentWidget()->isAncestorOf(QApplication::focusWidget()))
         FViews->currentWidget()->setFocus();
 }
@@ -185,10 +186,10 @@ void TMainWindow::ShowSort()
     FFilters->SetSort(caption, marks.empty() || marks.front().Ascending, FSortMenu);
     if (!FForm.TracksShown()) {
         const QString first = sort.empty() ? QString() : sort.front().Column;
-        FShelfPainter.SetOrder(first == "No"_L1                                      ? soNumber
-                               : first == "Artist"_L1                                ? soArtist
-                               : first == "ReleaseYear"_L1                           ? soYear
-                                                                                     : soOther);
+        FShelfPainter.SetOrder(first == "No"_L1            ? soNumber
+                               : first == "Artist"_L1      ? soArtist
+                               : first == "ReleaseYear"_L1 ? soYear
+                                                           : soOther);
         FTiles->viewport()->update();
     }
     (FForm.TracksShown() ? FTracks : FTable)->SetSortMarks(std::move(marks));
@@ -290,7 +291,8 @@ void TMainWindow::FocusRelease(qint64 id)
     if (FForm.TracksShown()) {
         // A track of that release has the focus already, or the first one gets it.
         const int row = CurrentRow();
-        const TVariant shown = row < 0 ? TVariant() : FForm.List().ValueAt(row, FForm.List().FieldIndex(u"ReleaseId"_s));
+        const TVariant shown =
+            row < 0 ? TVariant() : FForm.List().ValueAt(row, FForm.List().FieldIndex(u"ReleaseId"_s));
         const int first = FForm.List().RowOfKey(FForm.Data().FirstTrackOf(id));
         if (shown.toLongLong() != id && first >= 0)
             FocusRow(first);
@@ -343,8 +345,7 @@ void TMainWindow::ReportSelection()
 void TMainWindow::ReportTrackSelection()
 {
     std::vector<qint64> ids;
-    for (const QItemSelectionRange& range :
-         FTracks->Groups().ToSource(FTracks->selectionModel()->selection()))
+    for (const QItemSelectionRange& range : FTracks->Groups().ToSource(FTracks->selectionModel()->selection()))
         for (int row = range.top(); row <= range.bottom(); ++row)
             ids.push_back(FTracksModel->IdOf(FTracksModel->index(row, 0)));
     std::sort(ids.begin(), ids.end());

@@ -34,8 +34,7 @@ TExecSQLForm::TExecSQLForm(TDataModuleMain& data) : FData(data)
 {
     if (!HasSettingsStore())
         return;
-    for (const QJsonValue& entry :
-         QJsonDocument::fromJson(SettingsStore().ReadString(HistoryKey, {}).toUtf8()).array())
+    for (const QJsonValue& entry : QJsonDocument::fromJson(SettingsStore().ReadString(HistoryKey, {}).toUtf8()).array())
         if (FHistory.size() < LongestHistory)
             FHistory << entry.toString();
 }
@@ -46,9 +45,9 @@ void TExecSQLForm::Remember(const QString& sql)
     FHistory.prepend(sql);
     FHistory = FHistory.mid(0, LongestHistory);
     if (HasSettingsStore())
-        SettingsStore().WriteString(HistoryKey, {},
-                                    QString::fromUtf8(QJsonDocument(QJsonArray::fromStringList(FHistory)).toJson(
-                                        QJsonDocument::Compact)));
+        SettingsStore().WriteString(
+            HistoryKey, {},
+            QString::fromUtf8(QJsonDocument(QJsonArray::fromStringList(FHistory)).toJson(QJsonDocument::Compact)));
 }
 
 TSQLResult TExecSQLForm::Run(const QString& sql, const std::function<bool()>& progress)

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frmImport.h"
 #include "frmMain.h"
+#include "uFieldText.h"
 #include "uImportRun.h"
 #include "uPrompt.h"
-#include "uFieldText.h"
 #include "uTHStrings.h"
 
 #include <algorithm>

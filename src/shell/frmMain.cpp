@@ -38,7 +38,9 @@ constexpr qint64 CountStep = 50000; // tracks per turn of the event loop
 } // namespace
 
 TKRNMainForm::TKRNMainForm(TDataModuleMain& data, TPrompt& prompt)
-    : FData(data), FPrompt(prompt), FReleaseFilters(data, data.qReleasesMain, false),
+    : FData(data),
+      FPrompt(prompt),
+      FReleaseFilters(data, data.qReleasesMain, false),
       FTrackFilters(data, data.qTracksAll, true),
       FIndex(std::make_unique<TSearchIndex>(
           data, QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/Kestrune"_s))

@@ -362,7 +362,7 @@ private:
 
     std::unique_ptr<TImportRun> FAddFiles;
     std::unique_ptr<TKRNImportForm> FImport;
-    bool FWorking = false;  // a job of this form runs and serves events
+    bool FWorking = false; // a job of this form runs and serves events
     bool FCancelled = false;
 };
 

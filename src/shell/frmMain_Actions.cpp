@@ -146,7 +146,8 @@ void TKRNMainForm::BindTableActions()
             inPlace = !inPlace;
             Q_EMIT viewChanged();
         },
-        [this, table] { return table() && !FData.IsReadOnly(); }, [this, table] { return table() && InPlaceEditing(); });
+        [this, table] { return table() && !FData.IsReadOnly(); },
+        [this, table] { return table() && InPlaceEditing(); });
 }
 
 void TKRNMainForm::BindFilterActions()
@@ -229,10 +230,10 @@ void TKRNMainForm::BindEditActions()
 void TKRNMainForm::BindListActions()
 {
     const std::pair<QString, QString> lists[] = {
-        {u"actEditMediaTypes"_s, u"MediaType"_s},    {u"actEditGenres"_s, u"Genre"_s},
-        {u"actEditConditions"_s, u"Condition"_s},    {u"actEditPackaging"_s, u"Packaging"_s},
-        {u"actEditStatuses"_s, u"Status"_s},         {u"actEditChannels"_s, u"Channels"_s},
-        {u"actEditInstruments"_s, u"Instrument"_s},  {u"actEditLocations"_s, u"Location"_s}};
+        {u"actEditMediaTypes"_s, u"MediaType"_s},   {u"actEditGenres"_s, u"Genre"_s},
+        {u"actEditConditions"_s, u"Condition"_s},   {u"actEditPackaging"_s, u"Packaging"_s},
+        {u"actEditStatuses"_s, u"Status"_s},        {u"actEditChannels"_s, u"Channels"_s},
+        {u"actEditInstruments"_s, u"Instrument"_s}, {u"actEditLocations"_s, u"Location"_s}};
     for (const auto& [action, column] : lists)
         FActions.Bind(action, [this, column = column] { Q_EMIT dictionaryRequested(column); });
 }

@@ -137,8 +137,7 @@ void TKRNMainForm::RefreshFocusedRow(TDataset& releaseInfo)
         FData.qReleasesMain.RefreshRow(releaseInfo.CurrentKey());
 }
 
-int TKRNMainForm::ApplyChanges(const std::vector<qint64>& keys,
-                               const std::vector<std::pair<QString, TVariant>>& values)
+int TKRNMainForm::ApplyChanges(const std::vector<qint64>& keys, const std::vector<std::pair<QString, TVariant>>& values)
 {
     if (values.empty())
         return 0;

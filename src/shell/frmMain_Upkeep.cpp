@@ -124,9 +124,8 @@ void TKRNMainForm::RegenerateThumbnails()
         return;
     int made = 0;
     RunJob(GetLanguageString(u"cSactRegenerateThumbnails"_s), [&](const TJobProgress& progress) {
-        made = FData.RegenerateThumbnails([&](int row, int count) {
-            return (row % ServeEvents != 0 && row != count) || progress(row, count);
-        });
+        made = FData.RegenerateThumbnails(
+            [&](int row, int count) { return (row % ServeEvents != 0 && row != count) || progress(row, count); });
     });
     FData.qReleasesMain.Refresh();
     Q_EMIT thumbnailsChanged();
@@ -174,7 +173,8 @@ void TKRNMainForm::RestoreSettingsBackup()
     Defaults().DBPath = open; // the collection that is open stays
     LoadSettings();
     ApplySettings();
-    Q_EMIT barRaised(bkDone, GetLanguageString(u"cSSettingsRestored"_s), GetLanguageString(u"cSSettingsAfterRestart"_s));
+    Q_EMIT barRaised(bkDone, GetLanguageString(u"cSSettingsRestored"_s),
+                     GetLanguageString(u"cSSettingsAfterRestart"_s));
 }
 
 void TKRNMainForm::ApplySettings()

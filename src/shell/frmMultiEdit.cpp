@@ -44,10 +44,7 @@ void TMultiEditForm::actRemove(int row)
         FList.erase(FList.begin() + row);
 }
 
-void TMultiEditForm::SetField(int row, const QString& field)
-{
-    FList[static_cast<size_t>(row)] = {field, TVariant()};
-}
+void TMultiEditForm::SetField(int row, const QString& field) { FList[static_cast<size_t>(row)] = {field, TVariant()}; }
 
 void TMultiEditForm::SetValue(int row, const TVariant& value) { FList[static_cast<size_t>(row)].second = value; }
 

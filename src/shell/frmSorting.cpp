@@ -10,7 +10,10 @@ namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-QStringList TSortForm::Orders() { return {GetLanguageString(u"cSSortDlgAsc"_s), GetLanguageString(u"cSSortDlgDesc"_s)}; }
+QStringList TSortForm::Orders()
+{
+    return {GetLanguageString(u"cSSortDlgAsc"_s), GetLanguageString(u"cSSortDlgDesc"_s)};
+}
 
 void TSortForm::LoadFromCustomGridTableView(std::vector<TColumn> columns, const std::vector<TSortItem>& sort)
 {

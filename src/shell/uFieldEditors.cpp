@@ -57,12 +57,9 @@ constexpr TFieldEditorRow FieldEditorRows[] = {
 };
 
 // Fields beside the table that are edited in a way of their own.
-constexpr std::pair<const char*, TEditorKind> FurtherEditors[] = {{"Artists", ekTokens},
-                                                                  {"Genres", ekTokens},
-                                                                  {"FolderPath", repSelectFolder},
-                                                                  {"PurchasedFrom", ekChoice},
-                                                                  {"BorrowedFrom", ekChoice},
-                                                                  {"Instrument", ekList}};
+constexpr std::pair<const char*, TEditorKind> FurtherEditors[] = {
+    {"Artists", ekTokens},       {"Genres", ekTokens},       {"FolderPath", repSelectFolder},
+    {"PurchasedFrom", ekChoice}, {"BorrowedFrom", ekChoice}, {"Instrument", ekList}};
 
 std::vector<TValueAndText> SameTexts(const QStringList& list)
 {
@@ -124,10 +121,10 @@ PDict DictionaryOf(const QString& column)
 {
     TDefaults& settings = Defaults();
     const std::pair<QLatin1StringView, PDict> dictionaries[] = {
-        {"MediaType"_L1, &settings.MediaTypes}, {"Genre"_L1, &settings.Genres},
-        {"Location"_L1, &settings.Locations},   {"Status"_L1, &settings.Statuses},
-        {"Condition"_L1, &settings.Conditions}, {"ConditionMedia"_L1, &settings.Conditions},
-        {"Channels"_L1, &settings.Channels},    {"Packaging"_L1, &settings.Packaging},
+        {"MediaType"_L1, &settings.MediaTypes},   {"Genre"_L1, &settings.Genres},
+        {"Location"_L1, &settings.Locations},     {"Status"_L1, &settings.Statuses},
+        {"Condition"_L1, &settings.Conditions},   {"ConditionMedia"_L1, &settings.Conditions},
+        {"Channels"_L1, &settings.Channels},      {"Packaging"_L1, &settings.Packaging},
         {"Instrument"_L1, &settings.Instruments}, {"Genres"_L1, &settings.Genres}};
     const auto found = std::ranges::find_if(dictionaries, [&](const auto& entry) { return column == entry.first; });
     return found == std::end(dictionaries) ? nullptr : found->second;
@@ -149,8 +146,7 @@ std::vector<TValueAndText> EditorItems(TDataModuleMain& data, const TFieldDef& f
     } else if (IsFriendField(field.Name) && data.qFriends.Active()) {
         const int name = data.qFriends.FieldIndex(u"Name"_s);
         for (int row = 0; row < data.qFriends.RecordCount(); ++row)
-            items.push_back(
-                {QString::number(data.qFriends.KeyAt(row)), VarToStr(data.qFriends.ValueAt(row, name))});
+            items.push_back({QString::number(data.qFriends.KeyAt(row)), VarToStr(data.qFriends.ValueAt(row, name))});
     } else if (field.Kind == fkBoolean || EditorKindOf(field, false) == ekChoice) {
         items = {{u"1"_s, GetLanguageString(u"cSYes"_s)}, {u"0"_s, GetLanguageString(u"cSNo"_s)}};
     }

@@ -17,15 +17,15 @@ class TDataModuleMain;
 /// How a field is edited. The same in tables, detail pane, search box, filters and multi-edit.
 enum class TEditorKind : quint8 {
     ekText,
-    ekMemo,     ///< several lines
-    ekNumber,   ///< a whole or broken number
+    ekMemo,   ///< several lines
+    ekNumber, ///< a whole or broken number
     ekDate,
-    ekLength,   ///< "m:ss"
-    ekList,     ///< free text with the suggestions of a list
-    ekChoice,   ///< one value of a list, or none
-    ekRating,   ///< stars
-    ekTokens,   ///< texts separated by commas
-    repASIN,    ///< text with a button that opens the page of the ASIN
+    ekLength, ///< "m:ss"
+    ekList,   ///< free text with the suggestions of a list
+    ekChoice, ///< one value of a list, or none
+    ekRating, ///< stars
+    ekTokens, ///< texts separated by commas
+    repASIN,  ///< text with a button that opens the page of the ASIN
     repDiscogs,
     repMusicBrainz,
     repSelectFolder ///< text with a button that asks for a folder

@@ -167,8 +167,7 @@ std::optional<TVariant> ParseFieldText(const TFieldDef& field, const QString& te
         return ok ? std::optional(TVariant(number)) : std::nullopt;
     }
     case fkFloat: {
-        const std::optional<double> number =
-            IsLengthField(field.Name) ? ParseLength(trimmed) : ParseFloat(trimmed);
+        const std::optional<double> number = IsLengthField(field.Name) ? ParseLength(trimmed) : ParseFloat(trimmed);
         return number ? std::optional(TVariant(*number)) : std::nullopt;
     }
     case fkDate: {
@@ -189,8 +188,8 @@ std::optional<TVariant> ParseFieldText(const TFieldDef& field, const QString& te
 QString FieldRefusal(const QString& caption, const TFieldDef& field)
 {
     const QString key = field.Kind == fkDate || field.Kind == fkDateTime ? u"cSNoDate"_s
-                        : IsLengthField(field.Name)                     ? u"cSNoLength"_s
-                                                                        : u"cSNoNumber"_s;
+                        : IsLengthField(field.Name)                      ? u"cSNoLength"_s
+                                                                         : u"cSNoNumber"_s;
     return GetLanguageString(key).replace(u"%s"_s, caption);
 }
 

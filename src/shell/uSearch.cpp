@@ -48,10 +48,7 @@ TFilterCriterion SearchCriterion(const TSearchField& field, const QString& text)
     return {field.Column, foEquals, item == field.Items.end() ? text : item->Value, text};
 }
 
-TFilterCriterion NoLetterCriterion(const QString& column)
-{
-    return {column, foNoLetter, {}, u"#"_s};
-}
+TFilterCriterion NoLetterCriterion(const QString& column) { return {column, foNoLetter, {}, u"#"_s}; }
 
 TFilterCriterion LetterCriterion(const QString& column, const QString& letter)
 {

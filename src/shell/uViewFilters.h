@@ -31,8 +31,8 @@ struct TFilterSet {
     QString Letter;
     int LetterField = 0; ///< 0 artist, 1 release name
     QString KeywordColumn, KeywordText;
-    QString Everything;                  ///< words searched for in all texts
-    std::map<QString, QString> Columns;  ///< filter row: column and text
+    QString Everything;                 ///< words searched for in all texts
+    std::map<QString, QString> Columns; ///< filter row: column and text
     TFilterNode Builder;
     bool IsEmpty() const;
 };

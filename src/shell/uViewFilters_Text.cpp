@@ -19,15 +19,15 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int SavedFilterVersion = 1;
-constexpr int DeepestNode = 16;       // what a hand-made file may not exceed
+constexpr int DeepestNode = 16; // what a hand-made file may not exceed
 constexpr qsizetype LongestFilter = 100000;
 
 // Names of the operators in saved filters: they stay when the enumeration changes.
 constexpr std::pair<TFilterOp, const char*> OpNames[] = {
-    {foEquals, "eq"},      {foNotEquals, "ne"},       {foLess, "lt"},        {foLessOrEqual, "le"},
-    {foGreater, "gt"},     {foGreaterOrEqual, "ge"},  {foLike, "like"},      {foNotLike, "notlike"},
-    {foIsNull, "null"},    {foIsNotNull, "notnull"},  {foContains, "has"},   {foNotContains, "hasnot"},
-    {foBeginsWith, "begins"}, {foEndsWith, "ends"},   {foBetween, "between"}, {foInPeriod, "period"}};
+    {foEquals, "eq"},         {foNotEquals, "ne"},      {foLess, "lt"},         {foLessOrEqual, "le"},
+    {foGreater, "gt"},        {foGreaterOrEqual, "ge"}, {foLike, "like"},       {foNotLike, "notlike"},
+    {foIsNull, "null"},       {foIsNotNull, "notnull"}, {foContains, "has"},    {foNotContains, "hasnot"},
+    {foBeginsWith, "begins"}, {foEndsWith, "ends"},     {foBetween, "between"}, {foInPeriod, "period"}};
 
 QJsonValue ValueToJson(const TVariant& value)
 {
@@ -80,7 +80,8 @@ QJsonObject NodeToJson(const TFilterNode& node)
     QJsonArray groups;
     for (const TFilterNode& group : node.Groups)
         groups.append(NodeToJson(group));
-    return {{u"any"_s, node.Logic == flAny}, {u"not"_s, node.Negated}, {u"criteria"_s, criteria}, {u"groups"_s, groups}};
+    return {
+        {u"any"_s, node.Logic == flAny}, {u"not"_s, node.Negated}, {u"criteria"_s, criteria}, {u"groups"_s, groups}};
 }
 
 TFieldKind KindOfColumn(const QString& column)
@@ -105,8 +106,8 @@ bool NodeFromJson(const QJsonObject& object, TFilterNode& node, int depth)
         const QString column = entry[u"column"_s].toString();
         if (name == std::end(OpNames) || column.isEmpty())
             return false;
-        node.Criteria.push_back({column, name->first, ValueFromJson(entry[u"value"_s], KindOfColumn(column)),
-                                 entry[u"text"_s].toString()});
+        node.Criteria.push_back(
+            {column, name->first, ValueFromJson(entry[u"value"_s], KindOfColumn(column)), entry[u"text"_s].toString()});
     }
     for (const QJsonValue& item : object[u"groups"_s].toArray()) {
         node.Groups.emplace_back();
@@ -185,7 +186,8 @@ std::optional<TFilterSet> FilterSetFromText(const QString& text)
     const QJsonObject object =
         text.size() > LongestFilter ? QJsonObject() : QJsonDocument::fromJson(text.toUtf8()).object();
     TFilterSet set;
-    if (object[u"version"_s].toInt() != SavedFilterVersion || !NodeFromJson(object[u"builder"_s].toObject(), set.Builder, 0))
+    if (object[u"version"_s].toInt() != SavedFilterVersion ||
+        !NodeFromJson(object[u"builder"_s].toObject(), set.Builder, 0))
         return {};
     set.Status = object[u"status"_s].toString();
     set.Letter = object[u"letter"_s].toString().left(1);
@@ -274,13 +276,12 @@ std::vector<TFilterOp> FilterOpsOf(const TFieldDef& field)
     if (field.Kind == fkBoolean)
         return {foEquals, foNotEquals, foIsNull, foIsNotNull};
     if (field.IsText() && field.Name != "CountryCode"_L1)
-        return {foContains, foNotContains, foEquals,    foNotEquals, foBeginsWith,
-                foEndsWith, foLike,        foNotLike,   foIsNull,    foIsNotNull};
+        return {foContains, foNotContains, foEquals,  foNotEquals, foBeginsWith,
+                foEndsWith, foLike,        foNotLike, foIsNull,    foIsNotNull};
     if (field.IsText() || IsFriendField(field.Name))
         return {foEquals, foNotEquals, foIsNull, foIsNotNull};
-    std::vector<TFilterOp> ops{foEquals,  foNotEquals,      foLess,    foLessOrEqual,
-                               foGreater, foGreaterOrEqual, foBetween, foIsNull,
-                               foIsNotNull};
+    std::vector<TFilterOp> ops{foEquals,         foNotEquals, foLess,   foLessOrEqual, foGreater,
+                               foGreaterOrEqual, foBetween,   foIsNull, foIsNotNull};
     if (field.Kind == fkDate || field.Kind == fkDateTime)
         ops.insert(ops.begin(), foInPeriod);
     return ops;

@@ -249,7 +249,8 @@ TEST_F(Cli, ExportsWhatTheListOptionsChoose)
         {{u"--columns"_s, u"ReleaseName, Artist"_s, u"--sort"_s, u"-ReleaseName"_s},
          "Release name,Artist\r\nAlbum 2,Artist 2\r\nAlbum 1,Artist 1\r\nAlbum 0,Artist 0\r\n"},
         {{u"--columns"_s, u"Artist"_s, u"--by"_s, u"ReleaseName"_s, u"--search"_s, u"m 1"_s}, "Artist\r\nArtist 1\r\n"},
-        {{u"--tracks"_s, u"--columns"_s, u"TrackNo,ReleaseName"_s, u"--letter"_s, u"Z"_s}, "Track No,Release name\r\n"}};
+        {{u"--tracks"_s, u"--columns"_s, u"TrackNo,ReleaseName"_s, u"--letter"_s, u"Z"_s},
+         "Track No,Release name\r\n"}};
     for (const auto& [options, text] : cases) {
         const TCliResult result = Run(base + options);
         EXPECT_EQ(result.Code, 0) << result.Err.toStdString();
@@ -257,12 +258,15 @@ TEST_F(Cli, ExportsWhatTheListOptionsChoose)
     }
     for (const QString& format : {u"html"_s, u"xlsx"_s, u"txt"_s, u"xml"_s, u"pdf"_s}) {
         const QString file = FDir.File(u"o."_s + format);
-        EXPECT_EQ(Run({u"export"_s, FPath, u"--format"_s, format, u"--out"_s, file, u"--group"_s, u"Artist"_s}).Code, 0);
+        EXPECT_EQ(Run({u"export"_s, FPath, u"--format"_s, format, u"--out"_s, file, u"--group"_s, u"Artist"_s}).Code,
+                  0);
         EXPECT_GT(Kit::ReadAll(file).size(), 100) << format.toStdString();
     }
-    for (const QStringList& bad : {QStringList{u"--columns"_s, u"Gone"_s}, {u"--format"_s, u"doc"_s}, {u"--sort"_s, u"Gone"_s}})
+    for (const QStringList& bad :
+         {QStringList{u"--columns"_s, u"Gone"_s}, {u"--format"_s, u"doc"_s}, {u"--sort"_s, u"Gone"_s}})
         EXPECT_EQ(Run(base + bad).Code, 2) << bad.join(u' ').toStdString();
-    const TCliResult unwritable = Run({u"export"_s, FPath, u"--format"_s, u"csv"_s, u"--out"_s, FDir.Path() + u"/no/x.csv"_s});
+    const TCliResult unwritable =
+        Run({u"export"_s, FPath, u"--format"_s, u"csv"_s, u"--out"_s, FDir.Path() + u"/no/x.csv"_s});
     EXPECT_EQ(unwritable.Code, 1);
     EXPECT_FALSE(unwritable.Err.isEmpty());
 }

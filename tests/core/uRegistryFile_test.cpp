@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uRegistryFile.h"
-
 #include "uTestFiles.h"
 
 #include <QStringDecoder>
@@ -29,9 +28,8 @@ std::optional<TSettingValues> ReadLines(const QStringList& lines)
 
 TEST(RegistryFile, IsWrittenLineForLineAsTheFormatSays)
 {
-    const QByteArray bytes = WriteRegistryFile(RegistryRoot, {{u"Path"_s, u"C:\\a \"b\""_s},
-                                                              {u"Number"_s, u"-1"_s},
-                                                              {u"Below/Deep/Name"_s, u"07"_s}});
+    const QByteArray bytes = WriteRegistryFile(
+        RegistryRoot, {{u"Path"_s, u"C:\\a \"b\""_s}, {u"Number"_s, u"-1"_s}, {u"Below/Deep/Name"_s, u"07"_s}});
     EXPECT_TRUE(bytes.startsWith("\xFF\xFE"));
     EXPECT_EQ(DecodedUtf16(bytes), u"Windows Registry Editor Version 5.00\r\n"
                                    "\r\n[HKEY_CURRENT_USER\\Software\\Company\\Product]\r\n"
@@ -43,11 +41,26 @@ TEST(RegistryFile, IsWrittenLineForLineAsTheFormatSays)
 
 TEST(RegistryFile, EveryTextComesBack)
 {
-    const QString values[] = {QString(),       u"0"_s,       u"-2147483648"_s,    u"2147483647"_s,
-                              u"2147483648"_s, u"007"_s,     u"+5"_s,             u" 5"_s,
-                              u"1.5"_s,        u"\\"_s,      u"ends with \\"_s,   u"\"quoted\""_s,
-                              u"a=b"_s,        u"[x]"_s,     u"line 1\r\nline 2"_s, u"tab\there"_s,
-                              u"Ünïcode 日本"_s, u"\U0001F3B5"_s, u"dword:5"_s,    u"hex(1):41"_s,
+    const QString values[] = {QString(),
+                              u"0"_s,
+                              u"-2147483648"_s,
+                              u"2147483647"_s,
+                              u"2147483648"_s,
+                              u"007"_s,
+                              u"+5"_s,
+                              u" 5"_s,
+                              u"1.5"_s,
+                              u"\\"_s,
+                              u"ends with \\"_s,
+                              u"\"quoted\""_s,
+                              u"a=b"_s,
+                              u"[x]"_s,
+                              u"line 1\r\nline 2"_s,
+                              u"tab\there"_s,
+                              u"Ünïcode 日本"_s,
+                              u"\U0001F3B5"_s,
+                              u"dword:5"_s,
+                              u"hex(1):41"_s,
                               QString(5000, u'x') + u'\n'};
     TSettingValues written;
     for (size_t i = 0; i < std::size(values); ++i)
@@ -61,13 +74,26 @@ TEST(RegistryFile, EveryTextComesBack)
 
 TEST(RegistryFile, OtherKeysDeletionsAndKindsArePassedOver)
 {
-    const auto values = ReadLines({u"Windows Registry Editor Version 5.00"_s, u""_s, u"\"Early\"=\"no key yet\""_s,
-                                   u"[HKEY_CURRENT_USER\\Software\\Other]"_s, u"\"A\"=\"other\""_s,
-                                   u"[-HKEY_CURRENT_USER\\Software\\Company\\Product]"_s, u"\"B\"=\"deleted key\""_s,
-                                   u"[HKEY_LOCAL_MACHINE\\X\\product]"_s, u"@=\"default\""_s, u"\"C\"=-"_s,
-                                   u"\"D\"=hex:01,02"_s, u"\"E\"=dword:zz"_s, u"\"F\""_s, u"\"G\"=\"no end"_s,
-                                   u"; a remark"_s, u"\"H\" = \"kept\""_s, u"\"I\"=hex(2):41,00,\\"_s, u"  42,00,00,00"_s,
-                                   u"[HKEY_CURRENT_USER\\Software\\Company\\Product2]"_s, u"\"J\"=\"other\""_s});
+    const auto values = ReadLines({u"Windows Registry Editor Version 5.00"_s,
+                                   u""_s,
+                                   u"\"Early\"=\"no key yet\""_s,
+                                   u"[HKEY_CURRENT_USER\\Software\\Other]"_s,
+                                   u"\"A\"=\"other\""_s,
+                                   u"[-HKEY_CURRENT_USER\\Software\\Company\\Product]"_s,
+                                   u"\"B\"=\"deleted key\""_s,
+                                   u"[HKEY_LOCAL_MACHINE\\X\\product]"_s,
+                                   u"@=\"default\""_s,
+                                   u"\"C\"=-"_s,
+                                   u"\"D\"=hex:01,02"_s,
+                                   u"\"E\"=dword:zz"_s,
+                                   u"\"F\""_s,
+                                   u"\"G\"=\"no end"_s,
+                                   u"; a remark"_s,
+                                   u"\"H\" = \"kept\""_s,
+                                   u"\"I\"=hex(2):41,00,\\"_s,
+                                   u"  42,00,00,00"_s,
+                                   u"[HKEY_CURRENT_USER\\Software\\Company\\Product2]"_s,
+                                   u"\"J\"=\"other\""_s});
     ASSERT_TRUE(values);
     EXPECT_EQ(*values, (TSettingValues{{u"H"_s, u"kept"_s}, {u"I"_s, u"AB"_s}}));
 }

@@ -44,10 +44,11 @@ protected:
 
 TEST_F(KeyOrder, IsThatOfTheEngineForValuesOfAllKinds)
 {
-    FConnection.Exec(u"INSERT INTO t(a, b) VALUES (NULL, 1), (-1.5, 2), (-1e300, 2), (0, NULL), (-0.0, 1), (3, 0.5), (3.0, 1),"
-                     " (2, 9007199254740991), ('', 1), ('a', 2), ('a' || char(0), 2), ('a' || char(0) || 'b', 1), ('ab', 1),"
-                     " ('ä', 3), ('a' || char(1), 1), (1e999, 1), (-1e999, 1), ('10', 2), ('9', 2), (char(255), 1),"
-                     " ('eight or more characters alike 2', 1), ('eight or more characters alike 1', 1), (NULL, NULL)"_s);
+    FConnection.Exec(
+        u"INSERT INTO t(a, b) VALUES (NULL, 1), (-1.5, 2), (-1e300, 2), (0, NULL), (-0.0, 1), (3, 0.5), (3.0, 1),"
+        " (2, 9007199254740991), ('', 1), ('a', 2), ('a' || char(0), 2), ('a' || char(0) || 'b', 1), ('ab', 1),"
+        " ('ä', 3), ('a' || char(1), 1), (1e999, 1), (-1e999, 1), ('10', 2), ('9', 2), (char(255), 1),"
+        " ('eight or more characters alike 2', 1), ('eight or more characters alike 1', 1), (NULL, NULL)"_s);
     for (const bool a : {false, true})
         for (const bool b : {false, true}) {
             ExpectSameOrder(u"a"_s, {a});

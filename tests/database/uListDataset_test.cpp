@@ -54,7 +54,10 @@ protected:
     {
         QStringList texts;
         for (const TListGroup& group : Main().Groups())
-            texts << u"%1%2@%3+%4^%5"_s.arg(QString(group.Level, u'.'), VarToStr(group.Value)).arg(group.First).arg(group.Count).arg(group.Parent);
+            texts << u"%1%2@%3+%4^%5"_s.arg(QString(group.Level, u'.'), VarToStr(group.Value))
+                         .arg(group.First)
+                         .arg(group.Count)
+                         .arg(group.Parent);
         return texts;
     }
     TListDataset& Main() { return FData.qReleasesMain; }

@@ -69,7 +69,8 @@ protected:
     {
         EXPECT_TRUE(WriteExport(source, format, Path(format), u"Title & <more>"_s, {}));
         QByteArray output;
-        EXPECT_TRUE(Kit::RunProgram(u"python3"_s, {QString::fromUtf8(KESTRUNE_READ_BACK), ExportFormatWord(format), Path(format)}, &output));
+        EXPECT_TRUE(Kit::RunProgram(
+            u"python3"_s, {QString::fromUtf8(KESTRUNE_READ_BACK), ExportFormatWord(format), Path(format)}, &output));
         return QJsonDocument::fromJson(output).array();
     }
     QString PdfText(TExportSource source)
@@ -104,12 +105,12 @@ TEST_F(Export, EachFormatHoldsExactlyWhatTheViewShows)
     FData.qReleasesMain.SetFilterActive(true);
     FData.qReleasesMain.ApplyFilter();
     FData.qReleasesMain.SetSort({{u"Artist"_s, true}});
-    const QStringList names{u"Artist"_s, u"ReleaseName"_s,       u"ReleaseYear"_s, u"ReleaseDate"_s, u"Price"_s,
+    const QStringList names{u"Artist"_s,  u"ReleaseName"_s,       u"ReleaseYear"_s, u"ReleaseDate"_s, u"Price"_s,
                             u"Barcode"_s, u"TotalTracksLength"_s, u"IsLive"_s,      u"Label"_s};
-    const QJsonArray heads = Row({u"<Artist>"_s, u"<ReleaseName>"_s, u"<ReleaseYear>"_s, u"<ReleaseDate>"_s, u"<Price>"_s,
-                                  u"<Barcode>"_s, u"<TotalTracksLength>"_s, u"<IsLive>"_s, u"<Label>"_s});
-    const QJsonArray plain = Row({u"zappa"_s, u"Plain"_s, u"1979"_s, u"28 Feb 1979"_s, u"$ 1234.50"_s, u"0012345678905"_s,
-                                  u"1:01:01"_s, u"Yes"_s, u""_s});
+    const QJsonArray heads = Row({u"<Artist>"_s, u"<ReleaseName>"_s, u"<ReleaseYear>"_s, u"<ReleaseDate>"_s,
+                                  u"<Price>"_s, u"<Barcode>"_s, u"<TotalTracksLength>"_s, u"<IsLive>"_s, u"<Label>"_s});
+    const QJsonArray plain = Row({u"zappa"_s, u"Plain"_s, u"1979"_s, u"28 Feb 1979"_s, u"$ 1234.50"_s,
+                                  u"0012345678905"_s, u"1:01:01"_s, u"Yes"_s, u""_s});
     QJsonArray hostile = Row({u"Abba"_s, HostileText, u"1976"_s, u"28 Feb 1976"_s, u"$ 1234.50"_s, u"0012345678905"_s,
                               u"1:01:01"_s, u"Yes"_s, u""_s});
 
@@ -122,7 +123,8 @@ TEST_F(Export, EachFormatHoldsExactlyWhatTheViewShows)
     const QJsonArray typed = book[2].toArray();
     EXPECT_EQ(typed[1], QJsonValue(HostileText)) << "a text that begins with = is no formula";
     EXPECT_EQ(typed[2], QJsonValue(1976));
-    EXPECT_EQ(typed[3].toObject()[u"date"_s], QJsonValue(static_cast<double>(QDate(1899, 12, 30).daysTo(QDate(1976, 2, 28)))));
+    EXPECT_EQ(typed[3].toObject()[u"date"_s],
+              QJsonValue(static_cast<double>(QDate(1899, 12, 30).daysTo(QDate(1976, 2, 28)))));
     EXPECT_EQ(typed[4], QJsonValue(1234.5));
     EXPECT_EQ(typed[5], QJsonValue(u"0012345678905"_s)) << "zeros in front stay";
     EXPECT_NEAR(typed[6].toDouble() * 86400.0, 3661.0, 1e-6);

@@ -21,9 +21,8 @@ protected:
         importer.SetOnDone([this](TKRNImporter&, int releases, int) { FReleases = releases; });
         importer.Start();
         importer.WaitFor();
-        return Rows(
-                   u"SELECT TrackNo, TrackTitle, ifnull(Artist, ''), round(TrackLength * 86400), FileType, DiscNo "
-                   "FROM Tracks2 ORDER BY ReleaseId, ID"_s)
+        return Rows(u"SELECT TrackNo, TrackTitle, ifnull(Artist, ''), round(TrackLength * 86400), FileType, DiscNo "
+                    "FROM Tracks2 ORDER BY ReleaseId, ID"_s)
             .replace(u".0|"_s, u"|"_s);
     }
     QString Release()

@@ -12,9 +12,9 @@ using namespace Kit;
 namespace {
 
 const QList<TImageFile> VideoDisc = {{"BDMV/index.bdmv", "index"},
-                                {"BDMV/STREAM/00001.m2ts", QByteArray(10000, 's')},
-                                {"BDMV/STREAM/00002.m2ts", QByteArray(9000, 'f'), 3},
-                                {"readme.txt", "text"}};
+                                     {"BDMV/STREAM/00001.m2ts", QByteArray(10000, 's')},
+                                     {"BDMV/STREAM/00002.m2ts", QByteArray(9000, 'f'), 3},
+                                     {"readme.txt", "text"}};
 
 QByteArray BytesOf(const QByteArray& image, const TUDFFile& file)
 {

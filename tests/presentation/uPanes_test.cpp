@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
 #include "uAlbumTable.h"
-#include "uTestFiles.h"
-#include "uTablePresets.h"
-#include "uScriptedPrompt.h"
-#include "uReleasesModel.h"
-#include "uFieldEditor.h"
 #include "uCoverCache.h"
 #include "uDebugWindow.h"
 #include "uDetailPane.h"
 #include "uDetailParts.h"
+#include "uFieldEditor.h"
 #include "uGalleryData.h"
 #include "uLogView.h"
 #include "uProgressWindow.h"
+#include "uReleasesModel.h"
+#include "uScriptedPrompt.h"
 #include "uSplash.h"
 #include "uStarsEdit.h"
+#include "uTablePresets.h"
+#include "uTestFiles.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -137,7 +137,10 @@ protected:
         FTable->setFocus();
     }
 
-    QModelIndex Cell(int row, const QString& field) { return FTable->Groups().IndexOfRow(row, FModel->ColumnOf(field)); }
+    QModelIndex Cell(int row, const QString& field)
+    {
+        return FTable->Groups().IndexOfRow(row, FModel->ColumnOf(field));
+    }
 
     Kit::TTempDir FDir;
     Kit::TScriptedPrompt FPrompt;

@@ -157,8 +157,8 @@ QString TScenario::State() const
     const auto* view = qobject_cast<QAbstractItemView*>(FWindow->Views()->currentWidget());
     if (!view)
         return views[static_cast<int>(FForm->CurrentView())] + u" | nothing"_s;
-    return u"%1 | %2 | %3"_s.arg(views[static_cast<int>(FForm->CurrentView())],
-                                 view->currentIndex().data(rrTitle).toString())
+    return u"%1 | %2 | %3"_s
+        .arg(views[static_cast<int>(FForm->CurrentView())], view->currentIndex().data(rrTitle).toString())
         .arg(FForm->ActiveKeys().size());
 }
 

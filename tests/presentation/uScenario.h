@@ -36,8 +36,8 @@ protected:
     /// Keys as in "Ctrl+F" to what has the focus.
     void Press(const QString& keys);
     void Type(const QString& text);
-    /// Triggers an action that opens a dialog and runs `inside` when it is there; the dialog is closed if that leaves it
-    /// open.
+    /// Triggers an action that opens a dialog and runs `inside` when it is there; the dialog is closed if that leaves
+    /// it open.
     void InDialog(const char* action, const std::function<void(QDialog&)>& inside);
 
     /// Names of the rows in sight of the active list, in their order.

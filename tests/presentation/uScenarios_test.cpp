@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What users do with the main window, from the first key to what is in the file.
-#include "uScenario.h"
-
 #include "uActionSet.h"
 #include "uAlbumTable.h"
 #include "uDefaults.h"
@@ -14,6 +12,7 @@
 #include "uOptionsWindow.h"
 #include "uReleasesModel.h"
 #include "uSQLWindow.h"
+#include "uScenario.h"
 #include "uTableHeader.h"
 #include "uTablePresets.h"
 #include "uTileView.h"
@@ -526,7 +525,8 @@ TEST_F(Scenario, ThePaneEditsByKeyboardInAllItsPlaces)
 TEST_F(Scenario, LayoutsOfAnotherVersionAreLeftAside)
 {
     Open(3, [] {
-        for (const QString& key : {u"AlbumView.Layout"_s, u"TracksView.Layout"_s, u"SavedFilters"_s, u"VG.HiddenFields"_s})
+        for (const QString& key :
+             {u"AlbumView.Layout"_s, u"TracksView.Layout"_s, u"SavedFilters"_s, u"VG.HiddenFields"_s})
             SettingsStore().WriteString(key, {}, u"v99|x"_s);
         Defaults().CurrentView = 4;
     });

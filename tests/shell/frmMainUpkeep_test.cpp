@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the main form does to whole collections and settings, and to single rows.
 #include "uFormKit.h"
-
 #include "uSQLite.h"
 
 #include <QBuffer>

@@ -53,11 +53,11 @@ TEST(ViewLayout, ComesBackFromItsTextAndNothingElseDoes)
     EXPECT_EQ(text, u"v2|Artist:0,No:52,-Genre:0|Artist,-ReleaseYear|Genre"_s);
     ASSERT_TRUE(LayoutFromText(text));
     EXPECT_TRUE(*LayoutFromText(text) == layout);
-    for (const QString& bad : {QString(), u"v1|Artist:0|"_s, u"v2|Artist:0"_s, u"v2|||"_s, u"v2|Artist||"_s,
-                               u"v2|Artist:x||"_s, u"v2|Artist:5||"_s, u"v2|Artist:-40||"_s,
-                               u"v2|Artist:99999999999||"_s, u"v2|Artist:40,artist:40||"_s, u"v2|-Artist:40||"_s,
-                               u"v2|A b:40||"_s, u"v2|:40||"_s, u"v2|Artist:0|x;y|"_s, u"v2|Artist:0|No,No|"_s,
-                               u"v2|Artist:0||a b"_s, u"v2|Artist:0||No,No"_s, u"\u0000\u00ff"_s, QString(1000000, u'|')})
+    for (const QString& bad :
+         {QString(), u"v1|Artist:0|"_s, u"v2|Artist:0"_s, u"v2|||"_s, u"v2|Artist||"_s, u"v2|Artist:x||"_s,
+          u"v2|Artist:5||"_s, u"v2|Artist:-40||"_s, u"v2|Artist:99999999999||"_s, u"v2|Artist:40,artist:40||"_s,
+          u"v2|-Artist:40||"_s, u"v2|A b:40||"_s, u"v2|:40||"_s, u"v2|Artist:0|x;y|"_s, u"v2|Artist:0|No,No|"_s,
+          u"v2|Artist:0||a b"_s, u"v2|Artist:0||No,No"_s, u"\u0000\u00ff"_s, QString(1000000, u'|')})
         EXPECT_FALSE(LayoutFromText(bad)) << bad.left(60).toStdString();
     EXPECT_EQ(FoldedFromText(FoldedToText({u"tracks"_s, u"General"_s})), (QStringList{u"General"_s, u"tracks"_s}));
     EXPECT_TRUE(FoldedFromText(FoldedToText({})).isEmpty());

@@ -14,7 +14,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const std::vector<TSortForm::TColumn> SortColumns{{u"Artist"_s, u"Artist"_s}, {u"Year"_s, u"ReleaseYear"_s}, {u"No."_s, u"No"_s}};
+const std::vector<TSortForm::TColumn> SortColumns{
+    {u"Artist"_s, u"Artist"_s}, {u"Year"_s, u"ReleaseYear"_s}, {u"No."_s, u"No"_s}};
 
 QStringList LevelsOf(const TSortForm& form)
 {
@@ -84,7 +85,9 @@ TEST_F(FormsTest, MultiEditSetsTheSameValuesByTheRulesOfTheCursor)
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2 WHERE Label = 'Blue Lamp' AND Rating = 9"
                                     " AND ReleaseYear IS NULL AND substr(LastModified, 1, 4) > '2020'"_s),
               2);
-    EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2 WHERE LastModified LIKE '2001%' AND Label IS NULL"_s), 2);
+    EXPECT_EQ(
+        FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2 WHERE LastModified LIKE '2001%' AND Label IS NULL"_s),
+        2);
     EXPECT_EQ(FData.qReleasesMain.ValueAt(1, FData.qReleasesMain.FieldIndex(u"Label"_s)), TVariant(u"Blue Lamp"_s))
         << "the list shows it at once";
 }
@@ -118,10 +121,9 @@ TEST_F(FormsTest, ReadOnlySQLReadsAndRefusesEveryWayToWrite)
     for (const QString& sql :
          {u"DELETE FROM Releases2"_s, u"UPDATE Releases2 SET Artist = 'x'"_s, u"DROP TABLE Loans"_s,
           u"INSERT INTO Friends(Name) VALUES ('x')"_s, u"CREATE TABLE t(a)"_s, u"PRAGMA user_version = 5"_s,
-          u"PRAGMA writable_schema = 1"_s, u"PRAGMA journal_mode = DELETE"_s, u"ATTACH ':memory:' AS m"_s,
-          u"VACUUM"_s, u"BEGIN"_s, u"SELECT 1; DELETE FROM Tracks2"_s, u"REINDEX"_s,
-          u"PRAGMA incremental_vacuum"_s, u"PRAGMA wal_checkpoint"_s,
-          u"WITH a AS (SELECT 1) DELETE FROM Releases2"_s}) {
+          u"PRAGMA writable_schema = 1"_s, u"PRAGMA journal_mode = DELETE"_s, u"ATTACH ':memory:' AS m"_s, u"VACUUM"_s,
+          u"BEGIN"_s, u"SELECT 1; DELETE FROM Tracks2"_s, u"REINDEX"_s, u"PRAGMA incremental_vacuum"_s,
+          u"PRAGMA wal_checkpoint"_s, u"WITH a AS (SELECT 1) DELETE FROM Releases2"_s}) {
         const TSQLResult result = form.Run(sql);
         EXPECT_FALSE(result.Error.isEmpty()) << sql.toStdString();
     }
@@ -138,7 +140,8 @@ TEST_F(FormsTest, WritingSQLIsOneTransactionAndCanBeStopped)
     OpenFilled();
     TExecSQLForm form(FData);
     form.SetCanWrite(true);
-    const TSQLResult done = form.Run(u"UPDATE Releases2 SET Label = 'x'; DELETE FROM Tracks2 WHERE ID = 1; SELECT 5 AS five"_s);
+    const TSQLResult done =
+        form.Run(u"UPDATE Releases2 SET Label = 'x'; DELETE FROM Tracks2 WHERE ID = 1; SELECT 5 AS five"_s);
     EXPECT_EQ(done.Error, QString());
     EXPECT_EQ(done.Changed, 5);
     EXPECT_EQ(done.Columns, QStringList{u"five"_s});

@@ -48,30 +48,29 @@ TEST_F(ViewFilters, FilterRowTextsMeanWhatTheyLookLike)
         QString Column, Text;
         std::optional<QStringList> Rows; // none: no condition for this column
     };
-    const TCase cases[] = {
-        {u"ReleaseName"_s, u"0%"_s, QStringList{all[3]}},
-        {u"ReleaseName"_s, u"_"_s, QStringList{}},
-        {u"ReleaseName"_s, u"=help"_s, QStringList{all[0]}},
-        {u"ReleaseName"_s, u"<>help"_s, all.mid(1)},
-        {u"ReleaseName"_s, u">=help"_s, QStringList{all[0], all[2]}},
-        {u"ReleaseYear"_s, u"1976"_s, QStringList{all[1]}},
-        {u"ReleaseYear"_s, u" >= 1976 "_s, all.mid(1)},
-        {u"ReleaseYear"_s, u"1970..1980"_s, QStringList{all[1], all[3]}},
-        {u"ReleaseYear"_s, u"1980..1970"_s, QStringList{}},
-        {u"ReleaseYear"_s, u"1970.."_s, {}},
-        {u"ReleaseYear"_s, u"sixties"_s, {}},
-        {u"ReleaseYear"_s, u"<"_s, {}},
-        {u"Price"_s, u">12"_s, QStringList{all[2]}},
-        {u"Price"_s, u"="_s, QStringList{all[0], all[1], all[3]}},
-        {u"Price"_s, u"<>"_s, QStringList{all[2]}},
-        {u"DatePurchased"_s, u"<2020-03-01"_s, QStringList{all[0]}},
-        {u"DatePurchased"_s, u"2020-01-01..2021-12-31"_s, QStringList{all[0], all[1]}},
-        {u"DatePurchased"_s, u"2021-02-30"_s, {}},
-        {u"TotalTracksLength"_s, u">1:00"_s, all},
-        {u"TotalTracksLength"_s, u"1:02..2:00"_s, QStringList{}},
-        {u"IsLive"_s, u"no"_s, all},
-        {u"IsLive"_s, u"perhaps"_s, {}},
-        {u"ReleaseYear"_s, u"   "_s, all}};
+    const TCase cases[] = {{u"ReleaseName"_s, u"0%"_s, QStringList{all[3]}},
+                           {u"ReleaseName"_s, u"_"_s, QStringList{}},
+                           {u"ReleaseName"_s, u"=help"_s, QStringList{all[0]}},
+                           {u"ReleaseName"_s, u"<>help"_s, all.mid(1)},
+                           {u"ReleaseName"_s, u">=help"_s, QStringList{all[0], all[2]}},
+                           {u"ReleaseYear"_s, u"1976"_s, QStringList{all[1]}},
+                           {u"ReleaseYear"_s, u" >= 1976 "_s, all.mid(1)},
+                           {u"ReleaseYear"_s, u"1970..1980"_s, QStringList{all[1], all[3]}},
+                           {u"ReleaseYear"_s, u"1980..1970"_s, QStringList{}},
+                           {u"ReleaseYear"_s, u"1970.."_s, {}},
+                           {u"ReleaseYear"_s, u"sixties"_s, {}},
+                           {u"ReleaseYear"_s, u"<"_s, {}},
+                           {u"Price"_s, u">12"_s, QStringList{all[2]}},
+                           {u"Price"_s, u"="_s, QStringList{all[0], all[1], all[3]}},
+                           {u"Price"_s, u"<>"_s, QStringList{all[2]}},
+                           {u"DatePurchased"_s, u"<2020-03-01"_s, QStringList{all[0]}},
+                           {u"DatePurchased"_s, u"2020-01-01..2021-12-31"_s, QStringList{all[0], all[1]}},
+                           {u"DatePurchased"_s, u"2021-02-30"_s, {}},
+                           {u"TotalTracksLength"_s, u">1:00"_s, all},
+                           {u"TotalTracksLength"_s, u"1:02..2:00"_s, QStringList{}},
+                           {u"IsLive"_s, u"no"_s, all},
+                           {u"IsLive"_s, u"perhaps"_s, {}},
+                           {u"ReleaseYear"_s, u"   "_s, all}};
     for (const TCase& item : cases) {
         SCOPED_TRACE((item.Column + u' ' + item.Text).toStdString());
         EXPECT_EQ(FForm.SetColumnFilter(item.Column, item.Text), item.Rows.has_value());
@@ -106,17 +105,16 @@ TEST_F(ViewFilters, BuilderTreesNestAndNegate)
 TEST_F(ViewFilters, PeriodsCountFromToday)
 {
     const QDate today(2024, 3, 31);
-    const std::tuple<TFilterPeriod, QDate, QDate> cases[] = {
-        {fpToday, today, today},
-        {fpYesterday, QDate(2024, 3, 30), QDate(2024, 3, 30)},
-        {fpLast7Days, QDate(2024, 3, 25), today},
-        {fpLast30Days, QDate(2024, 3, 2), today},
-        {fpLast365Days, QDate(2023, 4, 2), today},
-        {fpThisMonth, QDate(2024, 3, 1), QDate(2024, 3, 31)},
-        {fpLastMonth, QDate(2024, 2, 1), QDate(2024, 2, 29)},
-        {fpThisYear, QDate(2024, 1, 1), QDate(2024, 12, 31)},
-        {fpLastYear, QDate(2023, 1, 1), QDate(2023, 12, 31)},
-        {fpFuture, QDate(2024, 4, 1), QDate()}};
+    const std::tuple<TFilterPeriod, QDate, QDate> cases[] = {{fpToday, today, today},
+                                                             {fpYesterday, QDate(2024, 3, 30), QDate(2024, 3, 30)},
+                                                             {fpLast7Days, QDate(2024, 3, 25), today},
+                                                             {fpLast30Days, QDate(2024, 3, 2), today},
+                                                             {fpLast365Days, QDate(2023, 4, 2), today},
+                                                             {fpThisMonth, QDate(2024, 3, 1), QDate(2024, 3, 31)},
+                                                             {fpLastMonth, QDate(2024, 2, 1), QDate(2024, 2, 29)},
+                                                             {fpThisYear, QDate(2024, 1, 1), QDate(2024, 12, 31)},
+                                                             {fpLastYear, QDate(2023, 1, 1), QDate(2023, 12, 31)},
+                                                             {fpFuture, QDate(2024, 4, 1), QDate()}};
     for (const auto& [period, first, last] : cases)
         EXPECT_EQ(DaysOfPeriod(period, today), std::pair(first, last)) << static_cast<int>(period);
 
@@ -152,9 +150,12 @@ TEST_F(ViewFilters, SavedFiltersSurviveAsTextWithAllTheyHold)
     set.KeywordText = u"100%\n日本"_s;
     set.Everything = u"two words"_s;
     set.Columns = {{u"ReleaseYear"_s, u"1970..1980"_s}, {u"Label"_s, u"="_s}};
-    set.Builder = {flAny, true, {{u"Price"_s, foBetween, QVariantList{1.5, 2.0}, u"1.5 to 2"_s},
-                                 {u"DatePurchased"_s, foLess, u"2020-01-01"_s, {}},
-                                 {u"IsLive"_s, foEquals, true, u"Yes"_s}}, {AllOf({{u"No"_s, foGreater, 5, u"5"_s}})}};
+    set.Builder = {flAny,
+                   true,
+                   {{u"Price"_s, foBetween, QVariantList{1.5, 2.0}, u"1.5 to 2"_s},
+                    {u"DatePurchased"_s, foLess, u"2020-01-01"_s, {}},
+                    {u"IsLive"_s, foEquals, true, u"Yes"_s}},
+                   {AllOf({{u"No"_s, foGreater, 5, u"5"_s}})}};
     const QString text = FilterSetToText(set);
     EXPECT_FALSE(text.contains(u'\n'));
     const auto read = FilterSetFromText(text);
@@ -221,7 +222,8 @@ TEST_F(ViewFilters, ConditionsAreSaidInWords)
 {
     OpenFilled();
     TFilterNode node = AllOf({{u"ReleaseYear"_s, foGreater, 1970, u"1970"_s}});
-    node.Groups.push_back({flAny, true, {{u"Label"_s, foIsNull, {}, {}}, {u"Artist"_s, foContains, u"a"_s, u"a"_s}}, {}});
+    node.Groups.push_back(
+        {flAny, true, {{u"Label"_s, foIsNull, {}, {}}, {u"Artist"_s, foContains, u"a"_s, u"a"_s}}, {}});
     EXPECT_EQ(FilterSummary(FData, node, false).toStdString(),
               "Release year is more than 1970 and (not (Label is empty or Artist contains a))");
 }
@@ -260,7 +262,8 @@ TEST_F(ViewFilters, ValuesAreReadAsPeopleTypeThem)
         }
     }
     // What an editor shows reads back as the same value, in languages that write numbers in another way too.
-    for (const QLocale& locale : {QLocale::c(), QLocale(QLocale::German), QLocale(QLocale::French), QLocale(QLocale::Arabic)}) {
+    for (const QLocale& locale :
+         {QLocale::c(), QLocale(QLocale::German), QLocale(QLocale::French), QLocale(QLocale::Arabic)}) {
         QLocale::setDefault(locale);
         for (const auto& [column, value] : {std::pair<QString, TVariant>{u"Price"_s, 1234567.25},
                                             {u"DatePurchased"_s, QDate(2019, 12, 5)},

@@ -123,7 +123,8 @@ void TCellDelegate::PaintHits(QPainter& painter, const QRectF& box, const QStrin
         const qreal left = std::max(box.left(), start + metrics.horizontalAdvance(text.left(at)));
         const qreal width = std::min(metrics.horizontalAdvance(text.mid(at, FFindText.size())), box.right() - left);
         if (width > 0)
-            FillRounded(painter, QRectF(left, box.center().y() - height / 2, width, height), 2, CurrentTheme().WarnSoft);
+            FillRounded(painter, QRectF(left, box.center().y() - height / 2, width, height), 2,
+                        CurrentTheme().WarnSoft);
     }
 }
 

@@ -18,7 +18,8 @@ namespace Kestrune {
 using namespace Qt::StringLiterals;
 
 TCommandPalette::TCommandPalette(const TActionSet& actions, QWidget* parent)
-    : TDialog(u"TCommandPalette"_s, GetLanguageString(u"cSactCommandPalette"_s), parent), FActions(actions),
+    : TDialog(u"TCommandPalette"_s, GetLanguageString(u"cSactCommandPalette"_s), parent),
+      FActions(actions),
       FList(new QListWidget(this))
 {
     auto* search = new QLineEdit(this);
@@ -48,8 +49,8 @@ void TCommandPalette::Fill(const QString& text)
             continue;
         const QString keys = action->shortcut().toString(QKeySequence::NativeText);
         const QString shown = FullCaptionOf(name) + (keys.isEmpty() ? QString() : u"   "_s + keys);
-        const bool hit = std::ranges::all_of(
-            words, [&](const QString& word) { return shown.contains(word, Qt::CaseInsensitive); });
+        const bool hit =
+            std::ranges::all_of(words, [&](const QString& word) { return shown.contains(word, Qt::CaseInsensitive); });
         if (!hit)
             continue;
         auto* item = new QListWidgetItem(action->icon(), shown, FList);

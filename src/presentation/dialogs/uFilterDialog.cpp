@@ -38,7 +38,11 @@ bool NeedsValue(TFilterOp op) { return op != foIsNull && op != foIsNotNull; }
 
 TFilterRow::TFilterRow(TDataModuleMain& dataModule, const std::vector<TFieldDef>& fields, bool ofTracks,
                        QWidget* parent)
-    : QWidget(parent), FData(dataModule), FFields(fields), FOfTracks(ofTracks), FField(new QComboBox(this)),
+    : QWidget(parent),
+      FData(dataModule),
+      FFields(fields),
+      FOfTracks(ofTracks),
+      FField(new QComboBox(this)),
       FOp(new QComboBox(this))
 {
     auto* row = new QHBoxLayout(this);
@@ -87,8 +91,7 @@ void TFilterRow::MakeValues()
         const auto add = [&] {
             auto* editor = new TFieldEditor(FData, Field(), FOfTracks, FValues);
             connect(editor, &TFieldEditor::cancelled, window(), [this] { static_cast<QDialog*>(window())->reject(); });
-            connect(editor, &TFieldEditor::moved, this,
-                    [this](int direction) { focusNextPrevChild(direction > 0); });
+            connect(editor, &TFieldEditor::moved, this, [this](int direction) { focusNextPrevChild(direction > 0); });
             row->addWidget(editor);
             return editor;
         };
@@ -130,9 +133,8 @@ std::optional<TFilterCriterion> TFilterRow::Criterion() const
 
 void TFilterRow::SetCriterion(const TFilterCriterion& criterion)
 {
-    const auto field = std::ranges::find_if(FFields, [&](const TFieldDef& def) {
-        return def.Name.compare(criterion.Column, Qt::CaseInsensitive) == 0;
-    });
+    const auto field = std::ranges::find_if(
+        FFields, [&](const TFieldDef& def) { return def.Name.compare(criterion.Column, Qt::CaseInsensitive) == 0; });
     if (field == FFields.end())
         return; // a column that is gone leaves an empty row
     FField->setCurrentIndex(static_cast<int>(field - FFields.begin()));
@@ -157,8 +159,13 @@ void TFilterRow::Begin() { FField->setFocus(); }
 
 TFilterGroupBox::TFilterGroupBox(TDataModuleMain& dataModule, const std::vector<TFieldDef>& fields, bool ofTracks,
                                  int depth, QWidget* parent)
-    : QWidget(parent), FData(dataModule), FFields(fields), FOfTracks(ofTracks), FDepth(depth),
-      FLogic(new QComboBox(this)), FColumn(new QVBoxLayout(this))
+    : QWidget(parent),
+      FData(dataModule),
+      FFields(fields),
+      FOfTracks(ofTracks),
+      FDepth(depth),
+      FLogic(new QComboBox(this)),
+      FColumn(new QVBoxLayout(this))
 {
     FColumn->setContentsMargins(depth == 0 ? 4 : 14, 6, 4, 6);
     FColumn->setSpacing(6);
@@ -216,7 +223,8 @@ TFilterGroupBox* TFilterGroupBox::AddGroup()
 
 void TFilterGroupBox::SetNode(const TFilterNode& node)
 {
-    FLogic->setCurrentIndex(node.Logic == flAny ? (node.Negated ? leNotAny : leAny) : (node.Negated ? leNotAll : leAll));
+    FLogic->setCurrentIndex(node.Logic == flAny ? (node.Negated ? leNotAny : leAny)
+                                                : (node.Negated ? leNotAll : leAll));
     for (const TFilterCriterion& criterion : node.Criteria)
         AddRow()->SetCriterion(criterion);
     for (const TFilterNode& group : node.Groups)

@@ -17,12 +17,11 @@ namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-TAboutWindow::TAboutWindow(QWidget* parent)
-    : TDialog(u"TAboutForm"_s, GetLanguageString(u"cSactAbout"_s), parent)
+TAboutWindow::TAboutWindow(QWidget* parent) : TDialog(u"TAboutForm"_s, GetLanguageString(u"cSactAbout"_s), parent)
 {
     const TOEMInfo& oem = Defaults().OEM;
-    auto* title = new QLabel(u"<h2>%1 %2</h2>"_s.arg(oem.Name.toHtmlEscaped(), QApplication::applicationVersion()),
-                             this);
+    auto* title =
+        new QLabel(u"<h2>%1 %2</h2>"_s.arg(oem.Name.toHtmlEscaped(), QApplication::applicationVersion()), this);
     auto* text = new QLabel(GetLanguageString(u"cSAboutText"_s).arg(QString::fromLatin1(qVersion())), this);
     text->setWordWrap(true);
     text->setTextInteractionFlags(Qt::TextBrowserInteraction);
@@ -50,8 +49,7 @@ QString ShortcutTableHtml()
     return html + u"</table>"_s;
 }
 
-THelpWindow::THelpWindow(QWidget* parent)
-    : TDialog(u"THelpForm"_s, GetLanguageString(u"cSactHelp"_s), parent)
+THelpWindow::THelpWindow(QWidget* parent) : TDialog(u"THelpForm"_s, GetLanguageString(u"cSactHelp"_s), parent)
 {
     QFile file(u":/kestrune/help/help.html"_s);
     QString html = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();

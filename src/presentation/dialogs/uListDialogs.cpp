@@ -232,7 +232,8 @@ void TMultiEditDialog::accept()
 }
 
 TColumnsDialog::TColumnsDialog(TAlbumTable& table, QWidget* parent)
-    : TDialog(u"TColumnsDialog"_s, GetLanguageString(u"cSactCustomizeColumns"_s), parent), FTable(table),
+    : TDialog(u"TColumnsDialog"_s, GetLanguageString(u"cSactCustomizeColumns"_s), parent),
+      FTable(table),
       FList(new QListWidget(this))
 {
     auto* search = new QLineEdit(this);

@@ -24,9 +24,13 @@ namespace Kestrune {
 using namespace Qt::StringLiterals;
 
 TOptionsWindow::TOptionsWindow(const TDefaults& settings, TDataModuleMain& dataModule, QWidget* parent)
-    : TDialog(u"TOptionsForm"_s, GetLanguageString(u"cSactOptions"_s), parent), FDraft(settings),
-      FFirstHeight(settings.LargeHeight), FFirstTheme(settings.ThemeIndex),
-      FFirstAccent(settings.ColorSchemeAccentIndex), FPages(new QListWidget(this)), FStack(new QStackedWidget(this))
+    : TDialog(u"TOptionsForm"_s, GetLanguageString(u"cSactOptions"_s), parent),
+      FDraft(settings),
+      FFirstHeight(settings.LargeHeight),
+      FFirstTheme(settings.ThemeIndex),
+      FFirstAccent(settings.ColorSchemeAccentIndex),
+      FPages(new QListWidget(this)),
+      FStack(new QStackedWidget(this))
 {
     auto* search = new QLineEdit(this);
     search->setPlaceholderText(GetLanguageString(u"cSOptSearch"_s));
@@ -129,8 +133,7 @@ void TOptionsWindow::AddChoice(QFormLayout& page, const QString& key, int& value
     page.addRow(GetLanguageString(key), box);
 }
 
-void TOptionsWindow::AddList(QFormLayout& page, const QString& key, QString& value, const QStringList& items,
-                             bool free)
+void TOptionsWindow::AddList(QFormLayout& page, const QString& key, QString& value, const QStringList& items, bool free)
 {
     auto* box = new QComboBox(page.parentWidget());
     box->setEditable(free);

@@ -75,9 +75,9 @@ void TOptionsWindow::ArticlesPage()
 {
     QFormLayout& page = *AddPage(u"cSOptArticles"_s, u"cSOptArticlesNote"_s);
     AddCheck(page, u"cSOptArticlesEnabled"_s, FDraft.ArticlesEnabled);
-    AddChoice(page, u"cSOptArticlesMode"_s, FDraft.ArticlesDisplayMode,
-              Texts({u"cSOptArticlesMode0"_s, u"cSOptArticlesMode1"_s, u"cSOptArticlesMode2"_s,
-                     u"cSOptArticlesMode3"_s}));
+    AddChoice(
+        page, u"cSOptArticlesMode"_s, FDraft.ArticlesDisplayMode,
+        Texts({u"cSOptArticlesMode0"_s, u"cSOptArticlesMode1"_s, u"cSOptArticlesMode2"_s, u"cSOptArticlesMode3"_s}));
     AddCheck(page, u"cSOptArticlesSort"_s, FDraft.ArticlesSortWithout);
     AddCheck(page, u"cSOptArticlesArtist"_s, FDraft.ArticlesFieldArtist);
     AddCheck(page, u"cSOptArticlesRelease"_s, FDraft.ArticlesFieldReleaseName);
@@ -118,9 +118,8 @@ void TOptionsWindow::DefaultValuesPage(TDataModuleMain& dataModule)
     std::vector<std::pair<QString, QString>> friends;
     if (dataModule.qFriends.Active())
         for (int row = 0; row < dataModule.qFriends.RecordCount(); ++row)
-            friends.emplace_back(
-                QString::number(dataModule.qFriends.KeyAt(row)),
-                VarToStr(dataModule.qFriends.ValueAt(row, dataModule.qFriends.FieldIndex(u"Name"_s))));
+            friends.emplace_back(QString::number(dataModule.qFriends.KeyAt(row)),
+                                 VarToStr(dataModule.qFriends.ValueAt(row, dataModule.qFriends.FieldIndex(u"Name"_s))));
     AddCodes(page, u"cSReleasesFieldOwnerId"_s, friends, values.Owner > 0 ? QString::number(values.Owner) : QString(),
              [&values](const QString& id) { values.Owner = id.toInt(); });
     AddCheck(page, u"cSReleasesFieldIsLive"_s, values.IsLive);

@@ -24,8 +24,11 @@ namespace Kestrune {
 using namespace Qt::StringLiterals;
 
 TSQLWindow::TSQLWindow(TExecSQLForm& form, QWidget* parent)
-    : TDialog(u"TExecSQLForm"_s, GetLanguageString(u"cSactExecSQL"_s), parent), FForm(form),
-      FSQL(new QPlainTextEdit(this)), FGrid(new QTableWidget(this)), FMessage(new QLabel(this))
+    : TDialog(u"TExecSQLForm"_s, GetLanguageString(u"cSactExecSQL"_s), parent),
+      FForm(form),
+      FSQL(new QPlainTextEdit(this)),
+      FGrid(new QTableWidget(this)),
+      FMessage(new QLabel(this))
 {
     auto* history = new QComboBox(this);
     history->setAccessibleName(GetLanguageString(u"cSSQLHistory"_s));
@@ -61,7 +64,8 @@ TSQLWindow::TSQLWindow(TExecSQLForm& form, QWidget* parent)
     AddCloseButton();
     FRun = AddSideButton(GetLanguageString(u"cSSQLRun"_s));
     connect(FRun, &QPushButton::clicked, this, &TSQLWindow::Run);
-    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Return), this), &QShortcut::activated, this, &TSQLWindow::Run);
+    connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_Return), this), &QShortcut::activated, this,
+            &TSQLWindow::Run);
     SetFirstSize({900, 620});
     FSQL->setFocus();
 }

@@ -205,7 +205,7 @@ void TFieldEditor::SetValue(const TVariant& value)
     if (FStars) {
         FStars->SetRating(static_cast<int>(RoundHalfEven(VarToDouble(value).toDouble() * 2.0)));
     } else if (FKind == ekChoice) {
-        const QString stored = VarIsNull(value)             ? QString()
+        const QString stored = VarIsNull(value)           ? QString()
                                : FField.Kind == fkBoolean ? (VarToBool(value) ? u"1"_s : u"0"_s)
                                                           : VarToStr(value);
         if (FList->findData(stored) < 0) // a value that the list does not know is not lost
@@ -217,10 +217,7 @@ void TFieldEditor::SetValue(const TVariant& value)
     FGivenText = FStars ? QString::number(FStars->Rating()) : Text();
 }
 
-bool TFieldEditor::IsModified() const
-{
-    return (FStars ? QString::number(FStars->Rating()) : Text()) != FGivenText;
-}
+bool TFieldEditor::IsModified() const { return (FStars ? QString::number(FStars->Rating()) : Text()) != FGivenText; }
 
 std::optional<TVariant> TFieldEditor::Value() const
 {

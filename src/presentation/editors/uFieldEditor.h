@@ -42,10 +42,10 @@ public:
     void Begin();
 
 Q_SIGNALS:
-    void committed();            ///< the user is done: Enter, a choice, the focus went on
-    void moved(int direction);   ///< done, and on to the next (1) or former (-1) one: Tab
-    void cancelled();            ///< Esc
-    void edited();               ///< the text or the choice changed
+    void committed();          ///< the user is done: Enter, a choice, the focus went on
+    void moved(int direction); ///< done, and on to the next (1) or former (-1) one: Tab
+    void cancelled();          ///< Esc
+    void edited();             ///< the text or the choice changed
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -20,9 +20,8 @@ QWidget* TTableDelegate::createEditor(QWidget* parent, const QStyleOptionViewIte
     auto* editor = new TFieldEditor(FModel.Data(), *field, FModel.OfTracks(), parent);
     auto* self = const_cast<TTableDelegate*>(this); // Qt makes editors in a const call
     connect(editor, &TFieldEditor::committed, self, [self, editor] { self->Finish(editor, NoHint); });
-    connect(editor, &TFieldEditor::moved, self, [self, editor](int direction) {
-        self->Finish(editor, direction > 0 ? EditNextItem : EditPreviousItem);
-    });
+    connect(editor, &TFieldEditor::moved, self,
+            [self, editor](int direction) { self->Finish(editor, direction > 0 ? EditNextItem : EditPreviousItem); });
     connect(editor, &TFieldEditor::cancelled, self, [self, editor] {
         editor->setProperty("closing", true);
         Q_EMIT self->closeEditor(editor, RevertModelCache);
@@ -67,8 +66,7 @@ void TTableDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, co
     field->ShowRefusal(sentence);
 }
 
-void TTableDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,
-                                          const QModelIndex&) const
+void TTableDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option, const QModelIndex&) const
 {
     // Stars and dates need more room than a narrow column has.
     QRect box = option.rect;

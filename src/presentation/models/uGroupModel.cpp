@@ -41,8 +41,7 @@ void TGroupModel::Reset()
     FGroups.reserve(groups.size());
     for (int i = 0; i < static_cast<int>(groups.size()); ++i) {
         const TListGroup& group = groups[static_cast<size_t>(i)];
-        std::vector<int>& siblings =
-            group.Parent < 0 ? FTop : FGroups[static_cast<size_t>(group.Parent)].Children;
+        std::vector<int>& siblings = group.Parent < 0 ? FTop : FGroups[static_cast<size_t>(group.Parent)].Children;
         FGroups.push_back({group, static_cast<int>(siblings.size()), {}});
         siblings.push_back(i);
     }
@@ -76,9 +75,8 @@ QModelIndex TGroupModel::IndexOfGroup(int group, int column) const
 
 int TGroupModel::InnermostGroup(int row) const
 {
-    const auto after = std::ranges::upper_bound(FInnermost, row, {}, [this](int group) {
-        return FGroups[static_cast<size_t>(group)].Group.First;
-    });
+    const auto after = std::ranges::upper_bound(
+        FInnermost, row, {}, [this](int group) { return FGroups[static_cast<size_t>(group)].Group.First; });
     return after == FInnermost.begin() ? -1 : *std::prev(after);
 }
 

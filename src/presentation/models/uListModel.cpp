@@ -93,10 +93,7 @@ QModelIndex TListModel::IndexOfId(qint64 id) const
     return row < 0 || row >= FRows ? QModelIndex() : index(row, 0);
 }
 
-QVariant TListModel::Value(int row, const QString& field) const
-{
-    return FList.ValueAt(row, FList.FieldIndex(field));
-}
+QVariant TListModel::Value(int row, const QString& field) const { return FList.ValueAt(row, FList.FieldIndex(field)); }
 
 QVariant TListModel::DisplayData(int row, int field) const
 {
@@ -133,8 +130,7 @@ bool TListModel::setData(const QModelIndex& index, const QVariant& value, int ro
 Qt::ItemFlags TListModel::flags(const QModelIndex& index) const
 {
     const TFieldDef* field = index.isValid() ? FieldDefOf(index.column()) : nullptr;
-    const bool editable =
-        field && FEdit && (TDataModuleMain::IsFieldAssignable(*field)) && field->Kind != fkDateTime;
+    const bool editable = field && FEdit && (TDataModuleMain::IsFieldAssignable(*field)) && field->Kind != fkDateTime;
     return QAbstractTableModel::flags(index) | (editable ? Qt::ItemIsEditable : Qt::NoItemFlags);
 }
 
@@ -142,8 +138,8 @@ TCellKind TListModel::KindOf(const TFieldDef& field) const
 {
     if (field.Name == "Rating_Calc"_L1)
         return ckRating;
-    const bool number = field.Kind == fkInteger || field.Kind == fkFloat || field.Kind == fkDate ||
-                        field.Kind == fkDateTime;
+    const bool number =
+        field.Kind == fkInteger || field.Kind == fkFloat || field.Kind == fkDate || field.Kind == fkDateTime;
     return number && !IsFriendField(field.Name) ? ckNumber : ckText;
 }
 

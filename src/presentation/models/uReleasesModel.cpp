@@ -43,9 +43,9 @@ void TReleasesModel::ReadLoans()
             continue;
         const int friendRow = friends.RowOfKey(at(row, u"FriendID"_s).toLongLong());
         const QDate due = at(row, u"DueDate"_s).toDate();
-        FLoans.insert(at(row, u"ReleaseId"_s).toLongLong(),
-                      {VarToStr(friends.ValueAt(friendRow, friends.FieldIndex(u"Name"_s))),
-                       due.isValid() && due < today});
+        FLoans.insert(
+            at(row, u"ReleaseId"_s).toLongLong(),
+            {VarToStr(friends.ValueAt(friendRow, friends.FieldIndex(u"Name"_s))), due.isValid() && due < today});
     }
 }
 

@@ -13,8 +13,7 @@ namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-int PrintReport(QPrinter& printer, TExportSource& source, const TReportOptions& options,
-                const TPrintProgress& progress)
+int PrintReport(QPrinter& printer, TExportSource& source, const TReportOptions& options, const TPrintProgress& progress)
 {
     const QPageLayout layout = printer.pageLayout();
     TReportPainter report(source, options, layout.paintRect(QPageLayout::Point).size());

@@ -60,21 +60,34 @@ QByteArray SvgOf(const TIconPath& icon, const QColor& color, qreal side)
 // Names of the freedesktop icon naming specification for what our own icons show.
 const QHash<QString, QString>& DesktopNames()
 {
-    static const QHash<QString, QString> names{
-        {u"add"_s, u"list-add"_s},           {u"copy"_s, u"edit-copy"_s},
-        {u"trash"_s, u"edit-delete"_s},      {u"search"_s, u"edit-find"_s},
-        {u"find"_s, u"edit-find"_s},         {u"check"_s, u"edit-select-all"_s},
-        {u"refresh"_s, u"view-refresh"_s},   {u"sortasc"_s, u"view-sort-ascending"_s},
-        {u"print"_s, u"document-print"_s},   {u"sortdesc"_s, u"view-sort-descending"_s},
-        {u"folder"_s, u"folder"_s},          {u"disc"_s, u"media-optical"_s},
-        {u"eject"_s, u"media-eject"_s},      {u"play"_s, u"media-playback-start"_s},
-        {u"pause"_s, u"media-playback-pause"_s}, {u"stop"_s, u"media-playback-stop"_s},
-        {u"prev"_s, u"media-skip-backward"_s},   {u"next"_s, u"media-skip-forward"_s},
-        {u"shuffle"_s, u"media-playlist-shuffle"_s}, {u"repeat"_s, u"media-playlist-repeat"_s},
-        {u"vol"_s, u"audio-volume-high"_s},  {u"warn"_s, u"dialog-warning"_s},
-        {u"err"_s, u"dialog-error"_s},       {u"gear"_s, u"preferences-system"_s},
-        {u"help"_s, u"help-contents"_s},     {u"pencil"_s, u"document-edit"_s},
-        {u"save"_s, u"document-save"_s},     {u"camera"_s, u"camera-web"_s}};
+    static const QHash<QString, QString> names{{u"add"_s, u"list-add"_s},
+                                               {u"copy"_s, u"edit-copy"_s},
+                                               {u"trash"_s, u"edit-delete"_s},
+                                               {u"search"_s, u"edit-find"_s},
+                                               {u"find"_s, u"edit-find"_s},
+                                               {u"check"_s, u"edit-select-all"_s},
+                                               {u"refresh"_s, u"view-refresh"_s},
+                                               {u"sortasc"_s, u"view-sort-ascending"_s},
+                                               {u"print"_s, u"document-print"_s},
+                                               {u"sortdesc"_s, u"view-sort-descending"_s},
+                                               {u"folder"_s, u"folder"_s},
+                                               {u"disc"_s, u"media-optical"_s},
+                                               {u"eject"_s, u"media-eject"_s},
+                                               {u"play"_s, u"media-playback-start"_s},
+                                               {u"pause"_s, u"media-playback-pause"_s},
+                                               {u"stop"_s, u"media-playback-stop"_s},
+                                               {u"prev"_s, u"media-skip-backward"_s},
+                                               {u"next"_s, u"media-skip-forward"_s},
+                                               {u"shuffle"_s, u"media-playlist-shuffle"_s},
+                                               {u"repeat"_s, u"media-playlist-repeat"_s},
+                                               {u"vol"_s, u"audio-volume-high"_s},
+                                               {u"warn"_s, u"dialog-warning"_s},
+                                               {u"err"_s, u"dialog-error"_s},
+                                               {u"gear"_s, u"preferences-system"_s},
+                                               {u"help"_s, u"help-contents"_s},
+                                               {u"pencil"_s, u"document-edit"_s},
+                                               {u"save"_s, u"document-save"_s},
+                                               {u"camera"_s, u"camera-web"_s}};
     return names;
 }
 

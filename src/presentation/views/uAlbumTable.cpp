@@ -27,7 +27,10 @@ constexpr int GroupArrow = 14;
 } // namespace
 
 TAlbumTable::TAlbumTable(TCoverCache* covers, TListModel& list, QWidget* parent)
-    : QTreeView(parent), FHeader(new TTableHeader(this)), FDelegate(new TTableDelegate(covers, list, this)), FModel(list)
+    : QTreeView(parent),
+      FHeader(new TTableHeader(this)),
+      FDelegate(new TTableDelegate(covers, list, this)),
+      FModel(list)
 {
     setHeader(FHeader);
     FHeader->setSectionsClickable(true); // taking the header over switched it off
@@ -250,7 +253,8 @@ void TAlbumTable::DrawGroupRow(QPainter& painter, const QRect& row, const QModel
 {
     const TTheme& theme = CurrentTheme();
     const bool mirrored = isRightToLeft();
-    const bool focused = hasFocus() && currentIndex().isValid() && currentIndex().siblingAtColumn(0) == index.siblingAtColumn(0);
+    const bool focused =
+        hasFocus() && currentIndex().isValid() && currentIndex().siblingAtColumn(0) == index.siblingAtColumn(0);
     painter.save();
     painter.setLayoutDirection(layoutDirection());
     painter.fillRect(row, hovered ? theme.Hover : theme.Window);

@@ -42,10 +42,7 @@ void TCardsPainter::SetFields(std::vector<TField> fields)
         FFields.resize(MostFields);
 }
 
-QSize TCardsPainter::CellSize() const
-{
-    return {CardWidth, std::max(CardCover, TextHeight()) + 2 * CardPadding + 2};
-}
+QSize TCardsPainter::CellSize() const { return {CardWidth, std::max(CardCover, TextHeight()) + 2 * CardPadding + 2}; }
 
 int TCardsPainter::PicturesMade() const { return FCovers.DecodeCount(); }
 

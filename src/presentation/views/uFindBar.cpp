@@ -34,8 +34,11 @@ TRibbonButton* FindButton(const QString& icon, const QString& key, QWidget* pare
 } // namespace
 
 TFindBar::TFindBar(QWidget* parent)
-    : QWidget(parent), FEdit(new QLineEdit(this)), FCount(new QLabel(this)),
-      FNext(FindButton(u"down"_s, u"cSGuiFindNext"_s, this)), FFormer(FindButton(u"up"_s, u"cSGuiFindFormer"_s, this))
+    : QWidget(parent),
+      FEdit(new QLineEdit(this)),
+      FCount(new QLabel(this)),
+      FNext(FindButton(u"down"_s, u"cSGuiFindNext"_s, this)),
+      FFormer(FindButton(u"up"_s, u"cSGuiFindFormer"_s, this))
 {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(10, 0, 8, 0);

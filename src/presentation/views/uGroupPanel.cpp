@@ -29,8 +29,11 @@ TRibbonButton* PanelButton(const QString& key, QWidget* parent)
 } // namespace
 
 TGroupPanel::TGroupPanel(QWidget* parent)
-    : QWidget(parent), FRow(new QHBoxLayout(this)), FAdd(PanelButton(u"cSGuiGroupedBy"_s, this)),
-      FPresets(PanelButton(u"cSGuiPresets"_s, this)), FExpand(PanelButton(u"cSGuiExpandAll"_s, this)),
+    : QWidget(parent),
+      FRow(new QHBoxLayout(this)),
+      FAdd(PanelButton(u"cSGuiGroupedBy"_s, this)),
+      FPresets(PanelButton(u"cSGuiPresets"_s, this)),
+      FExpand(PanelButton(u"cSGuiExpandAll"_s, this)),
       FCollapse(PanelButton(u"cSGuiCollapseAll"_s, this))
 {
     FRow->setContentsMargins(8, 0, 8, 0);
@@ -95,7 +98,8 @@ void TGroupPanel::paintEvent(QPaintEvent*)
     painter.setFont(ThemeFont(fsBody));
     painter.setPen(theme.Text3);
     const QRect add = FAdd->geometry();
-    const QRect room = isRightToLeft() ? QRect(FPresets->geometry().right() + 8, 0, add.left() - FPresets->geometry().right() - 16, height())
+    const QRect room = isRightToLeft() ? QRect(FPresets->geometry().right() + 8, 0,
+                                               add.left() - FPresets->geometry().right() - 16, height())
                                        : QRect(add.right() + 8, 0, FPresets->x() - add.right() - 16, height());
     DrawElided(painter, room, FHint);
 }

@@ -87,7 +87,8 @@ const QPixmap& TShelfPainter::Strip(qreal ratio)
                      Downwards(0, board, theme.View, Mix(theme.View, wood.TopTo, theme.IsHighContrast() ? 0 : 0.08)));
     painter.fillRect(QRect(0, board, StripWidth, TopFace), Downwards(board, board + TopFace, wood.TopFrom, wood.TopTo));
     const int front = board + TopFace;
-    painter.fillRect(QRect(0, front, StripWidth, height - front), Downwards(front, height, wood.FrontFrom, wood.FrontTo));
+    painter.fillRect(QRect(0, front, StripWidth, height - front),
+                     Downwards(front, height, wood.FrontFrom, wood.FrontTo));
     DrawHairline(painter, QRectF(0, front, StripWidth, height - front), Qt::TopEdge,
                  Mix(wood.TopTo, QColor(Qt::white), theme.IsDark() ? 0.06 : 0.35));
     DrawHairline(painter, QRectF(0, front, StripWidth, height - front), Qt::BottomEdge,
@@ -101,9 +102,9 @@ void TShelfPainter::PaintRowGround(QPainter& painter, const QRect& strip)
     painter.drawTiledPixmap(strip, bay);
     // The board's shadow on the wall of the bay below.
     if (!CurrentTheme().IsHighContrast())
-        painter.fillRect(QRect(0, strip.top(), strip.width(), 6),
-                         Downwards(strip.top(), strip.top() + 6, QColor(0, 0, 0, strip.top() > 0 ? 36 : 0),
-                                   QColor(0, 0, 0, 0)));
+        painter.fillRect(
+            QRect(0, strip.top(), strip.width(), 6),
+            Downwards(strip.top(), strip.top() + 6, QColor(0, 0, 0, strip.top() > 0 ? 36 : 0), QColor(0, 0, 0, 0)));
 }
 
 QString TShelfPainter::SectionOf(const QModelIndex& index) const

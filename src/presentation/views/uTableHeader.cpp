@@ -63,10 +63,7 @@ int TTableHeader::HeadingHeight() const { return RowHeight(30, HeaderFont(), 10)
 
 int TTableHeader::FilterHeight() const { return FFilterRow ? RowHeight(32, ThemeFont(fsBody), 12) : 0; }
 
-QSize TTableHeader::sizeHint() const
-{
-    return {QHeaderView::sizeHint().width(), HeadingHeight() + FilterHeight()};
-}
+QSize TTableHeader::sizeHint() const { return {QHeaderView::sizeHint().width(), HeadingHeight() + FilterHeight()}; }
 
 QSize TTableHeader::sectionSizeFromContents(int logicalIndex) const
 {
@@ -143,8 +140,8 @@ void TTableHeader::PlaceFilters()
     for (int column = 0; column < count(); ++column) {
         const int left = sectionViewportPosition(column);
         const int width = isSectionHidden(column) ? 0 : sectionSize(column);
-        const bool shown = width > 30 && left + width > 0 && left < viewport()->width() &&
-                           CellKindOf(*model(), column) != ckCover;
+        const bool shown =
+            width > 30 && left + width > 0 && left < viewport()->width() && CellKindOf(*model(), column) != ckCover;
         auto cell = FCells.find(column);
         if (!shown) {
             if (cell != FCells.end())
