@@ -3,7 +3,9 @@
 #include "frmMain.h"
 #include "uDebugLog.h"
 #include "uDefaults.h"
+#include "uIcons.h"
 #include "uMainWindow.h"
+#include "uSessionEnd.h"
 #include "uSplash.h"
 #include "uStartup.h"
 #include "uTHStrings.h"
@@ -67,6 +69,7 @@ TStartupHost MakeHost(TSingletons& our)
         QApplication::setDesktopFileName(QStringLiteral("org.kestrune.Kestrune"));
     };
     host.CreateDataModuleImages = [&] {
+        SetDesktopIcons(Defaults().DesktopIcons);
         our.Images.emplace();
         our.Images->Apply(Defaults().ThemeIndex, Defaults().ColorSchemeAccentIndex);
     };
@@ -97,6 +100,7 @@ int main(int argc, char** argv)
     int programOnly = std::min(argc, 1);
     TApplication application(programOnly, argv);
     LoadSettings();
+    const TSessionEnd sessionEnd;
     int code = 0;
     {
         TSingletons singletons;

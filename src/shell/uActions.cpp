@@ -64,7 +64,7 @@ constexpr TActionDef ActionRows[] = {
     {"actBackupSettings", "cSactBackupSettings", "", "", "save"},
     {"actRestoreSettings", "cSactRestoreSettings", "", "", "folder"},
     {"actRegenerateThumbnails", "cSactRegenerateThumbnails", "", "", "picdown"},
-    {"actMultiEdit", "cSactMultiEdit", "cSactMultiEditShort", "", "multi"},
+    {"actMultiEdit", "cSactMultiEdit", "cSactMultiEditShort", "Shift+F2", "multi"},
     {"actSelectAll", "cSactSelectAll", "", "Ctrl+A", "check"},
     {"actClearSelection", "cSactClearSelection", "", "", "x"},
     {"actStatusFilter", "cSactStatusFilter", "", "", "filter"},

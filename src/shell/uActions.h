@@ -15,7 +15,7 @@ struct TActionDef {
     const char* Name;       ///< "actRefresh"
     const char* CaptionKey; ///< language key of the full caption
     const char* ShortKey;   ///< language key of the ribbon's caption; empty: the full one
-    const char* Shortcut;   ///< portable text as in "Ctrl+Alt+X", or empty
+    const char* Shortcut;   ///< portable text as in "Ctrl+Alt+X", or empty; of two alike the first gets the key
     const char* Icon;       ///< name in the own icon set, or empty
     bool Checkable = false;
 };

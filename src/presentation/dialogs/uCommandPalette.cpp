@@ -47,7 +47,7 @@ void TCommandPalette::Fill(const QString& text)
         const bool itself = name == "actCommandPalette"_L1;
         if (!action || itself || !action->isVisible())
             continue;
-        const QString keys = action->shortcut().toString(QKeySequence::NativeText);
+        const QString keys = ShownKeysOf(*action);
         const QString shown = FullCaptionOf(name) + (keys.isEmpty() ? QString() : u"   "_s + keys);
         const bool hit =
             std::ranges::all_of(words, [&](const QString& word) { return shown.contains(word, Qt::CaseInsensitive); });

@@ -9,9 +9,17 @@
 #include <QMenu>
 #include <QWidget>
 
+#include <algorithm>
+
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+const char* const ShownKeys = "shownKeys";
+
+} // namespace
 
 TActionSet::TActionSet(TActionList& list, QWidget* window) : QObject(window), FList(list)
 {
@@ -24,8 +32,15 @@ TActionSet::TActionSet(TActionList& list, QWidget* window) : QObject(window), FL
         if (def.ShortKey[0] != '\0')
             action->setIconText(GetLanguageString(QString::fromLatin1(def.ShortKey)));
         const QKeySequence keys(QString::fromLatin1(def.Shortcut), QKeySequence::PortableText);
-        action->setShortcut(keys);
         const QString shown = keys.toString(QKeySequence::NativeText);
+        const bool taken = !keys.isEmpty() && std::ranges::any_of(FActions, [&](const QAction* other) {
+            return other->shortcut() == keys;
+        });
+        if (taken)
+            action->setText(caption + u'\t' + shown); // shown in menus, but the key is another's
+        else
+            action->setShortcut(keys);
+        action->setProperty(ShownKeys, shown);
         action->setToolTip(shown.isEmpty() ? caption : u"%1 (%2)"_s.arg(caption, shown));
         SetActionIcon(*action, QString::fromLatin1(def.Icon));
         connect(action, &QAction::triggered, this, [this, name] { FList.Trigger(name); });
@@ -62,6 +77,8 @@ void TActionSet::Fill(QMenu& menu, const QStringList& names) const
         menu.addAction(action);
     }
 }
+
+QString ShownKeysOf(const QAction& action) { return action.property(ShownKeys).toString(); }
 
 QString FullCaptionOf(const QString& action)
 {

@@ -33,6 +33,9 @@ private:
     QHash<QString, QAction*> FActions; // children
 };
 
+/// The keys of an action as they are shown, in the user's way; empty for none.
+QString ShownKeysOf(const QAction& action);
+
 /// The caption of an action where it stands alone: with the menu that it belongs to, as in "Export: HTML".
 QString FullCaptionOf(const QString& action);
 

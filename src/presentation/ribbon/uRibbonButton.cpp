@@ -60,7 +60,7 @@ void TRibbonButton::SetAction(QAction* action)
 {
     setDefaultAction(action);
     FIconName = IconNameOf(*action);
-    setAccessibleName(action->text().remove(u'&'));
+    setAccessibleName(action->text().section(u'\t', 0, 0).remove(u'&'));
     updateGeometry();
     update();
 }
@@ -205,7 +205,7 @@ void TRibbonButton::actionEvent(QActionEvent* event)
     QToolButton::actionEvent(event);
     if (event->action() == defaultAction() && event->type() == QEvent::ActionChanged) {
         FIconName = IconNameOf(*event->action());
-        setAccessibleName(event->action()->text().remove(u'&'));
+        setAccessibleName(event->action()->text().section(u'\t', 0, 0).remove(u'&'));
         updateGeometry();
         update();
     }
