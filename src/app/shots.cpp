@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Opens a collection without a display and writes a picture of the main window per view:
+// Opens a collection without a display and writes pictures of the main window, per view and per place of the detail
+// pane, and of some dialogs:
 //   kestrune-shots COLLECTION FOLDER [light|dark] [WIDTHxHEIGHT]
 // Used by the demo where there is no display and for the pictures of the documentation. Not installed.
 #include "dmMain.h"
@@ -11,10 +12,13 @@
 #include "uWidgetPrompt.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QTimer>
 
 #include <cstdio>
+#include <functional>
 
 using namespace Kestrune;
 using namespace Qt::StringLiterals;
@@ -47,6 +51,34 @@ bool Save(const QImage& picture, const QString& path)
     const bool saved = picture.save(path);
     std::printf("%s %s\n", saved ? "wrote" : "cannot write", qUtf8Printable(path));
     return saved;
+}
+
+TFilterNode SampleFilter()
+{
+    TFilterNode node;
+    node.Criteria.push_back({u"ReleaseYear"_s, foGreaterOrEqual, 1970, u"1970"_s});
+    TFilterNode either;
+    either.Logic = flAny;
+    either.Criteria.push_back({u"Genre"_s, foEquals, u"Jazz"_s, u"Jazz"_s});
+    either.Criteria.push_back({u"Label"_s, foContains, u"slow"_s, u"slow"_s});
+    node.Groups.push_back(std::move(either));
+    return node;
+}
+
+// Runs an action that opens a dialog, shows the dialog to `look` and closes it.
+void InDialog(TKRNMainForm& form, const QString& action, const std::function<void(QWidget&)>& look)
+{
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &form, [&] {
+        auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        look(*dialog);
+        dialog->reject();
+    });
+    timer.start(0);
+    form.Actions().Trigger(action);
 }
 
 } // namespace
@@ -83,9 +115,34 @@ int main(int argc, char** argv)
                                                    {mvAlbums, u"albums"_s},
                                                    {mvTracks, u"tracks"_s}};
     bool saved = QDir().mkpath(arguments[2]);
+    const auto save = [&](const QImage& picture, const QString& name) {
+        saved = Save(picture, QDir(arguments[2]).filePath(u"%1-%2.png"_s.arg(name, look))) && saved;
+    };
     for (const auto& [view, name] : views) {
         form.SetCurrentView(view);
-        saved = Save(SettledPicture(window), QDir(arguments[2]).filePath(u"%1-%2.png"_s.arg(name, look))) && saved;
+        save(SettledPicture(window), name);
+    }
+    form.SetCurrentView(mvAlbums);
+    form.Actions().Trigger(u"actDetailPanelBottom"_s);
+    form.SetGrouping({u"Genre"_s});
+    save(SettledPicture(window), u"pane-bottom"_s);
+    form.SetGrouping({});
+    form.SetCurrentView(mvThumbs);
+    form.Actions().Trigger(u"actDetailPanelTop"_s);
+    save(SettledPicture(window), u"pane-top"_s);
+    form.Actions().Trigger(u"actDetailPanelRight"_s);
+    form.SetBuilderFilter(SampleFilter());
+    const std::pair<QString, QString> dialogs[] = {{u"actAdvancedSearch"_s, u"filter-builder"_s},
+                                                   {u"actOptions"_s, u"options"_s},
+                                                   {u"actPrintPreview"_s, u"print-preview"_s},
+                                                   {u"actCommandPalette"_s, u"palette"_s},
+                                                   {u"actMultiEdit"_s, u"multi-edit"_s}};
+    for (const auto& [action, name] : dialogs) {
+        if (name == "options"_L1) {
+            form.SetBuilderFilter({});
+            form.SetCurrentView(mvAlbums);
+        }
+        InDialog(form, action, [&](QWidget& dialog) { save(SettledPicture(dialog), name); });
     }
     return saved ? 0 : 1;
 }

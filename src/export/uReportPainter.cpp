@@ -89,10 +89,22 @@ void TReportPainter::MeasureColumns()
     const qreal space = CellSpace * static_cast<qreal>(FWidths.size());
     const qreal sum = std::accumulate(FWidths.begin(), FWidths.end(), 0.0);
     const qreal room = FPage.width() - space;
-    // Too wide: all give in alike. With room to spare only a table that nearly fills the page is stretched to it.
-    const qreal factor = sum > room ? room / sum : sum > 0.6 * room ? room / sum : 1.0;
-    for (qreal& width : FWidths)
-        width *= sum > 0 ? factor : 1.0;
+    if (sum > room) {
+        // Too wide: the widest give in until all fits, so that short columns keep their texts whole.
+        qreal least = 0.0;
+        qreal most = *std::ranges::max_element(FWidths);
+        for (int halving = 0; halving < 20; ++halving) {
+            const qreal cap = (least + most) / 2;
+            const qreal capped = std::accumulate(FWidths.begin(), FWidths.end(), 0.0,
+                                                 [cap](qreal so, qreal width) { return so + std::min(width, cap); });
+            (capped > room ? most : least) = cap;
+        }
+        for (qreal& width : FWidths)
+            width = std::min(width, least);
+    } else if (sum > 0.6 * room) { // a table that nearly fills the page is stretched to it
+        for (qreal& width : FWidths)
+            width *= room / sum;
+    }
 }
 
 void TReportPainter::MakeLines()

@@ -139,7 +139,8 @@ QSize TThemeStyle::sizeFromContents(ContentsType type, const QStyleOption* optio
         return {std::max(72, text + icon + 32), std::max(30, size.height() + 10)};
     }
     case CT_LineEdit:
-    case CT_ComboBox: result.setHeight(std::max(30, size.height() + 8)); break;
+    case CT_ComboBox: result = QSize(size.width() + 44, std::max(30, size.height() + 8)); break;
+    case CT_SpinBox: result = QSize(size.width() + 44, std::max(30, size.height() + 8)); break;
     case CT_MenuItem:
         if (const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
             item && item->menuItemType != QStyleOptionMenuItem::Separator)
