@@ -18,6 +18,7 @@
 #include "uTileView.h"
 
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
@@ -73,6 +74,34 @@ void FocusCell(TAlbumTable& table, int row, const QString& field)
 {
     table.setCurrentIndex(table.Groups().IndexOfRow(row, ColumnOf(table, field)));
     table.setFocus();
+}
+
+// What the keyboard reaches and a screen reader could not name, as "class (role)".
+void FindNameless(QAccessibleInterface* part, QStringList& nameless, int depth = 0)
+{
+    if (!part || !part->isValid() || depth > 30 || part->state().invisible)
+        return;
+    const bool item = part->role() == QAccessible::Cell || part->role() == QAccessible::ListItem ||
+                      part->role() == QAccessible::TreeItem;
+    if (part->state().focusable && !item && part->text(QAccessible::Name).isEmpty() && depth > 0) {
+        const QObject* object = part->object();
+        nameless << u"%1 (%2) in %3"_s.arg(QString::fromLatin1(object ? object->metaObject()->className() : "item"))
+                        .arg(static_cast<int>(part->role()))
+                        .arg(QString::fromLatin1(object && object->parent() ? object->parent()->metaObject()->className()
+                                                                            : ""));
+    }
+    if (part->tableInterface())
+        return; // its cells are asked for one by one elsewhere
+    for (int i = 0; i < part->childCount(); ++i)
+        FindNameless(part->child(i), nameless, depth + 1);
+}
+
+QString Nameless(QWidget& window)
+{
+    QStringList nameless;
+    FindNameless(QAccessible::queryAccessibleInterface(&window), nameless);
+    nameless.removeDuplicates();
+    return nameless.join(u"; "_s);
 }
 
 QStringList ShownColumns(TAlbumTable& table)
@@ -533,6 +562,45 @@ TEST_F(Scenario, LayoutsOfAnotherVersionAreLeftAside)
     EXPECT_EQ(State(), u"tracks | Song 1 of 000 | 1"_s);
     EXPECT_GT(ShownColumns(*Window().Tracks()).size(), 3);
     EXPECT_TRUE(Form().SavedFilters().empty());
+}
+
+TEST_F(Scenario, WhatTheKeyboardReachesHasAName)
+{
+    Open(6);
+    for (const char* view : {"actThumbView", "actCardsView", "actShelveView", "actAlbumTableView", "actTracksView"}) {
+        Do(view);
+        EXPECT_EQ(Nameless(Window()).toStdString(), "") << view;
+    }
+    Do("actAlbumTableView");
+    Press(u"F6"_s);
+    Press(u"Ctrl+F"_s);
+    Form().SetGrouping({u"Genre"_s});
+    Form().FilterStatus(u"In collection"_s);
+    Settle();
+    EXPECT_EQ(Nameless(Window()).toStdString(), "") << "with filter row, find panel, groups and chips";
+    for (const char* dialog : {"actSort", "actAdvancedSearch", "actMultiEdit", "actOptions", "actExecSQL",
+                               "actCustomizeColumns", "actEditGenres", "actCommandPalette", "actAbout", "actHelp"})
+        InDialog(dialog, [&](QDialog& window) { EXPECT_EQ(Nameless(window).toStdString(), "") << dialog; });
+}
+
+TEST_F(Scenario, TilesAndGroupsTellWhatTheyAre)
+{
+    Open(6);
+    for (const char* view : {"actThumbView", "actCardsView", "actShelveView"}) {
+        Do(view);
+        QAccessibleInterface* tiles = QAccessible::queryAccessibleInterface(Window().Tiles());
+        ASSERT_TRUE(tiles) << view;
+        EXPECT_EQ(tiles->role(), QAccessible::List) << view;
+        ASSERT_EQ(tiles->childCount(), 6) << view;
+        EXPECT_TRUE(tiles->child(2)->text(QAccessible::Name).contains(u"Salt Atlas 002"_s)) << view;
+        EXPECT_TRUE(tiles->child(0)->state().selected) << view;
+    }
+    Do("actAlbumTableView");
+    Form().SetGrouping({u"Genre"_s});
+    Settle();
+    const QModelIndex group = Window().Table()->model()->index(0, 0);
+    EXPECT_TRUE(group.data(Qt::AccessibleTextRole).toString().contains(u"Folk"_s))
+        << group.data(Qt::AccessibleTextRole).toString().toStdString();
 }
 
 } // namespace Kestrune

@@ -276,6 +276,7 @@ TFilterDialog::TFilterDialog(TDataModuleMain& dataModule, std::vector<TFieldDef>
         return ColumnLabel(a, Defaults(), ofTracks).localeAwareCompare(ColumnLabel(b, Defaults(), ofTracks)) < 0;
     });
     auto* scroll = new QScrollArea(this);
+    scroll->setFocusPolicy(Qt::NoFocus);
     auto* content = new QWidget(scroll);
     auto* column = new QVBoxLayout(content);
     column->setContentsMargins(4, 4, 4, 4);

@@ -113,7 +113,7 @@ private:
         DrawElided(painter, QRectF(RailPadding, height() - line - 10.0, room, line), file, TextSide());
     }
 
-    Qt::Alignment TextSide() const { return (isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter; }
+    Qt::Alignment TextSide() const { return Qt::AlignLeft | Qt::AlignVCenter; }
 
     TKRNImportForm& FForm;
     std::vector<TImportPage> FPages;

@@ -34,6 +34,7 @@ namespace {
 std::pair<QWidget*, QGridLayout*> MakeRows(TDialog& dialog)
 {
     auto* scroll = new QScrollArea(&dialog);
+    scroll->setFocusPolicy(Qt::NoFocus);
     auto* rows = new QWidget(scroll);
     auto* grid = new QGridLayout(rows);
     grid->setContentsMargins(8, 8, 8, 8);

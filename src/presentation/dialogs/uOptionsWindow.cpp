@@ -76,6 +76,7 @@ QFormLayout* TOptionsWindow::AddPage(const QString& captionKey, const QString& n
 {
     FPages->addItem(GetLanguageString(captionKey));
     auto* scroll = new QScrollArea(FStack);
+    scroll->setFocusPolicy(Qt::NoFocus);
     auto* page = new QWidget(scroll);
     auto* form = new QFormLayout(page);
     form->setContentsMargins(4, 4, 12, 4);

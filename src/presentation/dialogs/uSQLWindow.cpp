@@ -52,6 +52,7 @@ TSQLWindow::TSQLWindow(TExecSQLForm& form, QWidget* parent)
     FGrid->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     FMessage->setWordWrap(true);
     FMessage->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    FMessage->setAccessibleName(GetLanguageString(u"cSSQLResult"_s));
     auto* splitter = new QSplitter(Qt::Vertical, this);
     splitter->addWidget(FSQL);
     splitter->addWidget(FGrid);

@@ -75,7 +75,7 @@ void TChip::paintEvent(QPaintEvent*)
     const QRectF all(left, 0, textWidth, height());
     painter.setPen(theme.Text2);
     const bool mirrored = isRightToLeft();
-    const Qt::Alignment side = (mirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+    const Qt::Alignment side = Qt::AlignLeft | Qt::AlignVCenter;
     DrawElided(painter, all, FChip.Field, side);
     painter.setPen(theme.Text);
     DrawElided(painter, mirrored ? all.adjusted(0, 0, -field, 0) : all.adjusted(field, 0, 0, 0), FChip.Value, side);

@@ -172,11 +172,13 @@ void TLetterBar::PlaceCells()
     place(chooser, size.width(), size.height());
     x += 8;
     const int letters = static_cast<int>(FCells.size()) - 1;
-    const int pitch = std::clamp((width() - x - 36 - 10) / std::max(1, letters), 20, 28);
+    const int allWidth =
+        std::max(36, QFontMetrics(ThemeFont(fsBodyBold)).horizontalAdvance(FCells.front()->text()) + 12);
+    const int pitch = std::clamp((width() - x - allWidth - 10) / std::max(1, letters), 20, 28);
     const int cellHeight = RowHeight(CellHeight, ThemeFont(fsBody), 4);
     for (TLetterCell* cell : std::as_const(FCells)) {
         const bool all = cell->Letter.isEmpty();
-        place(cell, all ? 36 : pitch, cellHeight);
+        place(cell, all ? allWidth : pitch, cellHeight);
     }
 }
 

@@ -175,7 +175,7 @@ void TRibbonButton::PaintRow(QPainter& painter) const
     painter.setFont(FShape == TShape::Small ? CaptionFont() : FontFor(FShape));
     painter.setPen(TextColor());
     const qreal right = width() - (ShowsArrow() ? ArrowWidth + 12 : 4);
-    const Qt::Alignment side = mirrored ? Qt::AlignRight : Qt::AlignLeft;
+    const Qt::Alignment side = Qt::AlignLeft;
     painter.drawText(place({x, 0, right - x, qreal(height())}),
                      static_cast<int>(side | Qt::AlignVCenter) | Qt::TextSingleLine, Caption());
     if (ShowsArrow())

@@ -106,7 +106,7 @@ void TStatusLine::paintEvent(QPaintEvent*)
     const bool mirrored = isRightToLeft();
     const auto text = [&](int left, int width, const QString& words) {
         const QRectF box(mirrored ? this->width() - left - width : left, 0, width, height());
-        DrawElided(painter, box, words, (mirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+        DrawElided(painter, box, words, Qt::AlignLeft | Qt::AlignVCenter);
     };
     const int fileLeft = FileLeft();
     text(fileLeft, width() - 14 - fileLeft, FFile);

@@ -29,7 +29,8 @@ namespace {
 
 constexpr int PanePadding = 14;
 constexpr int RowIndent = 28;
-constexpr int LabelWidth = 104;
+constexpr int LeastLabelWidth = 104;
+constexpr int MostLabelWidth = 170;
 constexpr int PictureSide = 64;
 constexpr int PictureGap = 8;
 constexpr int LargestCover = 640;
@@ -62,7 +63,7 @@ protected:
         painter.setFont(ThemeFont(fsBodyBold));
         painter.setPen(theme.Text);
         const int captionWidth = painter.fontMetrics().horizontalAdvance(text());
-        const Qt::Alignment side = (mirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+        const Qt::Alignment side = Qt::AlignLeft | Qt::AlignVCenter;
         DrawElided(painter, place({29, 0, width() - 40.0, qreal(height())}), text(), side);
         painter.setFont(ThemeFont(fsBody));
         painter.setPen(theme.Text3);
@@ -159,7 +160,7 @@ void TDetailHead::paintEvent(QPaintEvent*)
         PaintCoverShadow(painter, FCoverRect, theme);
         painter.drawPixmap(FCoverRect.topLeft(), CoverPixmap(devicePixelRatioF()));
     }
-    const Qt::Alignment side = (isRightToLeft() ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+    const Qt::Alignment side = Qt::AlignLeft | Qt::AlignVCenter;
     const QFont titleFont = ThemeFont(fsPaneTitle);
     painter.setFont(titleFont);
     painter.setPen(theme.Text);
@@ -405,8 +406,11 @@ int TDetailRow::ValueLeft() const
         return RowIndent + 34;
     if (FKind == TKind::Disc || FLabel.isEmpty())
         return RowIndent;
-    return RowIndent + LabelWidth;
+    return RowIndent + LabelWidth();
 }
+
+// A third of a wide pane, so that longer labels of other languages find room too.
+int TDetailRow::LabelWidth() const { return std::clamp(width() / 3, LeastLabelWidth, MostLabelWidth); }
 
 int TDetailRow::HeightFor(int width) const
 {
@@ -477,15 +481,15 @@ void TDetailRow::PaintField(QPainter& painter) const
     const auto place = [&](qreal left, qreal width) {
         return QRectF(mirrored ? this->width() - left - width : left, 0, width, height());
     };
-    const Qt::Alignment side = (mirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+    const Qt::Alignment side = Qt::AlignLeft | Qt::AlignVCenter;
     painter.setPen(theme.Text2);
-    DrawElided(painter, place(RowIndent, LabelWidth - 8), FLabel, side);
+    DrawElided(painter, place(RowIndent, LabelWidth() - 8), FLabel, side);
     qreal x = ValueLeft();
     const qreal right = width() - PanePadding;
     if (FLabel.isEmpty()) {
         painter.setPen(theme.Text);
         painter.drawText(place(x, right - x).adjusted(0, 4, 0, 0),
-                         static_cast<int>(mirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::TextWordWrap, FValue);
+                         Qt::AlignLeft | Qt::TextWordWrap, FValue);
         return;
     }
     painter.setPen(FIsLink ? theme.AccentFill : theme.Text);
@@ -506,8 +510,8 @@ void TDetailRow::PaintColumns(QPainter& painter) const
     const auto place = [&](qreal left, qreal width) {
         return QRectF(mirrored ? this->width() - left - width : left, 0, width, height());
     };
-    const Qt::Alignment near = (mirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
-    const Qt::Alignment far = (mirrored ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter;
+    const Qt::Alignment near = Qt::AlignLeft | Qt::AlignVCenter;
+    const Qt::Alignment far = Qt::AlignRight | Qt::AlignVCenter;
     const qreal right = width() - PanePadding;
     const qreal extraWidth = FExtra.isEmpty() ? 0 : painter.fontMetrics().horizontalAdvance(FExtra) + 2;
     painter.setPen(theme.Text2);

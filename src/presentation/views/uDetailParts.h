@@ -92,6 +92,7 @@ private:
     void PaintField(QPainter& painter) const;
     void PaintColumns(QPainter& painter) const;
     int ValueLeft() const;
+    int LabelWidth() const;
 
     TKind FKind;
     QString FLabel, FValue, FExtra;
