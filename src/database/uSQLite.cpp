@@ -36,7 +36,9 @@ bool EDatabaseError::IsLocked() const { return FCode == SQLITE_BUSY || FCode == 
 
 bool EDatabaseError::NeedsWritableFolder() const
 {
-    return FCode == SQLITE_CANTOPEN || FCode == SQLITE_READONLY || FCode == SQLITE_PERM;
+    // A full disk has no room for the index of the log either. What really cannot be read fails again without a log.
+    return FCode == SQLITE_CANTOPEN || FCode == SQLITE_READONLY || FCode == SQLITE_PERM || FCode == SQLITE_FULL ||
+           FCode == SQLITE_IOERR;
 }
 
 void TSQLiteStatement::TFinalize::operator()(sqlite3_stmt* statement) const { sqlite3_finalize(statement); }

@@ -30,7 +30,8 @@ public:
     int Code() const { return FCode; }
     /// Another process holds the file.
     bool IsLocked() const;
-    /// The file or its folder cannot be written, which a file with a write-ahead log needs even for reading.
+    /// The file or its folder cannot be written or the disk is full: a file with a write-ahead log needs room even for
+    /// reading.
     bool NeedsWritableFolder() const;
 
 private:

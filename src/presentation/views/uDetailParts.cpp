@@ -169,7 +169,8 @@ void TDetailHead::paintEvent(QPaintEvent*)
     painter.setFont(ThemeFont(fsBody));
     painter.setPen(theme.Text2);
     DrawElided(painter, QRectF(title.left(), title.bottom(), title.width(), LineHeight(painter.font())), FArtist, side);
-    DrawHairline(painter, rect(), Qt::BottomEdge, theme.Line);
+    if (!parentWidget() || width() >= parentWidget()->width()) // not where the sections stand beside it
+        DrawHairline(painter, rect(), Qt::BottomEdge, theme.Line);
 }
 
 void TDetailHead::mouseReleaseEvent(QMouseEvent* event)
