@@ -10,6 +10,7 @@
 #include "uFindBar.h"
 #include "uListDialogs.h"
 #include "uOptionsWindow.h"
+#include "uRibbonTable.h"
 #include "uReleasesModel.h"
 #include "uSQLWindow.h"
 #include "uScenario.h"
@@ -26,6 +27,7 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -562,6 +564,31 @@ TEST_F(Scenario, LayoutsOfAnotherVersionAreLeftAside)
     EXPECT_EQ(State(), u"tracks | Song 1 of 000 | 1"_s);
     EXPECT_GT(ShownColumns(*Window().Tracks()).size(), 3);
     EXPECT_TRUE(Form().SavedFilters().empty());
+}
+
+TEST_F(Scenario, EveryCommandIsInTheRibbonOrAMenu)
+{
+    Open(3);
+    QSet<QString> reached;
+    for (const TRibbonTab& tab : MainRibbonTable())
+        for (const TRibbonGroup& group : tab.Groups)
+            for (const TRibbonItem& item : group.Items) {
+                reached << item.Action;
+                for (const QString& action : item.Menu)
+                    reached << action;
+            }
+    for (QMenu* menu : Window().findChildren<QMenu*>()) {
+        Q_EMIT menu->aboutToShow();
+        for (const QAction* action : menu->actions())
+            reached << action->objectName();
+    }
+    for (const TActionDef& def : ActionDefs()) {
+        const QString name = QString::fromLatin1(def.Name);
+        if (name == "actCommandPalette"_L1 || name == "actToggleDebug"_L1) // keys alone
+            continue;
+        EXPECT_EQ(Window().Actions().Find(name)->isVisible(), Form().Actions().IsBound(name)) << def.Name;
+        EXPECT_TRUE(reached.contains(name)) << def.Name;
+    }
 }
 
 TEST_F(Scenario, WhatTheKeyboardReachesHasAName)
