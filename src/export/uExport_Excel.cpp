@@ -9,6 +9,8 @@
 #include <xlsxwriter.h>
 
 #include <algorithm>
+#include <chrono>
+#include <future>
 
 namespace Kestrune {
 
@@ -18,6 +20,7 @@ namespace {
 
 constexpr qsizetype LongestString = 32767; // ECMA-376: what a cell holds
 constexpr int MostSheetRows = 1048576;
+constexpr std::chrono::milliseconds PackingStep(20);
 
 struct TFormats {
     lxw_format* Head;
@@ -136,7 +139,12 @@ bool WriteExcel(TExportSource& source, const QString& path, const QString& title
     const bool full = line >= MostSheetRows;
     if (line > 1 && columns > 0 && !source.IsGrouped())
         worksheet_autofilter(sheet, 0, 0, line - 1, static_cast<lxw_col_t>(columns - 1));
-    const lxw_error error = workbook_close(book);
+    // Packing takes as long as the rows did; it touches nothing of ours, so that the event loop can be served meanwhile.
+    auto packing = std::async(std::launch::async, [book] { return workbook_close(book); });
+    while (packing.wait_for(PackingStep) != std::future_status::ready)
+        if (whole && progress && !progress(source.RowCount(), source.RowCount()))
+            whole = false; // what is packed is thrown away
+    const lxw_error error = packing.get();
     if (full)
         throw EExportError(GetLanguageString(u"cSExportSheetFull"_s));
     if (error != LXW_NO_ERROR)

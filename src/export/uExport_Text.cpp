@@ -105,14 +105,18 @@ bool WriteText(TExportSource& source, QIODevice& file, const TExportProgress& pr
     std::vector<int> widths;
     for (const TExportColumn& column : source.Columns())
         widths.push_back(DisplayWidth(column.Caption));
-    source.Walk([&](int, const std::vector<TVariant>& read) {
+    bool whole = true;
+    const TProgressSteps measuring(progress, source.RowCount(), 0, 2);
+    source.Walk([&](int row, const std::vector<TVariant>& read) {
         for (int column = 0; column < columns; ++column)
             widths[static_cast<size_t>(column)] =
                 std::clamp(DisplayWidth(FlatText(source.Text(read, column))), widths[static_cast<size_t>(column)],
                            std::max(WidestColumn, widths[static_cast<size_t>(column)]));
-        return true;
+        return whole = measuring.GoOn(row);
     });
-    const TProgressSteps steps(progress, source.RowCount());
+    if (!whole)
+        return false;
+    const TProgressSteps steps(progress, source.RowCount(), 1, 2);
     QStringList cells;
     QStringList rules;
     for (int column = 0; column < columns; ++column) {
@@ -122,7 +126,6 @@ bool WriteText(TExportSource& source, QIODevice& file, const TExportProgress& pr
     }
     WriteTextLine(file, cells);
     WriteTextLine(file, rules);
-    bool whole = true;
     source.Walk([&](int row, const std::vector<TVariant>& read) {
         for (const TExportGroup& group : source.GroupsAt(row))
             file.write(u"\n%1%2: %3 (%4)\n"_s.arg(QString(group.Level * 2, u' '), group.Caption, FlatText(group.Value))

@@ -3,6 +3,7 @@
 #include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uTHStrings.h"
+#include "uWaitCursor.h"
 
 #include <algorithm>
 
@@ -191,6 +192,7 @@ int TKRNMainForm::LocateTitle(const QString& text, int fromRow)
 
 void TKRNMainForm::SetSort(std::vector<TSortItem> sort)
 {
+    const TWaitCursor waiting; // the first time over all tracks takes a second
     List().SetSort(std::move(sort));
     Q_EMIT sortChanged();
     FActions.Update();
@@ -213,6 +215,7 @@ void TKRNMainForm::SortBy(const QString& column, bool add)
 
 void TKRNMainForm::SetGrouping(const QStringList& columns)
 {
+    const TWaitCursor waiting;
     List().SetGrouping(columns);
     Q_EMIT sortChanged();
     Q_EMIT figuresChanged();
