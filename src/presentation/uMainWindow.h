@@ -96,6 +96,7 @@ private:
     void ConnectPane();
 
     void ShowCollection();
+    void FillSearchFields();
     void ShowView();
     void ShowPage();
     void ShowFilters();
@@ -207,6 +208,7 @@ private:
     qint64 FPlace = 0; // release to come back to after a reset of the list
     bool FPaneDragged = false;
     bool FFirstShow = true;
+    bool FSearchesTracks = false; // fields of tracks are in the search box
 };
 
 } // namespace Kestrune

@@ -63,15 +63,7 @@ QString DaysText(double days)
 void TMainWindow::ShowCollection()
 {
     setWindowTitle(FForm.Caption());
-    std::vector<TSearchBoxField> fields{{{}, GetLanguageString(u"cSGuiEverything"_s), {}}};
-    for (const TSearchField& field : FForm.SearchFields()) {
-        TSearchBoxField shown{field.Column, field.Caption, {}};
-        if (field.IsList)
-            for (const TValueAndText& item : field.Items)
-                shown.Choices << item.Text;
-        fields.push_back(std::move(shown));
-    }
-    FRibbon->SearchBox()->SetFields(std::move(fields));
+    FillSearchFields();
     FRibbon->SearchBox()->setEnabled(FForm.Data().HasData());
     FBars->Clear();
     ShowOpenFailure();
@@ -80,6 +72,24 @@ void TMainWindow::ShowCollection()
     ShowSort();
     ShowFigures();
     ShowDetail();
+}
+
+// The fields of the active list: releases and tracks have others.
+void TMainWindow::FillSearchFields()
+{
+    FSearchesTracks = FForm.TracksShown();
+    std::vector<TSearchBoxField> fields{{{}, GetLanguageString(u"cSGuiEverything"_s), {}}};
+    for (const TSearchField& field : FForm.SearchFields()) {
+        TSearchBoxField shown{field.Column, field.Caption, {}};
+        if (field.IsList)
+            for (const TValueAndText& item : field.Items)
+                shown.Choices << item.Text;
+        fields.push_back(std::move(shown));
+    }
+    // The field stays where the other list has it too.
+    const QString current = FForm.SearchBy() == EverythingField ? QString() : FForm.SearchBy();
+    FRibbon->SearchBox()->SetFields(std::move(fields));
+    FRibbon->SearchBox()->SetCurrentField(current);
 }
 
 void TMainWindow::ShowOpenFailure()
@@ -108,6 +118,8 @@ void TMainWindow::ShowView()
     FTable->SetEditing(FForm.InPlaceEditing());
     FTracks->SetEditing(FForm.InPlaceEditing());
     FGroupPanel->setVisible(CurrentTable() != nullptr);
+    if (FSearchesTracks != FForm.TracksShown())
+        FillSearchFields();
     if (!FFind->isHidden())
         Find(FFind->Text());
     ShowPage();

@@ -76,6 +76,9 @@ struct TMainFormHooks {
     std::function<void()> ApplyTheme;
 };
 
+/// What stands for all columns in the list of fields to search by.
+inline const QString EverythingField = QStringLiteral("*");
+
 /// Logic of the main window: state, actions and rules over the collection, without a widget. The window shows what
 /// it tells and calls it back. Main thread.
 class TKRNMainForm : public QObject {
@@ -339,7 +342,7 @@ private:
     bool FSearchWaits = false; // for the index to be built
     QSet<QString> FLetterHits;
     QTimer FLetterTimer;
-    QString FSearchBy;
+    QString FSearchBy = EverythingField;
     QString FSearchText;
 
     std::array<std::optional<TTableLayout>, 2> FLayouts; // releases, tracks
@@ -365,9 +368,6 @@ private:
     bool FWorking = false; // a job of this form runs and serves events
     bool FCancelled = false;
 };
-
-/// What stands for all columns in the list of fields to search by.
-inline const QString EverythingField = QStringLiteral("*");
 
 /// The detail view of the release on which qReleaseInfo and the child cursors stand.
 TDetailData BuildDetailData(TDataModuleMain& data);

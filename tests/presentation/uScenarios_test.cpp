@@ -10,10 +10,12 @@
 #include "uFindBar.h"
 #include "uListDialogs.h"
 #include "uOptionsWindow.h"
-#include "uRibbonTable.h"
 #include "uReleasesModel.h"
+#include "uRibbon.h"
+#include "uRibbonTable.h"
 #include "uSQLWindow.h"
 #include "uScenario.h"
+#include "uSearchBox.h"
 #include "uTableHeader.h"
 #include "uTablePresets.h"
 #include "uTileView.h"
@@ -89,8 +91,8 @@ void FindNameless(QAccessibleInterface* part, QStringList& nameless, int depth =
         const QObject* object = part->object();
         nameless << u"%1 (%2) in %3"_s.arg(QString::fromLatin1(object ? object->metaObject()->className() : "item"))
                         .arg(static_cast<int>(part->role()))
-                        .arg(QString::fromLatin1(object && object->parent() ? object->parent()->metaObject()->className()
-                                                                            : ""));
+                        .arg(QString::fromLatin1(
+                            object && object->parent() ? object->parent()->metaObject()->className() : ""));
     }
     if (part->tableInterface())
         return; // its cells are asked for one by one elsewhere
@@ -564,6 +566,40 @@ TEST_F(Scenario, LayoutsOfAnotherVersionAreLeftAside)
     EXPECT_EQ(State(), u"tracks | Song 1 of 000 | 1"_s);
     EXPECT_GT(ShownColumns(*Window().Tracks()).size(), 3);
     EXPECT_TRUE(Form().SavedFilters().empty());
+}
+
+TEST_F(Scenario, TheSearchBoxSearchesWhereItSays)
+{
+    Open(12);
+    TSearchBox& box = *Window().Ribbon()->SearchBox();
+    const auto search = [&](const QString& text) {
+        Press(u"Ctrl+K"_s);
+        Press(u"Ctrl+A"_s);
+        Type(text);
+        QSignalSpy filtered(&Form(), &TKRNMainForm::filtersChanged);
+        Press(u"Return"_s);
+        if (filtered.isEmpty()) // the index is being built
+            filtered.wait(20000);
+        Settle();
+    };
+    search(u"song 3 004"_s); // a track title
+    EXPECT_EQ(Chips(), QStringList{u"Everything=song 3 004"_s});
+    EXPECT_EQ(Rows(), QStringList{u"Salt Atlas 004"_s});
+    Do("actFilterStatusOther");
+    Do("actTracksView");
+    search(u"atlas 005"_s);
+    EXPECT_EQ(Chips(), QStringList{u"Everything=atlas 005"_s});
+    EXPECT_EQ(Rows().size(), 3) << "the tracks of the releases that were found";
+    Do("actFilterStatusOther");
+    box.SetCurrentField(u"TrackTitle"_s);
+    ASSERT_EQ(box.CurrentField().Name, u"TrackTitle"_s) << "tracks are searched by the fields of tracks";
+    search(u"song 2"_s);
+    EXPECT_EQ(Rows().size(), 12);
+    box.SetCurrentField(u"ReleaseName"_s);
+    Do("actThumbView");
+    EXPECT_EQ(box.CurrentField().Name, u"ReleaseName"_s) << "a field of both lists stays";
+    search(u"001"_s);
+    EXPECT_EQ(Rows(), QStringList{u"Salt Atlas 001"_s});
 }
 
 TEST_F(Scenario, EveryCommandIsInTheRibbonOrAMenu)
