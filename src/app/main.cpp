@@ -54,6 +54,47 @@ struct TSingletons {
     bool DebugMode = false;
 };
 
+void OpenAnew(TSingletons& our);
+
+void CreateMainForm(TSingletons& our)
+{
+    our.Form.emplace(*our.Data, our.Prompt);
+    our.Window.emplace(*our.Form, *our.Images, our.DebugMode);
+    our.Prompt.SetWindow(&*our.Window);
+    QObject::connect(
+        &*our.Window, &TMainWindow::languageChanged, qApp, [&our] { OpenAnew(our); }, Qt::QueuedConnection);
+}
+
+void ShowMainForm(TSingletons& our)
+{
+    QObject::connect(&*our.Window, &TMainWindow::shownFirst, &*our.Window, [&our] {
+        SetSplashSink({});
+        our.Splash.reset();
+    });
+    our.Window->ShowRestored();
+}
+
+void SetDirection()
+{
+    QApplication::setLayoutDirection(Language().IsRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+}
+
+// The window closes in order and opens again over the same data module: in another language all texts are others.
+void OpenAnew(TSingletons& our)
+{
+    QApplication::setQuitOnLastWindowClosed(false);
+    if (our.Window->close()) {
+        our.Prompt.SetWindow(nullptr);
+        our.Window.reset();
+        our.Form.reset();
+        ApplyLanguage();
+        SetDirection();
+        CreateMainForm(our);
+        ShowMainForm(our);
+    }
+    QApplication::setQuitOnLastWindowClosed(true);
+}
+
 TStartupHost MakeHost(TSingletons& our)
 {
     TStartupHost host;
@@ -65,7 +106,7 @@ TStartupHost MakeHost(TSingletons& our)
     };
     host.InitialiseApplication = [] {
         QApplication::setApplicationDisplayName(Defaults().OEM.Name);
-        QApplication::setLayoutDirection(Language().IsRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+        SetDirection();
         QApplication::setDesktopFileName(QStringLiteral("org.kestrune.Kestrune"));
     };
     host.CreateDataModuleImages = [&] {
@@ -74,18 +115,8 @@ TStartupHost MakeHost(TSingletons& our)
         our.Images->Apply(Defaults().ThemeIndex, Defaults().ColorSchemeAccentIndex);
     };
     host.CreateDataModuleMain = [&] { our.Data.emplace(our.Prompt); };
-    host.CreateMainForm = [&] {
-        our.Form.emplace(*our.Data, our.Prompt);
-        our.Window.emplace(*our.Form, *our.Images, our.DebugMode);
-        our.Prompt.SetWindow(&*our.Window);
-    };
-    host.ShowMainForm = [&] {
-        QObject::connect(&*our.Window, &TMainWindow::shownFirst, &*our.Window, [&] {
-            SetSplashSink({});
-            our.Splash.reset();
-        });
-        our.Window->ShowRestored();
-    };
+    host.CreateMainForm = [&] { CreateMainForm(our); };
+    host.ShowMainForm = [&] { ShowMainForm(our); };
     return host;
 }
 

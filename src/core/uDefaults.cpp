@@ -287,7 +287,12 @@ void LoadSettings()
     Defaults() = settings;
     PictureUserAgents() = {oem.HTTPAgent};
 
-    if (!Language().LoadLanguage(settings.Language))
+    ApplyLanguage();
+}
+
+void ApplyLanguage()
+{
+    if (!Language().LoadLanguage(Defaults().Language))
         Language().InitLanguageFromResources(u"ENGLISHLANG"_s, u"English"_s);
 }
 

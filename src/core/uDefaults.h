@@ -128,6 +128,9 @@ void WriteSettings(TDefaults& settings, TTHCustomSettings& store);
 /// definitions and ensures the per-user data folder. Loads the language, falling back to the built-in English.
 void LoadSettings();
 
+/// Loads the language of the settings, falling back to the built-in English. What was made before keeps its texts.
+void ApplyLanguage();
+
 /// Writes all settings to the store of the process and the store to its file; false when the file was not written.
 bool SaveSettings();
 

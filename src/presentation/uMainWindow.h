@@ -71,6 +71,8 @@ public:
 Q_SIGNALS:
     /// The window is on the screen: the splash window may go.
     void shownFirst();
+    /// Another language was chosen: the window is to be made anew.
+    void languageChanged();
 
 protected:
     void closeEvent(QCloseEvent* event) override;

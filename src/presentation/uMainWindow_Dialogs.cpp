@@ -97,12 +97,15 @@ void TMainWindow::OpenOptions()
     if (options.exec() != QDialog::Accepted)
         return;
     const bool sizeChanged = options.ThumbnailSizeChanged();
+    const bool otherLanguage = options.Settings().Language != Defaults().Language;
     Defaults() = options.Settings();
     SetDesktopIcons(Defaults().DesktopIcons);
     FTheme.Apply(Defaults().ThemeIndex, Defaults().ColorSchemeAccentIndex);
     FForm.ApplySettings();
     if (sizeChanged && FForm.Data().HasData())
         FForm.Actions().Trigger(u"actRegenerateThumbnails"_s);
+    if (otherLanguage)
+        Q_EMIT languageChanged();
 }
 
 void TMainWindow::OpenSQL()

@@ -383,6 +383,8 @@ void TMainWindow::ResetColumns()
     SetUpCards();
     FCovers.Clear();
     ShowCollection();
+    RestoreCurrent();
+    RestoreCurrentTrack();
 }
 
 void TMainWindow::OpenAddFiles()

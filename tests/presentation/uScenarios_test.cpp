@@ -444,6 +444,8 @@ TEST_F(Scenario, ThePaletteFindsAndRunsCommands)
 TEST_F(Scenario, OptionsActWhenTheyAreTaken)
 {
     Open(3);
+    Do("actAlbumTableView");
+    Press(u"Down"_s);
     FPrompt.YesNoAnswer = false;
     ASSERT_FALSE(Defaults().MP3ScanOtherImages);
     const auto change = [](QDialog& dialog) {
@@ -458,6 +460,23 @@ TEST_F(Scenario, OptionsActWhenTheyAreTaken)
         dialog.accept();
     });
     EXPECT_TRUE(Defaults().MP3ScanOtherImages);
+    Settle();
+    EXPECT_TRUE(Window().Table()->selectionModel()->hasSelection()) << "the selection outlives the new columns";
+    EXPECT_EQ(State(), u"albums | Salt Atlas 001 | 1"_s);
+    QSignalSpy languages(&Window(), &TMainWindow::languageChanged);
+    InDialog("actOptions", [&](QDialog& dialog) { dialog.accept(); });
+    EXPECT_TRUE(languages.isEmpty());
+    Defaults().Language = u"Elsewhere"_s; // a language whose file is gone: the list falls back to the first
+    InDialog("actOptions", [&](QDialog& dialog) {
+        for (QComboBox* box : dialog.findChildren<QComboBox*>())
+            if (const int english = box->findData(u"English"_s); english >= 0) {
+                box->setCurrentIndex(english);
+                Q_EMIT box->activated(english);
+            }
+        dialog.accept();
+    });
+    EXPECT_EQ(languages.size(), 1);
+    EXPECT_EQ(Defaults().Language, u"English"_s);
 }
 
 TEST_F(Scenario, SuggestionListsReachTheirEditors)
