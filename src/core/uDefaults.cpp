@@ -39,6 +39,7 @@ constexpr TSettingDef SettingRows[] = {
     {"ProxyUsername", &D::ProxyUsername, u""},
     {"ProxyPassword", &D::ProxyPassword, u""},
     {"InetAccess", &D::InetAccess, 0},
+    {"VerifyCertificates", &D::VerifyCertificates, false},
     {"SearchByBarcode", &D::SearchByBarcode, 3},
     {"SearchByCatalogNo", &D::SearchByCatalogNo, 3},
     {"SearchByArtistRelease", &D::SearchByArtistRelease, 1},

@@ -58,7 +58,8 @@ struct TDefaults {
     QString ProxyHost;
     int ProxyPort = 0;
     QString ProxyUsername, ProxyPassword;
-    int InetAccess = 0; ///< 0 direct, 1 through ProxyHost
+    int InetAccess = 0; ///< 0 through ProxyHost where one is given, 1 always directly
+    bool VerifyCertificates = false;
     int SearchByBarcode = 0, SearchByCatalogNo = 0, SearchByArtistRelease = 0, SearchByCD = 0;
     QString CurrencySymbol;
     int InfoPaneLocation = 0; ///< 0 bottom, 1 right, 2 top

@@ -33,6 +33,7 @@ constexpr TOEMAttribute OEMAttributes[] = {
     {"AmazonAffiliateName", &TOEMInfo::AmazonAffiliateName},
     {"HTTPAgent", &TOEMInfo::HTTPAgent},
     {"LAST_FM_API_KEY", &TOEMInfo::LAST_FM_API_KEY},
+    {"ServicesURL", &TOEMInfo::ServicesURL},
 };
 
 } // namespace

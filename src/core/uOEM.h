@@ -21,6 +21,7 @@ struct TOEMInfo {
     QString AmazonAffiliateName;
     QString HTTPAgent = QStringLiteral("Kestrune/0.1");
     QString LAST_FM_API_KEY;
+    QString ServicesURL; ///< folder with the published service package; empty: there is none
 };
 
 /// Reads the product identity from an XML file whose root has an attribute per field. Fields whose attribute is

@@ -32,6 +32,8 @@ enum class TCoverPictureType : quint8 {
 };
 using enum TCoverPictureType;
 using TCoverPictureTypes = TEnumSet<TCoverPictureType>;
+inline constexpr TCoverPictureTypes AllPictureTypes{cptFrontThumb, cptFrontLarge, cptBackThumb, cptBackLarge,
+                                                    cptMediaThumb, cptMediaLarge, cptOther};
 
 /// The thumbnail type that belongs to a large type; `cptOther` for any other value.
 TCoverPictureType ThumbTypeOf(TCoverPictureType largeType);

@@ -140,6 +140,7 @@ TAlbumTrack ReadTrack(const TXmlElement& node, const QString& releaseArtist)
     if (const int seconds = ParseTimeOfDay(AttributeText(node, u"TRACK_DURATION"_s)); seconds >= 0)
         track.DurationSec = seconds;
     track.DiscNo = AttributeNumber(node, u"DISC_NO"_s, 1);
+    track.Side = AttributeText(node, u"SIDE"_s);
     return track;
 }
 

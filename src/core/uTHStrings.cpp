@@ -127,6 +127,23 @@ TXMLLanguage& Language()
 
 QString GetLanguageString(const QString& name) { return Language().GetValue(name); }
 
+QString FormatText(const QString& format, const QStringList& values)
+{
+    QString text;
+    qsizetype value = 0;
+    for (qsizetype at = 0; at < format.size(); ++at) {
+        const bool isPlace = format[at] == u'%' && at + 1 < format.size() &&
+                             (format[at + 1] == u's' || format[at + 1] == u'd') && value < values.size();
+        if (isPlace) {
+            text += values[value++];
+            ++at;
+        } else {
+            text += format[at];
+        }
+    }
+    return text;
+}
+
 QString LanguageFolder() { return ProgramFile(u"Lang"_s); }
 
 } // namespace Kestrune

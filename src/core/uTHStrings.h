@@ -4,6 +4,7 @@
 #include <QHash>
 #include <QImage>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 #include <vector>
@@ -75,6 +76,9 @@ TXMLLanguage& Language();
 
 /// The text of a language key in the current language; empty for an unknown key.
 QString GetLanguageString(const QString& name);
+
+/// A text with each "%s" and "%d" replaced, in their order, by the values. What has no value stays.
+QString FormatText(const QString& format, const QStringList& values);
 
 /// The language folder: `Lang` beside the program, or under its install prefix.
 QString LanguageFolder();

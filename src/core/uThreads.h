@@ -46,6 +46,24 @@ private:
     std::shared_ptr<std::function<void()>> FNotify;
 };
 
+/// A thread that runs one function.
+class TTaskThread final : public TThread {
+public:
+    /// The function looks at the token and ends when it is asked to.
+    explicit TTaskThread(std::function<void(std::stop_token)> task) : FTask(std::move(task)) {}
+    ~TTaskThread() override
+    {
+        Terminate();
+        WaitFor();
+    }
+
+protected:
+    void Execute() override { FTask(StopToken()); }
+
+private:
+    std::function<void(std::stop_token)> FTask;
+};
+
 /// Runs `fn` on the main thread later, in the order of the calls; from any thread. It is dropped when the process
 /// ends before.
 void PostToMainThread(std::function<void()> fn);

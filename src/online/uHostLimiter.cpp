@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uHostLimiter.h"
+
+#include <algorithm>
+
+namespace Kestrune {
+
+using std::chrono::milliseconds;
+
+void THostLimiter::SetPace(const QString& host, int pace)
+{
+    const std::scoped_lock lock(FLock);
+    THost& entry = FHosts[host];
+    entry.Pace = std::max(entry.Pace, pace);
+}
+
+int THostLimiter::Pace(const QString& host) const
+{
+    const std::scoped_lock lock(FLock);
+    const auto found = FHosts.find(host);
+    return found == FHosts.end() ? 0 : found->second.Pace;
+}
+
+void THostLimiter::Delay(const QString& host, std::chrono::seconds time)
+{
+    constexpr std::chrono::seconds longest{3600};
+    const std::scoped_lock lock(FLock);
+    THost& entry = FHosts[host];
+    entry.Earliest = std::max(entry.Earliest, TClock::now() + std::clamp(time, std::chrono::seconds{0}, longest));
+    FChanged.notify_all();
+}
+
+void THostLimiter::Clear()
+{
+    const std::scoped_lock lock(FLock);
+    FHosts.clear();
+    FChanged.notify_all();
+}
+
+bool THostLimiter::Enter(const QString& host, int pace, const std::atomic<bool>& aborted,
+                         const std::function<void(int)>& waiting)
+{
+    std::unique_lock lock(FLock);
+    FHosts[host].Pace = std::max(FHosts[host].Pace, pace);
+    TClock::time_point told{};
+    while (!aborted) {
+        THost& entry = FHosts[host];
+        const auto now = TClock::now();
+        const bool busy = entry.Pace > 0 && entry.Running > 0;
+        if (!busy && now >= entry.Earliest) {
+            ++entry.Running;
+            return true;
+        }
+        const auto until = busy ? now + std::chrono::hours(1) : entry.Earliest;
+        // Only a time that is known is told; who waits for a running request learns it when that is over.
+        if (!busy && until != told && waiting) {
+            told = until;
+            const auto left = std::chrono::ceil<milliseconds>(until - now).count();
+            lock.unlock();
+            waiting(static_cast<int>(left));
+            lock.lock();
+            continue;
+        }
+        FChanged.wait_until(lock, until);
+    }
+    return false;
+}
+
+void THostLimiter::Leave(const QString& host)
+{
+    const std::scoped_lock lock(FLock);
+    THost& entry = FHosts[host];
+    entry.Running = std::max(0, entry.Running - 1);
+    if (entry.Pace > 0)
+        entry.Earliest = std::max(entry.Earliest, TClock::now() + milliseconds(entry.Pace));
+    FChanged.notify_all();
+}
+
+void THostLimiter::Wake()
+{
+    const std::scoped_lock lock(FLock);
+    FChanged.notify_all();
+}
+
+THostLimiter& HostLimiter()
+{
+    static THostLimiter limiter;
+    return limiter;
+}
+
+} // namespace Kestrune

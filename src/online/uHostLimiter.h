@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <QString>
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <map>
+#include <mutex>
+
+namespace Kestrune {
+
+/// Spaces the requests of the whole process: one request at a time to a host that has a pace, and the next one only
+/// when that pace has passed since the answer. A host without a pace is held back only where it asked for it. Any
+/// thread.
+class THostLimiter {
+public:
+    using TClock = std::chrono::steady_clock;
+
+    /// At least this many milliseconds between two requests to a host; of several values the largest holds.
+    void SetPace(const QString& host, int milliseconds);
+    /// 0 for a host without a pace.
+    int Pace(const QString& host) const;
+    /// No request to the host before this time has passed, as a busy server asks. At most an hour is taken.
+    void Delay(const QString& host, std::chrono::seconds time);
+    /// Forgets all hosts.
+    void Clear();
+
+    /// Waits for the host's turn, at the pace of the host or of `pace` where that is larger. `waiting` is told the
+    /// milliseconds each time that it has to wait. False when `aborted` was set meanwhile (call Wake then);
+    /// otherwise Leave must follow the request.
+    bool Enter(const QString& host, int pace, const std::atomic<bool>& aborted,
+               const std::function<void(int milliseconds)>& waiting);
+    void Leave(const QString& host);
+    /// Makes waiting threads look at their abort flags.
+    void Wake();
+
+private:
+    struct THost {
+        int Pace = 0;
+        int Running = 0;
+        TClock::time_point Earliest{};
+    };
+    mutable std::mutex FLock;
+    std::condition_variable FChanged;
+    std::map<QString, THost> FHosts;
+};
+
+/// The one of the process.
+THostLimiter& HostLimiter();
+
+} // namespace Kestrune

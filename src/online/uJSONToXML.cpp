@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uJSONToXML.h"
+
+#include "uDebugLog.h"
+#include "uDictionaries.h"
+
+#include <rapidjson/error/en.h>
+#include <rapidjson/memorystream.h>
+#include <rapidjson/reader.h>
+
+#include <vector>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Six bytes may come of one (a quote), and names stand twice: an answer cannot grow past this.
+constexpr qsizetype LargestDocument = 128 * 1024 * 1024;
+const QByteArray Header = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<Data>";
+const QByteArray Footer = "</Data>";
+
+// Writes the XML while the text is read; nothing of the JSON is held.
+class TXmlWriter {
+public:
+    explicit TXmlWriter(qsizetype inputSize)
+    {
+        FXml.reserve(std::min(inputSize * 2 + 256, LargestDocument));
+        FXml = Header;
+    }
+
+    bool Null() { return Value("null", 4); }
+    bool Bool(bool value) { return value ? Value("true", 4) : Value("false", 5); }
+    // With the flag for raw numbers these four are never called.
+    bool Int(int) { return false; }
+    bool Uint(unsigned) { return false; }
+    bool Int64(int64_t) { return false; }
+    bool Uint64(uint64_t) { return false; }
+    bool Double(double) { return false; }
+    bool RawNumber(const char* text, rapidjson::SizeType size, bool) { return Value(text, size); }
+    bool String(const char* text, rapidjson::SizeType size, bool) { return Value(text, size); }
+
+    bool StartObject()
+    {
+        OpenItem();
+        FLevels.push_back({false, 0, {}});
+        return InBounds();
+    }
+    bool Key(const char* text, rapidjson::SizeType size, bool)
+    {
+        QByteArray name(text, size);
+        name.removeIf([](char c) { return c == ':' || c == '#' || c == '@'; });
+        FXml += '<' + name + '>';
+        FLevels.back().Name = name;
+        return InBounds();
+    }
+    bool EndObject(rapidjson::SizeType)
+    {
+        FLevels.pop_back();
+        CloseItem();
+        return InBounds();
+    }
+    bool StartArray()
+    {
+        OpenItem();
+        FLevels.push_back({true, 0, {}});
+        return InBounds();
+    }
+    bool EndArray(rapidjson::SizeType)
+    {
+        FLevels.pop_back();
+        CloseItem();
+        return InBounds();
+    }
+
+    QByteArray Take() { return std::move(FXml) + Footer; }
+
+private:
+    struct TLevel {
+        bool IsArray;
+        int Next; // number of the next item
+        QByteArray Name;
+    };
+
+    bool InBounds() const { return FXml.size() < LargestDocument; }
+
+    void OpenItem()
+    {
+        if (!FLevels.empty() && FLevels.back().IsArray)
+            FXml += "<Array" + QByteArray::number(FLevels.back().Next) + '>';
+    }
+    void CloseItem()
+    {
+        if (FLevels.empty())
+            return;
+        if (FLevels.back().IsArray)
+            FXml += "</Array" + QByteArray::number(FLevels.back().Next++) + '>';
+        else
+            FXml += "</" + FLevels.back().Name + '>';
+    }
+    bool Value(const char* text, rapidjson::SizeType size)
+    {
+        OpenItem();
+        for (const char* c = text; c != text + size; ++c) {
+            switch (*c) {
+            case '&': FXml += "&amp;"; break;
+            case '<': FXml += "&lt;"; break;
+            case '>': FXml += "&gt;"; break;
+            case '"': FXml += "&quot;"; break;
+            default:
+                if (static_cast<unsigned char>(*c) >= 32 || *c == '\t' || *c == '\n' || *c == '\r')
+                    FXml += *c;
+            }
+        }
+        CloseItem();
+        return InBounds();
+    }
+
+    QByteArray FXml;
+    std::vector<TLevel> FLevels;
+};
+
+} // namespace
+
+QByteArray JSONToXML(const QByteArray& json, QString* error)
+{
+    // Iterative: a text of nothing but brackets needs no deep stack.
+    constexpr unsigned flags =
+        rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
+    TXmlWriter writer(json.size());
+    rapidjson::MemoryStream bytes(json.constData(), static_cast<size_t>(json.size()));
+    rapidjson::EncodedInputStream<rapidjson::UTF8<>, rapidjson::MemoryStream> stream(bytes);
+    rapidjson::Reader reader;
+    const rapidjson::ParseResult result = reader.Parse<flags>(stream, writer);
+    if (!result) {
+        const QString reason = u"no JSON at byte %1: %2"_s.arg(result.Offset())
+                                   .arg(QLatin1StringView(rapidjson::GetParseError_En(result.Code())));
+        DebugLog(u"[JSON] "_s + reason);
+        if (error)
+            *error = reason;
+        return Header + Footer;
+    }
+    return writer.Take();
+}
+
+QString JSONToXML(const QString& json) { return QString::fromUtf8(JSONToXML(json.toUtf8())); }
+
+void TJSONTextDownloader::PostResult(QStringList lines)
+{
+    TTextDownloader::PostResult(SplitLines(JSONToXML(lines.join(u'\n'))));
+}
+
+} // namespace Kestrune

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "uDownloader.h"
+#include "uObjs.h"
+
+#include <QByteArray>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace Kestrune {
+
+class TInfoGrabber;
+class TInfoGrabberServiceAction;
+class TKRNParams;
+class TXmlDocument;
+class TXmlElement;
+
+using TAlbumReleases = std::vector<std::unique_ptr<TAlbumRelease>>;
+
+/// The `Release` elements of a search result document: below `SearchResults`, which is the root or a child of it.
+/// False when there is no `SearchResults`.
+bool FindReleases(const TXmlDocument& document, std::vector<TXmlElement>& releases);
+
+/// The answer of a service as its stylesheet makes a search result document of it. False, with the reason, when the
+/// answer is not understood or the stylesheet fails.
+bool NormaliseAnswer(const TInfoGrabber& grabber, const TInfoGrabberServiceAction& action, const QByteArray& answer,
+                     QByteArray& document, QString* error = nullptr);
+
+/// Fetches from a service on the thread that calls; one object for one logical client, whose requests share cookies.
+class TReleaseFetch {
+public:
+    explicit TReleaseFetch(const TInfoGrabber& grabber);
+    ~TReleaseFetch();
+
+    /// The first release of the answer, with its pictures; where the action gives summaries only, the full record that
+    /// its service's `getrelease` action gives. False when the answer does not come or is not understood; true with a
+    /// null release when it holds none.
+    bool FetchRelease(const TInfoGrabberServiceAction& action, const TKRNParams& params,
+                      std::unique_ptr<TAlbumRelease>& release);
+    /// All releases of the answer as they are, without pictures.
+    bool FetchHits(const TInfoGrabberServiceAction& action, const TKRNParams& params, TAlbumReleases& releases);
+    /// The full record of a hit, with its pictures: the action is that of the search which gave it.
+    bool FetchDetails(const TInfoGrabberServiceAction& action, std::unique_ptr<TAlbumRelease>& release);
+
+    /// Of the last request that failed.
+    const QString& Error() const { return FError; }
+
+    /// Between a search and its detail request, in milliseconds.
+    static constexpr int DetailPause = 1000;
+
+private:
+    bool FetchDocument(const TInfoGrabberServiceAction& action, const TKRNParams& params, TAlbumReleases& releases,
+                       bool firstOnly);
+
+    const TInfoGrabber& FGrabber;
+    std::unique_ptr<TCookieManagerComponent> FCookies;
+    std::unique_ptr<TDownloader> FTransport;
+    QString FError;
+};
+
+/// Lets pictures of releases be fetched through this layer. Once at start.
+void InstallPictureFetcher();
+
+} // namespace Kestrune

@@ -1,0 +1,247 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uXSLTranformation.h"
+
+#include "uDebugLog.h"
+
+#include <libexslt/exslt.h>
+#include <libxml/parser.h>
+#include <libxml/xmlerror.h>
+#include <libxslt/extensions.h>
+#include <libxslt/extra.h>
+#include <libxslt/functions.h>
+#include <libxslt/security.h>
+#include <libxslt/transform.h>
+#include <libxslt/xslt.h>
+#include <libxslt/xsltInternals.h>
+#include <libxslt/xsltutils.h>
+
+#include <cstdarg>
+#include <cstdio>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Bounds of one transformation. A page of a hundred releases takes a tenth of them; what runs into them is not meant to
+// end (see the time of each in bench/RESULTS.md).
+constexpr unsigned long MostXPathOperations = 8'000'000;
+constexpr unsigned long MostInstructions = 1'000'000;
+constexpr int DeepestTemplates = 1000;
+constexpr int MostVariables = 10'000;
+constexpr qsizetype LargestInput = 128 * 1024 * 1024;
+constexpr size_t CompiledKept = 16;
+
+using TDoc = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
+using TStylesheet = std::shared_ptr<xsltStylesheet>;
+
+// The library's messages of the transformation on this thread.
+thread_local QString* CollectedError = nullptr;
+
+} // namespace
+
+// Plain functions with C varargs, as the libraries call them.
+extern "C" {
+static void CollectMessage(void*, const char* format, ...)
+{
+    if (!CollectedError || CollectedError->size() > 2000)
+        return;
+    char text[512];
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(text, sizeof text, format, arguments);
+    va_end(arguments);
+    *CollectedError += QString::fromUtf8(text);
+}
+static void DropMessage(void*, const char*, ...) {}
+}
+
+namespace {
+
+void InitLibraries()
+{
+    static const bool once = [] {
+        xmlInitParser();
+        xsltInit();
+        exsltRegisterAll();
+        // Stylesheets written for another engine name this function by its namespace.
+        xsltRegisterExtModuleFunction(reinterpret_cast<const xmlChar*>("node-set"),
+                                      reinterpret_cast<const xmlChar*>("urn:schemas-microsoft-com:xslt"),
+                                      xsltFunctionNodeSet);
+        // Per process: messages of a stylesheet that is being compiled would go to standard error.
+        xsltSetGenericErrorFunc(nullptr, CollectMessage);
+        return true;
+    }();
+    (void)once;
+}
+
+xsltSecurityPrefsPtr Security()
+{
+    static const xsltSecurityPrefsPtr prefs = [] {
+        const xsltSecurityPrefsPtr made = xsltNewSecurityPrefs();
+        for (const xsltSecurityOption option :
+             {XSLT_SECPREF_READ_FILE, XSLT_SECPREF_WRITE_FILE, XSLT_SECPREF_CREATE_DIRECTORY, XSLT_SECPREF_READ_NETWORK,
+              XSLT_SECPREF_WRITE_NETWORK})
+            xsltSetSecurityPrefs(made, option, xsltSecurityForbid);
+        // Imports are read while compiling, where no context has preferences of its own.
+        xsltSetDefaultSecurityPrefs(made);
+        return made;
+    }();
+    return prefs;
+}
+
+// Collects the messages of this thread for as long as it lives.
+class TErrorScope {
+public:
+    explicit TErrorScope(QString& text)
+    {
+        CollectedError = &text;
+        xmlSetGenericErrorFunc(nullptr, DropMessage); // per thread
+    }
+    ~TErrorScope() { CollectedError = nullptr; }
+};
+
+TDoc ParseDocument(const QByteArray& bytes, QString& error)
+{
+    TDoc document(nullptr, &xmlFreeDoc);
+    if (bytes.size() > LargestInput) {
+        error = u"the document is too large"_s;
+        return document;
+    }
+    const std::unique_ptr<xmlParserCtxt, decltype(&xmlFreeParserCtxt)> context(xmlNewParserCtxt(), &xmlFreeParserCtxt);
+    if (!context)
+        return document;
+    // No entity of another file is read, and the guards against bombs and depth stay on.
+    document.reset(xmlCtxtReadMemory(context.get(), bytes.constData(), static_cast<int>(bytes.size()), nullptr, "UTF-8",
+                                     XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING | XML_PARSE_NOCDATA));
+    if (!document)
+        error = QString::fromUtf8(context->lastError.message).trimmed();
+    return document;
+}
+
+TStylesheet Compile(const QByteArray& bytes, QString& error)
+{
+    TDoc document = ParseDocument(bytes, error);
+    if (!document)
+        return nullptr;
+    xsltStylesheet* compiled = xsltParseStylesheetDoc(document.get());
+    if (!compiled)
+        return nullptr;
+    (void)document.release(); // now owned by the stylesheet
+    TStylesheet sheet(compiled, &xsltFreeStylesheet);
+    if (sheet->errors > 0)
+        return nullptr;
+    return sheet;
+}
+
+// Compiled stylesheets by their bytes, the last used first.
+class TCompiledSheets {
+public:
+    TStylesheet Get(const QByteArray& bytes, QString& error)
+    {
+        const std::scoped_lock lock(FLock);
+        for (auto item = FItems.begin(); item != FItems.end(); ++item) {
+            if (item->first != bytes)
+                continue;
+            FItems.splice(FItems.begin(), FItems, item);
+            return item->second;
+        }
+        TStylesheet sheet = Compile(bytes, error);
+        if (sheet) {
+            FItems.emplace_front(bytes, sheet);
+            if (FItems.size() > CompiledKept)
+                FItems.pop_back();
+        }
+        return sheet;
+    }
+
+private:
+    std::mutex FLock;
+    std::list<std::pair<QByteArray, TStylesheet>> FItems;
+};
+
+TCompiledSheets& CompiledSheets()
+{
+    static TCompiledSheets sheets;
+    return sheets;
+}
+
+QByteArray Serialise(xmlDoc& result, xsltStylesheet& sheet, bool asSerialised)
+{
+    xmlChar* text = nullptr;
+    int size = 0;
+    if (asSerialised)
+        xsltSaveResultToString(&text, &size, &result, &sheet);
+    else
+        xmlDocDumpMemoryEnc(&result, &text, &size, "UTF-8");
+    const QByteArray bytes(reinterpret_cast<const char*>(text), size);
+    xmlFree(text);
+    return bytes;
+}
+
+bool Transform(const QByteArray& xml, const QByteArray& stylesheet, QByteArray& output, bool asSerialised,
+               QString& error)
+{
+    const TDoc source = ParseDocument(xml, error);
+    if (!source)
+        return false;
+    const TStylesheet sheet = CompiledSheets().Get(stylesheet, error);
+    if (!sheet)
+        return false;
+    const std::unique_ptr<xsltTransformContext, decltype(&xsltFreeTransformContext)> context(
+        xsltNewTransformContext(sheet.get(), source.get()), &xsltFreeTransformContext);
+    if (!context)
+        return false;
+    xsltSetTransformErrorFunc(context.get(), nullptr, CollectMessage);
+    xsltSetCtxtSecurityPrefs(Security(), context.get());
+    context->opLimit = MostInstructions;
+    context->maxTemplateDepth = DeepestTemplates;
+    context->maxTemplateVars = MostVariables;
+    context->xpathCtxt->opLimit = MostXPathOperations;
+    const TDoc result(xsltApplyStylesheetUser(sheet.get(), source.get(), nullptr, nullptr, nullptr, context.get()),
+                      &xmlFreeDoc);
+    if (!result || context->state != XSLT_STATE_OK)
+        return false;
+    output = Serialise(*result, *sheet, asSerialised);
+    return true;
+}
+
+} // namespace
+
+bool TransformXSL(const QByteArray& xml, const QByteArray& stylesheet, QByteArray& output, bool asSerialised,
+                  QString* error)
+{
+    InitLibraries();
+    (void)Security();
+    QString reason;
+    output.clear();
+    bool done = false;
+    {
+        const TErrorScope scope(reason);
+        done = Transform(xml, stylesheet, output, asSerialised, reason);
+    }
+    if (done)
+        return true;
+    reason = reason.simplified();
+    if (reason.isEmpty())
+        reason = u"the stylesheet failed"_s;
+    DebugLog(u"[XSLT] "_s + reason);
+    if (error)
+        *error = reason;
+    return false;
+}
+
+bool TransformXSL(const QString& xml, const QString& stylesheet, QString& output, bool asSerialised, QString* error)
+{
+    QByteArray bytes;
+    const bool done = TransformXSL(xml.toUtf8(), stylesheet.toUtf8(), bytes, asSerialised, error);
+    output = QString::fromUtf8(bytes);
+    return done;
+}
+
+} // namespace Kestrune

@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uJSONToXML.h"
+#include "uTestFiles.h"
+#include "uXSLTranformation.h"
+#include "uXml.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+using namespace Kestrune;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QByteArray Header = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n";
+
+struct TJsonRow {
+    const char* Json;
+    const char* Xml; ///< inside of Data
+};
+
+TEST(JSONToXML, WritesWhatTheStylesheetsExpect)
+{
+    const TJsonRow rows[] = {
+        {R"({"a":[1,{"b":"x&y"}]})", "<a><Array0>1</Array0><Array1><b>x&amp;y</b></Array1></a>"},
+        {R"({"@id":1,"a:b":2,"#text":3})", "<id>1</id><ab>2</ab><text>3</text>"},
+        {R"({"a":[],"b":{}})", "<a></a><b></b>"},
+        {R"({"z":1.50,"a":12345678901234567890123,"n":-0.0,"e":1E5})",
+         "<z>1.50</z><a>12345678901234567890123</a><n>-0.0</n><e>1E5</e>"},
+        {R"({"t":true,"f":false,"n":null})", "<t>true</t><f>false</f><n>null</n>"},
+        {R"({"s":"<\"q\" 'a'>\u0007\t\u00fc"})", "<s>&lt;&quot;q&quot; 'a'&gt;\t\xC3\xBC</s>"},
+        {R"({"k":1,"k":2})", "<k>1</k><k>2</k>"},
+        {R"([[1],[2,3]])", "<Array0><Array0>1</Array0></Array0><Array1><Array0>2</Array0><Array1>3</Array1></Array1>"},
+        {"\"text\"", "text"},
+        {R"({"250":"u"})", "<250>u</250>"},
+        {"\xEF\xBB\xBF{\"a\":1}", "<a>1</a>"},
+        {"", ""},
+        {"{\"a\":", ""},
+        {"<html>", ""},
+        {"{\"a\":\"\xFF\"}", ""},
+        {R"({"a":1} trailing)", ""},
+    };
+    for (const TJsonRow& row : rows)
+        EXPECT_EQ(JSONToXML(QByteArray(row.Json)), Header + "<Data>" + row.Xml + "</Data>") << row.Json;
+}
+
+TEST(JSONToXML, SurvivesDepthAndIsThenNoDocument)
+{
+    const QByteArray deep = QByteArray(200000, '[') + QByteArray(200000, ']');
+    EXPECT_FALSE(TXmlDocument::Parse(JSONToXML(deep)));
+    EXPECT_FALSE(TXmlDocument::Parse(JSONToXML(QByteArray(R"({"250":1})"))));
+    EXPECT_TRUE(TXmlDocument::Parse(JSONToXML(QByteArray(200000, '['))));
+}
+
+QByteArray Sheet(const QByteArray& body, const QByteArray& attributes = {})
+{
+    return "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform' " + attributes + ">" + body +
+           "</xsl:stylesheet>";
+}
+
+QByteArray Transformed(const QByteArray& xml, const QByteArray& sheet, QString* error = nullptr)
+{
+    QByteArray output;
+    return TransformXSL(xml, sheet, output, false, error) ? output : "failed";
+}
+
+TEST(XSLTranformation, GivesTheResultAsXml)
+{
+    const QByteArray sheet =
+        Sheet("<xsl:output method='xml' encoding='iso-8859-1'/>"
+              "<xsl:template match='/'><r a='{/d/@x}'><xsl:copy-of select='/d/t'/></r></xsl:template>");
+    const QByteArray xml = "<d x='&#252;'><t>b</t></d>";
+    EXPECT_EQ(Transformed(xml, sheet), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<r a=\"\xC3\xBC\"><t>b</t></r>\n");
+    QString text;
+    EXPECT_TRUE(TransformXSL(QString::fromUtf8(xml), QString::fromUtf8(sheet), text));
+    EXPECT_TRUE(text.contains(u"ü"_s));
+    const QByteArray plain =
+        Sheet("<xsl:output method='text'/><xsl:template match='/'>x<xsl:value-of select='/d/t'/></xsl:template>");
+    EXPECT_TRUE(TransformXSL(QString::fromUtf8(xml), QString::fromUtf8(plain), text, true));
+    EXPECT_EQ(text, u"xb"_s);
+}
+
+TEST(XSLTranformation, KnowsTheNodeSetFunctionsOfBothFamilies)
+{
+    for (const QByteArray space : {"urn:schemas-microsoft-com:xslt", "http://exslt.org/common"})
+        EXPECT_TRUE(Transformed("<d/>", Sheet("<xsl:template match='/'><xsl:variable name='v'><i/><i/></xsl:variable>"
+                                              "<n><xsl:value-of select='count(x:node-set($v)/i)'/></n></xsl:template>",
+                                              "xmlns:x='" + space + "'"))
+                        .contains(">2</n>"))
+            << space.constData();
+}
+
+TEST(XSLTranformation, NeitherFilesNorNetworkNorEndlessWork)
+{
+    const Kit::TTempDir dir;
+    const QByteArray secret = dir.Write(u"secret.xml"_s, "<s>secret</s>").toUtf8();
+    const QByteArray target = dir.File(u"written.xml"_s).toUtf8();
+    const std::pair<const char*, QByteArray> rows[] = {
+        {"no stylesheet", "<html/>"},
+        {"not well-formed", "<xsl:stylesheet"},
+        {"document()", Sheet("<xsl:template match='/'><r><xsl:value-of select=\"document('" + secret +
+                             "')/s\"/></r></xsl:template>")},
+        {"import", Sheet("<xsl:import href='" + secret + "'/><xsl:template match='/'><r/></xsl:template>")},
+        {"writing", Sheet("<xsl:template match='/'><e:document href='" + target + "'><x/></e:document></xsl:template>",
+                          "xmlns:e='http://exslt.org/common' extension-element-prefixes='e'")},
+        {"endless templates", Sheet("<xsl:template match='/'><xsl:call-template name='t'/></xsl:template>"
+                                    "<xsl:template name='t'><xsl:call-template name='t'/></xsl:template>")},
+        {"exponential work",
+         Sheet(
+             "<xsl:template match='/'><xsl:call-template name='t'><xsl:with-param name='n' select='60'/>"
+             "</xsl:call-template></xsl:template><xsl:template name='t'><xsl:param name='n'/><xsl:if test='$n &gt; 0'>"
+             "<xsl:call-template name='t'><xsl:with-param name='n' select='$n - 1'/></xsl:call-template>"
+             "<xsl:call-template name='t'><xsl:with-param name='n' select='$n - 1'/></xsl:call-template>"
+             "</xsl:if></xsl:template>")},
+        {"terminates itself",
+         Sheet("<xsl:template match='/'><xsl:message terminate='yes'>stop</xsl:message></xsl:template>")},
+    };
+    for (const auto& [name, sheet] : rows) {
+        SCOPED_TRACE(name);
+        QString error;
+        const QByteArray output = Transformed("<d/>", sheet, &error);
+        EXPECT_FALSE(output.contains("secret"));
+        EXPECT_EQ(output, "failed");
+        EXPECT_FALSE(error.isEmpty());
+    }
+    EXPECT_FALSE(QFile::exists(QString::fromUtf8(target)));
+}
+
+TEST(XSLTranformation, RefusesBombsInTheAnswer)
+{
+    const QByteArray sheet = Sheet("<xsl:template match='/'><r><xsl:value-of select='.'/></r></xsl:template>");
+    QByteArray bomb = "<!DOCTYPE d [<!ENTITY a0 'xxxxxxxxxx'>";
+    for (int i = 1; i < 12; ++i) {
+        const QByteArray inner = "&a" + QByteArray::number(i - 1) + ";";
+        bomb += "<!ENTITY a" + QByteArray::number(i) + " '" + inner.repeated(10) + "'>";
+    }
+    bomb += "]><d>&a11;</d>";
+    EXPECT_LT(Transformed(bomb, sheet).size(), 100000);
+    const QByteArray external = "<!DOCTYPE d [<!ENTITY e SYSTEM 'file:///etc/passwd'>]><d>&e;</d>";
+    EXPECT_FALSE(Transformed(external, sheet).contains("root:"));
+    EXPECT_EQ(Transformed("no xml", sheet), "failed");
+    EXPECT_EQ(Transformed("", sheet), "failed");
+}
+
+TEST(XSLTranformation, RunsOnSeveralThreadsAtOnce)
+{
+    const QByteArray sheet = Sheet("<xsl:template match='/'><r><xsl:value-of select='count(//i)'/></r></xsl:template>");
+    std::atomic<int> right = 0;
+    {
+        std::vector<std::jthread> threads;
+        for (int t = 0; t < 4; ++t)
+            threads.emplace_back([&] {
+                for (int i = 0; i < 50; ++i)
+                    right += Transformed("<d><i/><i/></d>", sheet).contains("<r>2</r>") ? 1 : 0;
+            });
+    }
+    EXPECT_EQ(right, 200);
+}
+
+} // namespace
