@@ -12,7 +12,7 @@ mapfile -t targets < <(sed -nE 's/^add_executable\((fuzz_[a-z0-9]+) .*/\1/p' fuz
 for reader in ape flac id3v1 id3v2 mp4 ogg wav wma wavpack musepack monkey sniffer; do
     targets+=("fuzz_tags_$reader")
 done
-for reader in iso udf sacd dvda m2ts mp4container; do
+for reader in iso udf sacd dvda m2ts mp4container disctoc; do
     targets+=("fuzz_media_$reader")
 done
 cmake --build --preset fuzz --target make_seeds "${targets[@]}"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // One fuzz target per reader of disc images and containers: FUZZ_READER names the function below that a target calls.
+#include "uCD.h"
 #include "uDVDAReader.h"
 #include "uFoldedImage.h"
 #include "uISOReader.h"
@@ -10,7 +11,9 @@
 
 #include <QBuffer>
 
+#include <algorithm>
 #include <cstdlib>
+#include <cstring>
 
 namespace Kestrune {
 
@@ -71,6 +74,23 @@ std::shared_ptr<TByteSource> Unfolded(const QByteArray& bytes, const Fuzz::TSect
     QByteArray out;
     if (reader.Open(std::make_shared<TMemorySource>(bytes)))
         reader.ExtractTrack(0, out);
+}
+
+// The input is a table of a drive, and numbers that were typed: what is understood reads back the same.
+[[maybe_unused]] void FuzzDiscTOC(const QByteArray& bytes)
+{
+    TRawTOC toc;
+    TDiscTexts texts;
+    TDiscTexts again;
+    QString error;
+    std::memcpy(&toc, bytes.constData(), std::min(sizeof toc, static_cast<size_t>(bytes.size())));
+    if (DiscTextsOf(toc, texts, error) != (texts.DiscID.size() == 28))
+        std::abort();
+    if (!ParseDecimalTOC(QString::fromUtf8(bytes), toc, error))
+        return;
+    if (!DiscTextsOf(toc, texts, error) || !ParseDecimalTOC(texts.TOC_DECIMAL, toc, error) ||
+        !DiscTextsOf(toc, again, error) || texts.DiscID != again.DiscID)
+        std::abort();
 }
 
 } // namespace

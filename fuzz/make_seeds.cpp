@@ -34,6 +34,11 @@ void WriteImages(const T& write)
     write("m2ts", "a", TransportStream(0x83, {{9000, sync}, {18000, sync}}, 0x72));
     write("m2ts", "b", TransportStream(0x81, {{9000, "\x0B\x77sound"}}));
     write("mp4container", "a", Mp4File({}));
+    write("disctoc", "typed", "1 3 212043 150 33290 52565");
+    QByteArray table(202 * 4, '\0'); // of one track and a lead-out
+    table[0] = table[4] = 1;
+    table[13] = 100;
+    write("disctoc", "table", table);
 }
 
 } // namespace

@@ -21,6 +21,7 @@ std::vector<std::unique_ptr<TCommand>> AllCommands()
     commands.push_back(MakeShowCommand());
     commands.push_back(MakeTagsCommand());
     commands.push_back(MakeImageCommand());
+    commands.push_back(MakeDiscIdCommand());
     return commands;
 }
 

@@ -71,6 +71,7 @@ std::unique_ptr<TCommand> MakeExportCommand();
 std::unique_ptr<TCommand> MakeShowCommand();
 std::unique_ptr<TCommand> MakeTagsCommand();
 std::unique_ptr<TCommand> MakeImageCommand();
+std::unique_ptr<TCommand> MakeDiscIdCommand();
 
 /// Opens a collection for a command, or throws ECommandError with the reason.
 class TOpenCollection {

@@ -102,6 +102,13 @@ TEST_F(Cli, ExitCodesTellFailureFromWrongUsage)
         {{u"list"_s, FPath, u"--search"_s, u"x"_s, u"--by"_s, u"Nothing"_s}, 2},
         {{u"list"_s, FPath, u"--limit"_s, u"many"_s}, 2},
         {{u"add-folder"_s, FPath, FDir.File(u"nowhere"_s)}, 1},
+        {{u"discid"_s}, 2},
+        {{u"discid"_s, u"1 1 20000 150"_s}, 2},
+        {{u"discid"_s, u"--toc"_s, u"1 1 20000 150"_s, u"--device"_s, u"/dev/null"_s}, 2},
+        {{u"discid"_s, u"--toc"_s, u"1 1 20000 150"_s, u"more"_s}, 2},
+        {{u"discid"_s, u"--toc"_s, u"1 1 20000 \a\n"_s}, 2},
+        {{u"discid"_s, u"--device"_s, u"/dev/null"_s}, 1},
+        {{u"discid"_s, u"--device"_s, FDir.File(u"no\ndrive"_s), u"--json"_s}, 1},
     };
     for (const auto& [arguments, code] : cases) {
         const TCliResult result = Run(arguments);
@@ -199,6 +206,23 @@ TEST_F(Cli, AnImageIsShownAndTakenApart)
     EXPECT_TRUE(Kit::ReadAll(out).startsWith("DSD "));
     EXPECT_EQ(Run({u"image"_s, FDir.Write(u"n.iso"_s, "n"), u"--json"_s}).Json().object()[u"kind"_s].toString(),
               u"none"_s);
+}
+
+TEST_F(Cli, ADiscIsIdentifiedByItsNumbers)
+{
+    const QStringList call{u"discid"_s, u"--toc"_s, u"1 8 212043 150 33290 52565 73478 98850 136148 169153 187458"_s};
+    const TCliResult text = Run(call);
+    EXPECT_EQ(text.Code, 0) << text.Err.toStdString();
+    EXPECT_EQ(text.Out.toStdString(), "DISCID\tDNlrvGROpc28aJtprTzehV.XE7o-\n"
+                                      "TOC\t96 96 820A CD55 11F06 18222 213D4 294C1 2DC42 33C4B\n"
+                                      "TOC_Microsoft\t8 96 820A CD55 11F06 18222 213D4 294C1 2DC42 33C4B\n"
+                                      "TOC_DECIMAL\t1+8+212043+150+33290+52565+73478+98850+136148+169153+187458\n");
+    const QJsonObject json = Run(call + QStringList{u"--json"_s}).Json().object();
+    ASSERT_EQ(json.size(), 4);
+    QByteArray lines;
+    for (const QString& key : {u"DISCID"_s, u"TOC"_s, u"TOC_Microsoft"_s, u"TOC_DECIMAL"_s})
+        lines += key.toUtf8() + '\t' + json[key].toString().toUtf8() + '\n';
+    EXPECT_EQ(lines, text.Out);
 }
 
 TEST_F(Cli, AKilledImportHoldsEveryReleaseItHadPrinted)
