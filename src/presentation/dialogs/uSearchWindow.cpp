@@ -270,7 +270,7 @@ QWidget* TSearchWindow::BuildBottom()
     told->setSpacing(5);
     told->addStretch(1);
     told->addWidget(FStatus);
-    told->addWidget(FProgress);
+    told->addWidget(FProgress, 0, Qt::AlignLeft);
     told->addStretch(1);
     FSaveContinue = MakeButton(u"cSactSaveAndContinue"_s, bottom);
     FSaveClose = MakeButton(u"cSactSaveAndClose"_s, bottom);

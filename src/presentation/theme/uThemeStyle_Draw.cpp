@@ -322,6 +322,13 @@ void TThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
     case PE_IndicatorSpinDown:
         return DrawIcon(*painter, option->rect, ArrowIcon(element),
                         Has(option, State_Enabled) ? FTheme.Text2 : FTheme.Disabled);
+    case PE_IndicatorTabClose: {
+        const QRectF r = option->rect;
+        if (Has(option, State_MouseOver))
+            FillRounded(*painter, r, RadiusCover, FTheme.Hover);
+        return DrawIcon(*painter, QRectF(r.center() - QPointF(6, 6), QSizeF(12, 12)), u"x"_s,
+                        Has(option, State_MouseOver) ? FTheme.Text : FTheme.Text2);
+    }
     case PE_IndicatorBranch:
         if (Has(option, State_Children))
             DrawIcon(*painter, QRectF(option->rect.center() - QPoint(7, 7), QSizeF(14, 14)),
