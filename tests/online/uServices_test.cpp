@@ -542,7 +542,8 @@ TEST(ServicesDiscogs, HitsOfASearch)
       {"type":"release","id":4,"title":"Untitled","country":null,"year":null,"format":["Hybrid","DualDisc"],
        "label":["Not On Label (Foo Self-released)"],"catno":"F 1","barcode":[],
        "thumb":"https://i.invalid/images/spacer.gif"},
-      {"type":"release","id":5,"title":"Foo - Nowhere","country":"Europe","thumb":"","format":[],"year":"0"}]})_";
+      {"type":"release","id":5,"title":"Foo - Nowhere","country":"Europe","thumb":"","format":[],"year":"0",
+       "label":null,"catno":null,"genre":[null]}]})_";
     EXPECT_EQ(Told(Loaded(SearchOf(u"discogs"_s), answer)).toStdString(), Trimmed(R"(
 id: 2
 artist: Foo & A. Bar, Bar
@@ -681,6 +682,9 @@ TEST(ServicesDiscogs, PositionsTellDiscAndSide)
          "1.1 A a\n1.2 B b\n2.1 c"},
         {"a film on a disc", R"({"name":"CD","qty":"1"})",
          R"({"position":"1","title":"a"},{"position":"Video","title":"b"})", "1.1 a\n1.2 b"},
+        {"a track without a position on a record", R"({"name":"Vinyl","qty":"1"})",
+         R"({"position":"A1","title":"a"},{"type_":"track","position":"","title":"b"},{"position":"B1","title":"c"})",
+         "1.1 A a\n1.2 b\n1.3 B c"},
         {"files are no discs", R"({"name":"File","qty":"2"})",
          R"({"position":"1","title":"a"},{"position":"2","title":"b"})", "1.1 a\n1.2 b"},
         {"no formats", "", R"({"position":"A1","title":"a"},{"position":"D1","title":"b"})", "1.1 A a\n2.1 D b"},
