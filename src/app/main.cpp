@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "frmAddMusic.h"
 #include "frmMain.h"
 #include "uDebugLog.h"
 #include "uDefaults.h"
@@ -50,6 +51,7 @@ struct TSingletons {
     std::optional<TDataModuleMain> Data;
     std::optional<TKRNMainForm> Form;
     std::optional<TMainWindow> Window;
+    std::optional<TAddMusicForm> AddMusic;
     std::unique_ptr<TSplashForm> Splash;
     bool DebugMode = false;
 };
@@ -63,6 +65,12 @@ void CreateMainForm(TSingletons& our)
     our.Prompt.SetWindow(&*our.Window);
     QObject::connect(
         &*our.Window, &TMainWindow::languageChanged, qApp, [&our] { OpenAnew(our); }, Qt::QueuedConnection);
+}
+
+void CreateAddMusicForm(TSingletons& our)
+{
+    our.AddMusic.emplace(InfoGrabber(), *our.Data, our.Prompt);
+    our.Form->SetAddMusicForm(&*our.AddMusic);
 }
 
 void ShowMainForm(TSingletons& our)
@@ -85,11 +93,14 @@ void OpenAnew(TSingletons& our)
     QApplication::setQuitOnLastWindowClosed(false);
     if (our.Window->close()) {
         our.Prompt.SetWindow(nullptr);
+        our.Form->SetAddMusicForm(nullptr);
+        our.AddMusic.reset();
         our.Window.reset();
         our.Form.reset();
         ApplyLanguage();
         SetDirection();
         CreateMainForm(our);
+        CreateAddMusicForm(our);
         ShowMainForm(our);
     }
     QApplication::setQuitOnLastWindowClosed(true);
@@ -116,6 +127,7 @@ TStartupHost MakeHost(TSingletons& our)
     };
     host.CreateDataModuleMain = [&] { our.Data.emplace(our.Prompt); };
     host.CreateMainForm = [&] { CreateMainForm(our); };
+    host.CreateAddMusicForm = [&] { CreateAddMusicForm(our); };
     host.ShowMainForm = [&] { ShowMainForm(our); };
     return host;
 }

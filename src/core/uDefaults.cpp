@@ -63,6 +63,8 @@ constexpr TSettingDef SettingRows[] = {
     {"MusicBrainzCountry", &D::MusicBrainzCountry, u""},
     {"MusicBrainzMediaType", &D::MusicBrainzMediaType, 0},
     {"MusicBrainzResultsPerPage", &D::MusicBrainzResultsPerPage, 20},
+    {"Auto Update", &D::AutoUpdate, true},
+    {"Auto Update Interval", &D::AutoUpdateInterval, 0},
     {"RecentDBs", &D::RecentDBs, u""},
     {"DefaultDBFolder", &D::DefaultDBFolder, u"", false},
     {"Dict.Conditions", &D::Conditions, u""},
@@ -250,6 +252,7 @@ TDefaults ReadSettings(const TTHCustomSettings& store)
     // A hand-edited size would otherwise ask for thumbnails of any number of bytes.
     settings.LargeWidth = std::clamp(settings.LargeWidth, SmallestThumb, LargestThumb);
     settings.LargeHeight = std::clamp(settings.LargeHeight, SmallestThumb, LargestThumb);
+    settings.AutoUpdateInterval = std::clamp(settings.AutoUpdateInterval, 0, 3);
     settings.Values.Rating = std::clamp(settings.Values.Rating, 0, 10);
     return settings;
 }

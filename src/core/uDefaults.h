@@ -74,6 +74,8 @@ struct TDefaults {
     int DiscogsMediaType = 0, DiscogsResultsPerPage = 0;
     QString MusicBrainzCountry;
     int MusicBrainzMediaType = 0, MusicBrainzResultsPerPage = 0;
+    bool AutoUpdate = false;    ///< the service package is looked after at the start
+    int AutoUpdateInterval = 0; ///< 0 each start, 1 three days, 2 weekly, 3 monthly
     QStringList RecentDBs;
     QString DefaultDBFolder;
     TDict Conditions, MediaTypes, Channels, Locations, Genres, Statuses, Instruments, Packaging;

@@ -19,6 +19,12 @@ namespace Kestrune {
 class TPrompt;
 struct TSearchText;
 
+/// By what a release is known to online services.
+struct TReleaseKeys {
+    qint64 ReleaseId = 0;
+    QString Barcode, CatalogNo, DiscogsID, MusicBrainzID;
+};
+
 /// The one gateway to the collection: its connection, its long-lived cursors, and the roads between them and
 /// TAlbumRelease. Main thread only. Operations on the file throw EDatabaseError.
 class TDataModuleMain : public QObject {
@@ -123,6 +129,8 @@ public:
 
     /// The texts of up to `count` releases behind an ID, in the order of their IDs.
     std::vector<TSearchText> ReadSearchTexts(qint64 after, int count);
+    /// The keys of up to `count` releases behind an ID, in the order of their IDs.
+    std::vector<TReleaseKeys> ReadReleaseKeys(qint64 after, int count);
     /// Whether it is noted which releases are written; off at first.
     void NoteChanges(bool on);
     /// Notes a release of which something was or will be written in another way.

@@ -52,6 +52,21 @@ std::vector<TSearchText> TDataModuleMain::ReadSearchTexts(qint64 after, int coun
     return texts;
 }
 
+std::vector<TReleaseKeys> TDataModuleMain::ReadReleaseKeys(qint64 after, int count)
+{
+    static const QString sql = u"SELECT ID, Barcode, CatalogNO, DiscogsID, MusicBrainzID FROM Releases2 "
+                               "WHERE ID > ? ORDER BY ID LIMIT ?"_s;
+    std::vector<TReleaseKeys> keys;
+    TSQLiteStatement& statement = FConnection.Cached(sql);
+    statement.BindAll({after, count});
+    while (statement.Step())
+        keys.push_back({statement.ColumnInt64(0), VarToStr(statement.Column(1)), VarToStr(statement.Column(2)),
+                        VarToStr(statement.Column(3)), VarToStr(statement.Column(4))});
+    statement.Reset();
+    FConnection.NoteRead(static_cast<qsizetype>(keys.size()) * ReleaseReach);
+    return keys;
+}
+
 void TDataModuleMain::NoteChange(const char* table, qint64 row)
 {
     const QLatin1StringView name(table);

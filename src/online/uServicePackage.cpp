@@ -155,12 +155,6 @@ void WriteLastUpdated(TTHCustomSettings& store, const QDateTime& when)
     store.WriteDouble(LastUpdatedKey, Never, ToDays(when));
 }
 
-void WriteAutoUpdate(TTHCustomSettings& store, bool on, int interval)
-{
-    store.WriteBoolean(AutoUpdateKey, true, on);
-    store.WriteInteger(IntervalKey, 0, interval);
-}
-
 bool IsServicesUpdateDue(const TServiceUpdates& updates, const QString& definitionsPath, const QDateTime& now)
 {
     constexpr int leastDays[] = {-1, 2, 6, 29}; // due with more whole days than these

@@ -23,7 +23,6 @@ struct TServiceUpdates {
 
 void WriteServicesVersion(TTHCustomSettings& store, int version);
 void WriteLastUpdated(TTHCustomSettings& store, const QDateTime& when);
-void WriteAutoUpdate(TTHCustomSettings& store, bool on, int interval);
 
 /// True when the check at the start has to run.
 bool IsServicesUpdateDue(const TServiceUpdates& updates, const QString& definitionsPath, const QDateTime& now);

@@ -26,6 +26,7 @@
 #include "uTileView.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QMenu>
@@ -232,6 +233,11 @@ void TMainWindow::ConnectForm()
     connect(&FForm, &TKRNMainForm::focusRequested, this, &TMainWindow::FocusRelease);
     connect(&FForm, &TKRNMainForm::addFilesStarted, this, &TMainWindow::OpenAddFiles);
     connect(&FForm, &TKRNMainForm::importStarted, this, &TMainWindow::OpenImport);
+    connect(&FForm, &TKRNMainForm::addMusicStarted, this, &TMainWindow::OpenSearch);
+    connect(&FForm, &TKRNMainForm::serviceUpdateStarted, this, [this](bool visible) {
+        QWidget* modal = QApplication::activeModalWidget();
+        OpenUpdater(visible, modal ? modal : this);
+    });
     connect(&FForm, &TKRNMainForm::closeRequested, this, &QWidget::close);
     connect(&FForm, &TKRNMainForm::selectionRequested, this, [this](bool all) {
         QAbstractItemView* view = FForm.TracksShown() ? static_cast<QAbstractItemView*>(FTracks) : FTiles;

@@ -142,7 +142,10 @@ private:
     void OpenFilterBuilder();
     void OpenMultiEdit();
     void OpenSaveFilter();
-    void OpenOptions();
+    /// 0: the first page, 1 search services, 2 network.
+    void OpenOptions(int page = 0, QWidget* parent = nullptr);
+    void OpenSearch();
+    void OpenUpdater(bool visible, QWidget* parent);
     void OpenSQL();
     void EditDictionary(const QString& column);
     /// Opens the editor of one suggestion list; after OK all editors of its kind show the new items.

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "frmServiceUpdater.h"
 #include "uActionSet.h"
 #include "uAlbumTable.h"
 #include "uDefaults.h"
@@ -14,8 +15,10 @@
 #include "uPrompt.h"
 #include "uReleasesModel.h"
 #include "uSQLWindow.h"
+#include "uSearchWindow.h"
 #include "uTHStrings.h"
 #include "uThemeController.h"
+#include "uUpdaterWindow.h"
 
 #include <QFileInfo>
 #include <QPrintDialog>
@@ -89,9 +92,14 @@ void TMainWindow::OpenSaveFilter()
         FForm.SaveFilter(name);
 }
 
-void TMainWindow::OpenOptions()
+void TMainWindow::OpenOptions(int page, QWidget* parent)
 {
-    TOptionsWindow options(Defaults(), FForm.Data(), this);
+    TOptionsWindow options(Defaults(), FForm.Data(), parent ? parent : this);
+    connect(&options, &TOptionsWindow::updateServicesRequested, this, [this] { FForm.UpdateServices(false); });
+    if (page == 1)
+        options.ShowServicesPage();
+    else if (page == 2)
+        options.ShowNetworkPage();
     connect(&options, &TOptionsWindow::lookChanged, this,
             [this](int theme, int accent) { FTheme.Apply(theme, accent); });
     if (options.exec() != QDialog::Accepted)
@@ -104,8 +112,34 @@ void TMainWindow::OpenOptions()
     FForm.ApplySettings();
     if (sizeChanged && FForm.Data().HasData())
         FForm.Actions().Trigger(u"actRegenerateThumbnails"_s);
-    if (otherLanguage)
+    if (!otherLanguage)
+        return;
+    // The window is made anew: one above it has to be closed first.
+    if (auto* above = qobject_cast<QDialog*>(parent))
+        connect(above, &QDialog::finished, this, &TMainWindow::languageChanged, Qt::QueuedConnection);
+    else
         Q_EMIT languageChanged();
+}
+
+void TMainWindow::OpenSearch()
+{
+    auto* window = new TSearchWindow(*FForm.AddMusicForm(), this);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    connect(window, &TSearchWindow::optionsRequested, this,
+            [this, window](bool network) { OpenOptions(network ? 2 : 1, window); });
+    connect(window, &QDialog::finished, &FForm, &TKRNMainForm::AddMusicClosed);
+    window->open();
+}
+
+void TMainWindow::OpenUpdater(bool visible, QWidget* parent)
+{
+    TServiceUpdaterForm& updater = *FForm.ServiceUpdater();
+    auto* window = new TUpdaterWindow(updater, parent);
+    connect(&updater, &TServiceUpdaterForm::closed, window, &QObject::deleteLater);
+    if (visible)
+        window->open();
+    else
+        connect(&updater, &TServiceUpdaterForm::downloadStarted, window, &QWidget::show);
 }
 
 void TMainWindow::OpenSQL()

@@ -2,6 +2,7 @@
 #include "frmMain.h"
 
 #include "frmImport.h"
+#include "frmServiceUpdater.h"
 #include "uDBValidator.h"
 #include "uDebugLog.h"
 #include "uDefaults.h"
@@ -67,11 +68,9 @@ void TKRNMainForm::FormCreate(const TMainFormHooks& hooks)
     using TStep = void (TKRNMainForm::*)(const TMainFormHooks&);
     // The fixed order of creation; what other windows and parts add enters at its place.
     constexpr std::pair<const char*, TStep> steps[] = {
-        {"debug window", &TKRNMainForm::CreateDebugWindow},
-        {"settings", &TKRNMainForm::RestoreSettings},
-        {"theme", &TKRNMainForm::ApplyTheme},
-        {"collection", &TKRNMainForm::ConnectAtStart},
-        {"detail pane", &TKRNMainForm::PrepareDetail},
+        {"debug window", &TKRNMainForm::CreateDebugWindow}, {"settings", &TKRNMainForm::RestoreSettings},
+        {"services", &TKRNMainForm::ParseServices},         {"theme", &TKRNMainForm::ApplyTheme},
+        {"collection", &TKRNMainForm::ConnectAtStart},      {"detail pane", &TKRNMainForm::PrepareDetail},
         {"first view", &TKRNMainForm::SelectFirstView},
     };
     for (const auto& [name, step] : steps) {
@@ -132,6 +131,9 @@ void TKRNMainForm::FormShow()
 
 void TKRNMainForm::WMAfterFormShow()
 {
+    if (!FServicesFailure.isEmpty())
+        Q_EMIT barRaised(bkWarning, GetLanguageString(u"cSServicesBroken"_s), FServicesFailure);
+    UpdateServices(true);
     if (FData.HasData())
         FData.qReleasesMain.First();
     if (const qint64 id = FData.qReleasesMain.CurrentKey(); id != 0)

@@ -21,7 +21,11 @@
 
 namespace Kestrune {
 
+class TAddMusicForm;
 class TImportRun;
+class TServiceUpdaterForm;
+struct TSavedRelease;
+enum class TSearchArea : quint8;
 class TKRNImportForm;
 class TPrompt;
 
@@ -218,6 +222,17 @@ public:
     void ApplySettings();
     /// Stores a suggestion list and fills all editors of its kind anew.
     void SetDictionary(const QString& column, const QString& text);
+    /// The search window's logic, made after this form; it outlives it. Without one nothing is found online.
+    void SetAddMusicForm(TAddMusicForm* form);
+    TAddMusicForm* AddMusicForm() const { return FAddMusic; }
+    /// The search window was closed: what was chosen in it is stored.
+    void AddMusicClosed();
+    /// Looks for a newer service package; none where the product names no place for it. `silent`: nothing is asked.
+    void UpdateServices(bool silent);
+    /// The update in progress, or null.
+    TServiceUpdaterForm* ServiceUpdater() const { return FUpdater.get(); }
+    /// True when the product names a place from which the service package is updated.
+    static bool CanUpdateServices();
     /// Opens the import wizard; importStarted tells the window.
     void OpenImport();
     /// The wizard while it is open, or null.
@@ -256,6 +271,9 @@ Q_SIGNALS:
     void addFilesFinished();
     void importStarted();
     void importFinished();
+    void addMusicStarted();
+    /// `visible`: from the start on, otherwise once something is fetched.
+    void serviceUpdateStarted(bool visible);
     void closeRequested();
     void debugWindowToggled();
     void dialogRequested(Kestrune::TMainDialog dialog);
@@ -283,6 +301,7 @@ Q_SIGNALS:
 private:
     void CreateDebugWindow(const TMainFormHooks& hooks);
     void RestoreSettings(const TMainFormHooks& hooks);
+    void ParseServices(const TMainFormHooks& hooks);
     void ApplyTheme(const TMainFormHooks& hooks);
     void ConnectAtStart(const TMainFormHooks& hooks);
     void PrepareDetail(const TMainFormHooks& hooks);
@@ -296,8 +315,12 @@ private:
     void BindEditActions();
     void BindListActions();
     void BindExchangeActions();
+    void BindAddActions();
+    void OpenAddMusic(TSearchArea area);
+    void StoreFound(std::vector<TSavedRelease> releases);
+    void ServiceUpdateEnded(bool silent);
     /// Releases are being added or thumbnails made: no other change of the collection until that has ended.
-    bool Busy() const { return FAddFiles || FImport || FWorking; }
+    bool Busy() const { return FAddFiles || FImport || FWorking || FAddMusicOpen; }
     void AfterAdding();
     bool OpenCollection(const QString& path);
     void AfterCollectionChange();
@@ -365,6 +388,10 @@ private:
 
     std::unique_ptr<TImportRun> FAddFiles;
     std::unique_ptr<TKRNImportForm> FImport;
+    TAddMusicForm* FAddMusic = nullptr;
+    bool FAddMusicOpen = false;
+    QString FServicesFailure; // why the service definitions could not be read
+    std::unique_ptr<TServiceUpdaterForm> FUpdater;
     bool FWorking = false; // a job of this form runs and serves events
     bool FCancelled = false;
 };

@@ -21,6 +21,7 @@ void TKRNMainForm::BindActions()
     BindEditActions();
     BindListActions();
     BindExchangeActions();
+    BindAddActions();
 }
 
 void TKRNMainForm::BindFileActions()

@@ -3,6 +3,7 @@
 #include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uFieldEditors.h"
+#include "uHttpClient.h"
 #include "uPrompt.h"
 #include "uRegistryFile.h"
 #include "uTHStrings.h"
@@ -179,6 +180,7 @@ void TKRNMainForm::RestoreSettingsBackup()
 
 void TKRNMainForm::ApplySettings()
 {
+    SetNetworkSettings(NetworkSettingsFrom(Defaults()));
     FData.ApplyArticleSettings();
     FData.qReleasesMain.ApplyFilter();
     if (FData.qTracksAll.Active())

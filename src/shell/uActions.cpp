@@ -12,6 +12,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr TActionDef ActionRows[] = {
+    {"actAddMusic", "cSactAddMusic", "cSactAddMusicShort", "Ctrl+Alt+A", "search"},
     {"actAddMP3", "cSactAddMP3", "cSactAddMP3Short", "Ctrl+Alt+D", "folder"},
     {"actRemoveSelected", "cSactRemoveSelected", "cSactRemoveSelectedShort", "Ctrl+Del", "trash"},
     {"actVacuumDB", "cSactVacuumDB", "cSactVacuumDBShort", "", "opt"},
@@ -70,6 +71,9 @@ constexpr TActionDef ActionRows[] = {
     {"actStatusFilter", "cSactStatusFilter", "", "", "filter"},
     {"actHelp", "cSactHelp", "", "F1", "help"},
     {"actAbout", "cSactAbout", "", "", "help"},
+    {"actAddByBarcode", "cSactAddByBarcode", "cSactAddByBarcodeShort", "Ctrl+Alt+B", "barcode"},
+    {"actAddByCDROM", "cSactAddByCDROM", "cSactAddByCDROMShort", "Ctrl+Alt+C", "disc"},
+    {"actAddMain", "cSactAddMain", "cSactAddMainShort", "Ins", "add"},
     {"actExpandAll", "cSactExpandAll", "", "Ctrl+Alt+Right", "expall"},
     {"actCollapseAll", "cSactCollapseAll", "", "Ctrl+Alt+Left", "colall"},
     {"actApplyBestFit", "cSactApplyBestFit", "cSactApplyBestFitShort", "", "fit"},
@@ -82,6 +86,7 @@ constexpr TActionDef ActionRows[] = {
     {"actVGFilter", "cSactVGFilter", "", "", "search"},
     {"actExecSQL", "cSactExecSQL", "", "Ctrl+F12", "sql"},
     {"actCopySelectedRows", "cSactCopySelectedRows", "", "Ctrl+Shift+C", "copy"},
+    {"actAddByCatalogNo", "cSactAddByCatalogNo", "cSactAddByCatalogNoShort", "Ctrl+Alt+E", "tag"},
     {"actDuplicate", "cSactDuplicate", "cSactDuplicateShort", "", "dup"},
     {"actCommandPalette", "cSactCommandPalette", "", "Ctrl+Shift+P", "search"},
     {"actToggleDebug", "cSactToggleDebug", "", "Ctrl+Alt+Shift+D", ""},

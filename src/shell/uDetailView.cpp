@@ -75,19 +75,11 @@ std::vector<TDetailSection> Sections(TDataModuleMain& data)
     return sections;
 }
 
-struct TTrackRow {
-    int DiscNo;
-    QString Side;
-    int TrackNo;
-    QString Title, Artist;
-    double Length;
-};
-
-std::vector<TTrackRow> TrackRows(TDataModuleMain& data, const QString& releaseArtist)
+std::vector<TDetailTrackRow> TrackRows(TDataModuleMain& data, const QString& releaseArtist)
 {
     const TDetailDataset& tracks = data.qTracksDetail;
     const auto at = [&](int row, const QString& name) { return tracks.ValueAt(row, tracks.FieldIndex(name)); };
-    std::vector<TTrackRow> rows;
+    std::vector<TDetailTrackRow> rows;
     for (int row = 0; row < tracks.RecordCount(); ++row) {
         const QString artist = VarToStr(at(row, u"Artist"_s));
         rows.push_back({at(row, u"DiscNo"_s).toInt(), VarToStr(at(row, u"Side"_s)), at(row, u"TrackNo"_s).toInt(),
@@ -97,16 +89,17 @@ std::vector<TTrackRow> TrackRows(TDataModuleMain& data, const QString& releaseAr
     return rows;
 }
 
-// "A1" on a side, "2.05" among several discs, "5" else.
-QString Position(const TTrackRow& track, bool severalDiscs)
+// "A1" on a side, "2.05" among several discs, "5" else. Numbers that run on over the sides of a disc count from the
+// first of their side.
+QString Position(const TDetailTrackRow& track, int firstOfSide, bool severalDiscs)
 {
     if (!track.Side.isEmpty())
-        return track.Side + QString::number(track.TrackNo);
+        return track.Side + QString::number(firstOfSide > 1 ? track.TrackNo - firstOfSide + 1 : track.TrackNo);
     return severalDiscs ? u"%1.%2"_s.arg(track.DiscNo).arg(track.TrackNo, 2, 10, QChar(u'0'))
                         : QString::number(track.TrackNo);
 }
 
-QString DiscHeading(const TTrackRow& track, bool severalDiscs)
+QString DiscHeading(const TDetailTrackRow& track, bool severalDiscs)
 {
     QStringList parts;
     if (severalDiscs)
@@ -116,21 +109,25 @@ QString DiscHeading(const TTrackRow& track, bool severalDiscs)
     return parts.join(u" · "_s);
 }
 
-void AddTracks(TDetailData& detail, const std::vector<TTrackRow>& rows)
+} // namespace
+
+void AddDetailTracks(TDetailData& detail, const std::vector<TDetailTrackRow>& rows)
 {
     const bool severalDiscs =
-        std::ranges::any_of(rows, [&](const TTrackRow& row) { return row.DiscNo != rows.front().DiscNo; });
+        std::ranges::any_of(rows, [&](const TDetailTrackRow& row) { return row.DiscNo != rows.front().DiscNo; });
     double total = 0.0;
     std::vector<double> lengths;
-    const TTrackRow* before = nullptr;
-    for (const TTrackRow& row : rows) {
+    const TDetailTrackRow* before = nullptr;
+    int firstOfSide = 0;
+    for (const TDetailTrackRow& row : rows) {
         if (!before || before->DiscNo != row.DiscNo || before->Side != row.Side) {
             detail.Discs.push_back({DiscHeading(row, severalDiscs), {}, {}});
             lengths.push_back(0.0);
+            firstOfSide = row.TrackNo;
         }
         before = &row;
         detail.Discs.back().Tracks.push_back(
-            {Position(row, severalDiscs), row.Title, row.Artist, LengthText(row.Length)});
+            {Position(row, firstOfSide, severalDiscs), row.Title, row.Artist, LengthText(row.Length)});
         lengths.back() += row.Length;
         total += row.Length;
     }
@@ -140,8 +137,6 @@ void AddTracks(TDetailData& detail, const std::vector<TTrackRow>& rows)
         detail.TracksSummary =
             total > 0 ? u"%1 · %2"_s.arg(rows.size()).arg(LengthText(total)) : QString::number(rows.size());
 }
-
-} // namespace
 
 TDetailData BuildDetailData(TDataModuleMain& data)
 {
@@ -157,7 +152,7 @@ TDetailData BuildDetailData(TDataModuleMain& data)
     if (detail.Cover.isEmpty())
         detail.Cover = data.qReleaseInfo.Value(u"ThumbPicture"_s).toByteArray();
     detail.Sections = Sections(data);
-    AddTracks(detail, TrackRows(data, text(u"Artist"_s)));
+    AddDetailTracks(detail, TrackRows(data, text(u"Artist"_s)));
     for (int row = 0; row < data.qMusiciansPerRelease.RecordCount(); ++row)
         detail.Credits.push_back(
             {VarToStr(data.qMusiciansPerRelease.ValueAt(row, data.qMusiciansPerRelease.FieldIndex(u"Musician"_s))),

@@ -58,4 +58,17 @@ struct TDetailData {
     std::vector<QByteArray> Pictures; ///< encoded
 };
 
+/// One track before it is arranged by discs and sides.
+struct TDetailTrackRow {
+    int DiscNo = 1;
+    QString Side;
+    int TrackNo = 0;
+    QString Title;
+    QString Artist;      ///< empty where it is the release's own
+    double Length = 0.0; ///< days
+};
+
+/// Puts tracks into the detail data, in their order, with a heading for each disc and side.
+void AddDetailTracks(TDetailData& detail, const std::vector<TDetailTrackRow>& rows);
+
 } // namespace Kestrune

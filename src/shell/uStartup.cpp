@@ -27,6 +27,11 @@ constexpr TStartupStep StartupRows[] = {
          host.CreateDataModuleMain();
      }},
     {"TKRNMainForm", [](const TStartupHost& host, const QStringList&) { host.CreateMainForm(); }},
+    {"TAddMusicForm",
+     [](const TStartupHost& host, const QStringList&) {
+         SetSplashText(GetLanguageString(u"cSSplashPreparingSearch"_s));
+         host.CreateAddMusicForm();
+     }},
     {"main window", [](const TStartupHost& host, const QStringList&) { host.ShowMainForm(); }},
 };
 

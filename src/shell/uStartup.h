@@ -21,6 +21,7 @@ struct TStartupHost {
     std::function<void()> CreateDataModuleImages; ///< icons and images
     std::function<void()> CreateDataModuleMain;   ///< the gateway to the collection
     std::function<void()> CreateMainForm;         ///< the main window, with its FormCreate
+    std::function<void()> CreateAddMusicForm;     ///< the search window's logic
     std::function<void()> ShowMainForm;
 };
 

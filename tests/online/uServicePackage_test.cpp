@@ -62,7 +62,8 @@ TEST(ServicesUpdate, KeepsItsSettings)
     const QDateTime when(QDate(2021, 3, 4), QTime(5, 6, 7));
     WriteServicesVersion(store, 12);
     WriteLastUpdated(store, when);
-    WriteAutoUpdate(store, false, 9);
+    store.WriteBoolean(u"Auto Update"_s, true, false);
+    store.WriteInteger(u"Auto Update Interval"_s, 0, 9);
     updates = TServiceUpdates::Read(store);
     EXPECT_EQ(updates.Version, 12);
     EXPECT_LE(std::abs(updates.LastUpdated.msecsTo(when)), 10);

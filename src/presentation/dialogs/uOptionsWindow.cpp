@@ -55,6 +55,8 @@ TOptionsWindow::TOptionsWindow(const TDefaults& settings, TDataModuleMain& dataM
     DefaultValuesPage(dataModule);
     CustomFieldsPage();
     AudioScanPage();
+    ServicesPage();
+    NetworkPage();
     connect(FPages, &QListWidget::currentRowChanged, FStack, &QStackedWidget::setCurrentIndex);
     connect(search, &QLineEdit::textChanged, this, &TOptionsWindow::Search);
     FPages->setCurrentRow(0);

@@ -25,8 +25,13 @@ public:
     /// True when the size of the thumbnails was changed: the stored ones are of another size.
     bool ThumbnailSizeChanged() const { return FDraft.LargeHeight != FFirstHeight; }
     void ShowPage(int page);
+    /// The pages that other windows lead to.
+    void ShowServicesPage() { ShowPage(FServicesPage); }
+    void ShowNetworkPage() { ShowPage(FNetworkPage); }
 
 Q_SIGNALS:
+    /// The service package is to be updated now.
+    void updateServicesRequested();
     /// Theme or accent of the draft changed, to be shown at once; also told when they are as they were.
     void lookChanged(int themeIndex, int accentIndex);
 
@@ -52,12 +57,16 @@ private:
     void CustomFieldsPage();
     void CustomFieldRows(QFormLayout& page, const QString& captionKey, TCustomFieldDefs& fields);
     void AudioScanPage();
+    void ServicesPage();
+    void NetworkPage();
     void Search(const QString& text);
 
     TDefaults FDraft;
     int FFirstHeight;
     int FFirstTheme;
     int FFirstAccent;
+    int FServicesPage = 0;
+    int FNetworkPage = 0;
     QListWidget* FPages;
     QStackedWidget* FStack;
 };

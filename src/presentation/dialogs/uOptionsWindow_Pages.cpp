@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "frmMain.h"
 #include "uDictionaries.h"
 #include "uOptionsWindow.h"
 #include "uTHStrings.h"
@@ -11,7 +12,9 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPlainTextEdit>
+#include <QPushButton>
 
 namespace Kestrune {
 
@@ -172,6 +175,55 @@ void TOptionsWindow::AudioScanPage()
     AddCheck(page, u"cSOptScanBack"_s, FDraft.MP3ScanBackCover);
     AddCheck(page, u"cSOptScanMedia"_s, FDraft.MP3ScanMediaCover);
     AddCheck(page, u"cSOptScanOther"_s, FDraft.MP3ScanOtherImages);
+}
+
+void TOptionsWindow::ServicesPage()
+{
+    FServicesPage = FPages->count();
+    QFormLayout& page = *AddPage(u"cSOptServices"_s, u"cSOptServicesNote"_s);
+    std::vector<std::pair<QString, QString>> countries;
+    for (const TCountry& country : Countries())
+        if (!country.Value.isEmpty())
+            countries.emplace_back(country.Value, country.Description);
+    const QStringList media = Texts({u"cSOptMediaAll"_s, u"cSOptMediaCD"_s, u"cSOptMediaVinyl"_s, u"cSOptMediaFile"_s,
+                                     u"cSOptMediaDVD"_s, u"cSOptMediaCassette"_s});
+    AddCodes(page, u"cSOptMBCountry"_s, countries, FDraft.MusicBrainzCountry,
+             [this](const QString& code) { FDraft.MusicBrainzCountry = code; });
+    AddChoice(page, u"cSOptMBMedia"_s, FDraft.MusicBrainzMediaType, media);
+    AddNumber(page, u"cSOptMBPages"_s, FDraft.MusicBrainzResultsPerPage, 1, 100);
+    AddCodes(page, u"cSOptDiscogsCountry"_s, countries, FDraft.DiscogsCountry,
+             [this](const QString& code) { FDraft.DiscogsCountry = code; });
+    AddChoice(page, u"cSOptDiscogsMedia"_s, FDraft.DiscogsMediaType, media);
+    AddNumber(page, u"cSOptDiscogsPages"_s, FDraft.DiscogsResultsPerPage, 1, 100);
+    AddCheck(page, u"cSOptAutoUpdate"_s, FDraft.AutoUpdate);
+    AddChoice(page, u"cSOptInterval"_s, FDraft.AutoUpdateInterval,
+              Texts({u"cSOptInterval0"_s, u"cSOptInterval1"_s, u"cSOptInterval2"_s, u"cSOptInterval3"_s}));
+    auto* update = new QPushButton(GetLanguageString(u"cSUpdateNow"_s), page.parentWidget());
+    update->setAutoDefault(false);
+    update->setEnabled(TKRNMainForm::CanUpdateServices());
+    connect(update, &QPushButton::clicked, this, &TOptionsWindow::updateServicesRequested);
+    page.addRow(update);
+    if (update->isEnabled())
+        return;
+    auto* note = new QLabel(GetLanguageString(u"cSUpdateNoEndpoint"_s), page.parentWidget());
+    note->setWordWrap(true);
+    page.addRow(note);
+}
+
+void TOptionsWindow::NetworkPage()
+{
+    FNetworkPage = FPages->count();
+    QFormLayout& page = *AddPage(u"cSOptNetwork"_s, u"cSOptNetworkNote"_s);
+    AddChoice(page, u"cSOptInetAccess"_s, FDraft.InetAccess, Texts({u"cSOptInetProxy"_s, u"cSOptInetDirect"_s}));
+    AddText(page, u"cSOptProxyHost"_s, FDraft.ProxyHost, 250);
+    AddNumber(page, u"cSOptProxyPort"_s, FDraft.ProxyPort, 0, 65535);
+    AddText(page, u"cSOptProxyUser"_s, FDraft.ProxyUsername, 250);
+    AddText(page, u"cSOptProxyPassword"_s, FDraft.ProxyPassword, 250);
+    for (QLineEdit* edit : page.parentWidget()->findChildren<QLineEdit*>())
+        if (page.labelForField(edit) &&
+            static_cast<QLabel*>(page.labelForField(edit))->text() == GetLanguageString(u"cSOptProxyPassword"_s))
+            edit->setEchoMode(QLineEdit::Password);
+    AddCheck(page, u"cSOptVerify"_s, FDraft.VerifyCertificates);
 }
 
 } // namespace Kestrune

@@ -19,24 +19,25 @@ namespace {
 
 class TSegmentButton : public QAbstractButton {
 public:
-    TSegmentButton(QString icon, const QString& caption, QWidget* parent)
-        : QAbstractButton(parent), FIcon(std::move(icon))
+    TSegmentButton(QString icon, const QString& caption, bool bothShown, QWidget* parent)
+        : QAbstractButton(parent), FIcon(std::move(icon)), FBothShown(bothShown)
     {
         setText(caption);
         setAccessibleName(caption);
         setCheckable(true);
         setFocusPolicy(Qt::TabFocus);
         setAttribute(Qt::WA_Hover);
-        if (!FIcon.isEmpty())
+        if (!FIcon.isEmpty() && !FBothShown)
             setToolTip(caption);
     }
 
     QSize sizeHint() const override
     {
-        if (!FIcon.isEmpty())
+        if (!FIcon.isEmpty() && !FBothShown)
             return {28, 24};
         const QFont font = ThemeFont(fsBody);
-        return {QFontMetrics(font).horizontalAdvance(text()) + 14, RowHeight(20, font, 2)};
+        const int words = QFontMetrics(font).horizontalAdvance(text());
+        return FBothShown ? QSize(words + 44, RowHeight(28, font, 6)) : QSize(words + 14, RowHeight(20, font, 2));
     }
 
 protected:
@@ -53,7 +54,13 @@ protected:
             FillRounded(painter, ground, RadiusControl - 1, theme.Hover);
         }
         const QColor color = !isEnabled() ? theme.Disabled : isChecked() ? theme.AccentFill : theme.Text2;
-        if (!FIcon.isEmpty()) {
+        if (FBothShown) {
+            const bool mirrored = isRightToLeft();
+            DrawIcon(painter, QRectF(mirrored ? width() - 26 : 10, height() / 2.0 - 8, 16, 16), FIcon, color);
+            painter.setFont(ThemeFont(fsBody));
+            painter.setPen(!isEnabled() ? theme.Disabled : isChecked() ? theme.AccentFill : theme.Text);
+            DrawElided(painter, ground.adjusted(mirrored ? 8 : 32, 0, mirrored ? -32 : -8, 0), text());
+        } else if (!FIcon.isEmpty()) {
             DrawIcon(painter, QRectF(width() / 2.0 - 8, height() / 2.0 - 8, 16, 16), FIcon, color);
         } else {
             QFont font = ThemeFont(fsBody);
@@ -68,6 +75,7 @@ protected:
 
 private:
     QString FIcon;
+    bool FBothShown;
 };
 
 } // namespace
@@ -81,11 +89,11 @@ TSegments::TSegments(QWidget* parent) : QWidget(parent), FButtons(new QButtonGro
     connect(FButtons, &QButtonGroup::idClicked, this, &TSegments::chosen);
 }
 
-void TSegments::Fill(const QStringList& icons, const QStringList& texts)
+void TSegments::Fill(const QStringList& icons, const QStringList& texts, bool bothShown)
 {
     qDeleteAll(FButtons->buttons());
     for (qsizetype i = 0; i < texts.size(); ++i) {
-        auto* button = new TSegmentButton(icons.value(i), texts[i], this);
+        auto* button = new TSegmentButton(icons.value(i), texts[i], bothShown, this);
         FButtons->addButton(button, static_cast<int>(i));
         layout()->addWidget(button);
     }
@@ -116,6 +124,8 @@ void TSegments::SetActions(const QList<QAction*>& actions)
 }
 
 void TSegments::SetIcons(const QStringList& icons, const QStringList& names) { Fill(icons, names); }
+
+void TSegments::SetItems(const QStringList& icons, const QStringList& names) { Fill(icons, names, true); }
 
 void TSegments::SetTexts(const QStringList& texts) { Fill({}, texts); }
 

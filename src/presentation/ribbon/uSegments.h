@@ -19,6 +19,8 @@ public:
     void SetActions(const QList<QAction*>& actions);
     /// Choices as icons with names for tool tip and screen reader.
     void SetIcons(const QStringList& icons, const QStringList& names);
+    /// Choices as icons with their names beside them.
+    void SetItems(const QStringList& icons, const QStringList& names);
     /// Choices as texts.
     void SetTexts(const QStringList& texts);
 
@@ -33,7 +35,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void Fill(const QStringList& icons, const QStringList& texts);
+    void Fill(const QStringList& icons, const QStringList& texts, bool bothShown = false);
 
     QButtonGroup* FButtons;
 };

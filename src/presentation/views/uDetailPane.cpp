@@ -82,6 +82,8 @@ void TDetailPane::SetActions(const QList<QAction*>& actions)
     Arrange();
 }
 
+void TDetailPane::SetNote(const QString& note) { FHead->SetNote(note); }
+
 void TDetailPane::SetFolded(const QStringList& ids)
 {
     FFolded = QSet<QString>(ids.begin(), ids.end());

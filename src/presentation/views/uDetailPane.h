@@ -39,6 +39,8 @@ public:
     void SetOrientation(Qt::Orientation orientation);
     /// Buttons beside the stars, made from actions (edit, lend, playlist, more).
     void SetActions(const QList<QAction*>& actions);
+    /// A pill in the place of stars and buttons.
+    void SetNote(const QString& note);
     using TMakeEditor = std::function<TFieldEditor*(const QString& column, QWidget* parent)>;
     using TStoreValue = std::function<bool(const QString& column, const TVariant& value)>;
     /// How values are edited in place: the maker gives a filled editor or null for a field that cannot be changed, the

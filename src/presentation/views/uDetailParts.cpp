@@ -121,6 +121,14 @@ void TDetailHead::SetActions(const QList<QAction*>& actions)
     }
 }
 
+void TDetailHead::SetNote(const QString& note)
+{
+    FNote = note;
+    FStars->setVisible(note.isEmpty());
+    FButtons->setVisible(note.isEmpty());
+    update();
+}
+
 int TDetailHead::ArrangeFor(int width, int paneHeight)
 {
     const QSize picture = FPicture.isNull() ? QSize(1, 1) : FPicture.size();
@@ -168,7 +176,13 @@ void TDetailHead::paintEvent(QPaintEvent*)
     DrawElided(painter, title, FTitle, side);
     painter.setFont(ThemeFont(fsBody));
     painter.setPen(theme.Text2);
-    DrawElided(painter, QRectF(title.left(), title.bottom(), title.width(), LineHeight(painter.font())), FArtist, side);
+    const QRectF artist(title.left(), title.bottom(), title.width(), LineHeight(painter.font()));
+    DrawElided(painter, artist, FArtist, side);
+    if (!FNote.isEmpty()) {
+        const qreal pill = QFontMetrics(ThemeFont(fsSmall)).horizontalAdvance(FNote) + 12;
+        DrawPill(painter, QPointF(isRightToLeft() ? artist.right() - pill : artist.left(), artist.bottom() + 16), FNote,
+                 theme);
+    }
     if (!parentWidget() || width() >= parentWidget()->width()) // not where the sections stand beside it
         DrawHairline(painter, rect(), Qt::BottomEdge, theme.Line);
 }
@@ -489,8 +503,7 @@ void TDetailRow::PaintField(QPainter& painter) const
     const qreal right = width() - PanePadding;
     if (FLabel.isEmpty()) {
         painter.setPen(theme.Text);
-        painter.drawText(place(x, right - x).adjusted(0, 4, 0, 0),
-                         Qt::AlignLeft | Qt::TextWordWrap, FValue);
+        painter.drawText(place(x, right - x).adjusted(0, 4, 0, 0), Qt::AlignLeft | Qt::TextWordWrap, FValue);
         return;
     }
     painter.setPen(FIsLink ? theme.AccentFill : theme.Text);

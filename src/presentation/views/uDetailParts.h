@@ -29,6 +29,8 @@ public:
     /// Lays the parts out for a width and the height of the pane; returns the height that it takes.
     int ArrangeFor(int width, int paneHeight);
     TStarsEdit* Stars() { return FStars; }
+    /// In the place of stars and buttons: a pill with a short text, as for a release that is not in the collection.
+    void SetNote(const QString& note);
 
 Q_SIGNALS:
     void coverActivated();
@@ -41,6 +43,7 @@ private:
     QPixmap CoverPixmap(qreal ratio);
 
     QString FTitle, FArtist, FMediaType;
+    QString FNote;
     QImage FPicture; // decoded once per release at twice the largest size
     QPixmap FCover;  // finished for the present size and theme
     QString FCoverKey;

@@ -1,0 +1,407 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "frmAddMusic.h"
+#include "frmAddMusic_p.h"
+#include "uColumns.h"
+#include "uDebugLog.h"
+#include "uDefaults.h"
+#include "uDictionaries.h"
+#include "uFieldEditors.h"
+#include "uFieldText.h"
+#include "uJSONToXML.h"
+#include "uReleaseFetch.h"
+#include "uTHStrings.h"
+#include "uXml.h"
+
+#include <algorithm>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int ThumbSide = 256; // pixels kept of a thumbnail for its card
+
+template <class TObject>
+std::unique_ptr<TObject> MakeMessage(const TSearchTab& tab, const TSearchHit& hit)
+{
+    auto message = std::make_unique<TObject>();
+    message->RecordIndex = hit.RecordIndex;
+    message->Grid = tab.Id;
+    return message;
+}
+
+QString JoinedAnswer(const TUserMessage& message)
+{
+    const auto* answer = dynamic_cast<const TTextAnswer*>(message.WParam.get());
+    return answer ? answer->Lines.join(u'\n') : QString();
+}
+
+const QStringList& DetailColumns()
+{
+    static const QStringList columns{u"Artist"_s,
+                                     u"ReleaseName"_s,
+                                     u"MediaType"_s,
+                                     u"ReleaseDate"_s,
+                                     u"ReleaseYear"_s,
+                                     u"OriginalReleaseDate"_s,
+                                     u"OriginalReleaseYear"_s,
+                                     u"Label"_s,
+                                     u"Genre"_s,
+                                     u"Barcode"_s,
+                                     u"CatalogNo"_s,
+                                     u"ASIN"_s,
+                                     u"CountryCode"_s,
+                                     u"Packaging"_s,
+                                     u"Spars"_s,
+                                     u"Channels"_s,
+                                     u"Composer"_s,
+                                     u"Conductor"_s,
+                                     u"Orchestra"_s,
+                                     u"Chorus"_s,
+                                     u"IsLive"_s,
+                                     u"IsRare"_s,
+                                     u"IsCompilation"_s,
+                                     u"IsReissue"_s,
+                                     u"Price"_s,
+                                     u"Currency"_s,
+                                     u"Comments"_s,
+                                     u"DataProvider"_s,
+                                     u"Link"_s,
+                                     u"BuyNowLink"_s};
+    return columns;
+}
+
+QString DetailValue(const QString& column, const TVariant& value)
+{
+    if (VarIsNull(value))
+        return {};
+    if (value.typeId() == QMetaType::Bool)
+        return GetLanguageString(value.toBool() ? u"cSYes"_s : u"cSNo"_s);
+    const QString text = VarToStr(value);
+    if (column != "CountryCode"_L1)
+        return text;
+    const auto& countries = Countries();
+    const auto found = std::ranges::find(countries, text, &TCountry::Value);
+    return found == countries.end() ? text : found->Description;
+}
+
+QString DetailLabel(const QString& column)
+{
+    for (const TColumnDef& def : ReleaseColumns()) {
+        if (column.compare(QLatin1StringView(def.Name), Qt::CaseInsensitive) == 0)
+            return GetLanguageString(QString::fromLatin1(def.LabelKey));
+    }
+    return column;
+}
+
+} // namespace
+
+TDetailData BuildReleaseDetails(const TAlbumRelease& release)
+{
+    TDetailData detail;
+    const auto text = [&](const QString& key) { return VarToStr(release.GetItem2(key)); };
+    detail.Title = text(u"ReleaseName"_s);
+    detail.Artist = text(u"Artist"_s);
+    for (const TCoverPictureType type : {cptFrontLarge, cptFrontThumb}) {
+        const TCoverPicture* cover = release.GetPicByType(type);
+        if (cover && cover->HasImage() && detail.Cover.isEmpty())
+            detail.Cover = cover->Bytes();
+    }
+    TDetailSection general{u"General"_s, GetLanguageString(u"cSTabGeneral"_s), {}};
+    for (const QString& column : DetailColumns()) {
+        const QString value = DetailValue(column, release.GetItem2(column));
+        if (!value.isEmpty())
+            general.Fields.push_back({column, DetailLabel(column), value, LinkOfField(column, value)});
+    }
+    detail.Sections.push_back(std::move(general));
+    std::vector<TDetailTrackRow> rows;
+    for (const TAlbumTrack& track : release.Tracks)
+        rows.push_back({track.DiscNo, track.Side, track.TrackNo, track.TrackName,
+                        track.TrackArtist == detail.Artist ? QString() : track.TrackArtist,
+                        track.DurationFrac > 0 ? track.DurationFrac : track.DurationSec / 86400.0});
+    AddDetailTracks(detail, rows);
+    for (const TAlbumCredit& credit : release.Credits)
+        detail.Credits.push_back({credit.Musician, credit.Credit});
+    return detail;
+}
+
+void TAddMusicForm::HandleMessage(TUserMessage& message)
+{
+    switch (message.Number) {
+    case WM_USER_METADATA_TEXT_SEARCH: return TextArrived(message);
+    case WM_USER_METADATA_TEXT_EXTRA_INFO: return ExtraInfoArrived(message);
+    case WM_USER_METADATA_THUMB_PICTURE: return ThumbArrived(message);
+    case WM_USER_METADATA_LARGE_PICTURE: return LargeArrived(message);
+    default: return;
+    }
+}
+
+TServiceStatus* TAddMusicForm::StatusOf(TSearchTab& tab, const QString& service)
+{
+    const auto found = std::ranges::find(tab.Services, service, &TServiceStatus::Name);
+    return found == tab.Services.end() ? nullptr : &*found;
+}
+
+void TAddMusicForm::FillRows(TSearchHit& hit)
+{
+    const TAlbumRelease& release = *hit.DataPointer;
+    const auto text = [&](const QString& key) { return VarToStr(release.GetItem2(key)); };
+    hit.Artist = text(u"Artist"_s);
+    hit.ReleaseName = text(u"ReleaseName"_s);
+    hit.ReleaseYear = text(u"ReleaseYear"_s);
+    hit.Label = text(u"Label"_s);
+    hit.CatalogNo = text(u"CatalogNo"_s);
+    hit.Country = text(u"CountryCode"_s);
+    hit.Type = text(u"MediaType"_s);
+    hit.Yours = FOwned.Loaded() && FOwned.Holds(release);
+}
+
+void TAddMusicForm::FillResults(const TInfoGrabberServiceAction& action, TSearchTab& tab,
+                                const std::vector<TXmlElement>& nodes)
+{
+    const bool current = &tab == &FTabs[static_cast<size_t>(FCurrentTab)];
+    for (const TXmlElement& node : nodes) {
+        TSearchHit& hit = tab.Hits.emplace_back();
+        hit.RecordIndex = ++FLastId;
+        hit.DataProvider = action.Name();
+        hit.DataPointer = std::make_unique<TAlbumRelease>();
+        LoadAlbumReleaseFromNode(*hit.DataPointer, node);
+        hit.Complete = !action.NeedToDownloadExtraInfo();
+        FillRows(hit);
+        for (const auto& picture : hit.DataPointer->Pictures) {
+            if (!picture->URL().isEmpty())
+                FDownloadQueue->AddDownloader(
+                    MakeDownloader<TPictureDownloader>, FParams.ReplaceWithParams(picture->URL()), {},
+                    WM_USER_METADATA_THUMB_PICTURE, MakeMessage<TMsgObjWM_USER_METADATA_THUMB_PICTURE>(tab, hit));
+        }
+    }
+    if (current && !nodes.empty())
+        Q_EMIT hitsChanged();
+    FDownloadQueue->Run();
+}
+
+void TAddMusicForm::TextArrived(TUserMessage& message)
+{
+    const auto& search = static_cast<const TMsgObjWM_USER_METADATA_TEXT_SEARCH&>(*message.LParam);
+    const TInfoGrabberServiceAction* action = search.Action;
+    TSearchTab* tab = FindTab(search.Grid);
+    if (!tab || !action)
+        return;
+    TServiceStatus* status = StatusOf(*tab, action->Name());
+    QByteArray document;
+    QString reason;
+    std::vector<TXmlElement> nodes;
+    const QString answer = JoinedAnswer(message);
+    const bool understood = NormaliseAnswer(FGrabber, *action, answer.toUtf8(), document, &reason);
+    const auto parsed = understood ? TXmlDocument::Parse(document, &reason) : std::nullopt;
+    if (parsed)
+        FindReleases(*parsed, nodes);
+    if (status) {
+        status->Found = static_cast<int>(nodes.size());
+        status->State = understood ? ssFound : ssFailed;
+        status->Reason = understood ? QString() : GetLanguageString(u"cSReasonNotUnderstood"_s);
+        if (nodes.empty() && !action->MissingKeys().isEmpty())
+            status->State = ssNeedsKey;
+    }
+    FillResults(*action, *tab, nodes);
+    Q_EMIT updated();
+}
+
+void TAddMusicForm::SetReason(TServiceStatus& status, const TJobReport& report, const TInfoGrabberServiceAction& action)
+{
+    const auto text = [](const char16_t* key, const QString& value = {}) {
+        return FormatText(GetLanguageString(QString::fromUtf16(key)), {value});
+    };
+    status.State = ssFailed;
+    switch (report.Failure) {
+    case dfAborted:
+        status.State = ssStopped;
+        status.Reason = text(u"cSReasonStopped");
+        return;
+    case dfHTTP:
+        if (report.Status == 401 || report.Status == 403)
+            status.Reason = text(u"cSReasonRefused", QString::number(report.Status));
+        else if (report.Status == 429 || report.Status == 503)
+            status.Reason = text(u"cSReasonBusy", QString::number(report.Status));
+        else
+            status.Reason = text(u"cSReasonHTTP", QString::number(report.Status));
+        break;
+    case dfTimeout:
+        status.Reason = text(u"cSReasonTimeout", QString::number(NetworkSettings().ResponseTimeout / 1000));
+        break;
+    case dfNoHost: status.Reason = text(u"cSReasonNoHost"); break;
+    case dfNoConnection: status.Reason = text(u"cSReasonNoConnection"); break;
+    case dfCutOff: status.Reason = text(u"cSReasonCutOff"); break;
+    case dfTooLarge: status.Reason = text(u"cSReasonTooLarge"); break;
+    case dfCertificate: status.Reason = text(u"cSReasonCertificate"); break;
+    case dfProxyLogin: status.Reason = text(u"cSReasonProxyLogin"); break;
+    case dfBadURL: status.Reason = text(u"cSReasonBadURL"); break;
+    default: status.Reason = text(u"cSReasonOther"); break;
+    }
+    if (!action.MissingKeys().isEmpty())
+        status.State = ssNeedsKey;
+}
+
+void TAddMusicForm::JobEvent(const TJobReport& report)
+{
+    const auto [first, last] = FSearchJobs.equal_range(report.URL);
+    for (auto job = first; job != last; ++job) {
+        TSearchTab* tab = FindTab(job->second.Tab);
+        if (!tab || job->second.Service >= tab->Services.size())
+            continue;
+        TServiceStatus& status = tab->Services[job->second.Service];
+        switch (report.State) {
+        case jsWorking: status.State = ssSearching; break;
+        case jsWaiting:
+            status.State = ssWaiting;
+            status.Until = QDateTime::currentDateTime().addMSecs(report.Milliseconds);
+            break;
+        case jsDone: break; // what was found is known from the answer
+        case jsFailed:
+            // An unknown disc is answered like this.
+            if (report.Status == 404 && tab->CurrentSearch->SearchType() == stCDDB && report.Failure == dfHTTP) {
+                status.State = ssFound;
+                status.Found = 0;
+            } else {
+                SetReason(status, report, tab->CurrentSearch->GetItem(static_cast<int>(job->second.Service)));
+            }
+            break;
+        }
+    }
+    if (first != last)
+        Q_EMIT updated();
+}
+
+void TAddMusicForm::FocusHit(qint64 record)
+{
+    DebugLog(u"SearchGridCardViewFocusedRecordChanged()"_s);
+    TSearchTab& tab = FTabs[static_cast<size_t>(FCurrentTab)];
+    TSearchHit* hit = FindHit(tab, record);
+    tab.Focused = hit ? record : 0;
+    if (hit && hit->DataPointer) {
+        AskForRecord(tab, *hit);
+        AskForLargeCover(tab, *hit, false);
+        if (FDownloadQueue->GetCount() > 0)
+            FDownloadQueue->Run();
+    }
+    Q_EMIT detailsChanged();
+    Q_EMIT updated();
+}
+
+void TAddMusicForm::AskForRecord(TSearchTab& tab, TSearchHit& hit)
+{
+    const TInfoGrabberServiceAction* entry =
+        tab.CurrentSearch ? tab.CurrentSearch->GetItemByName(hit.DataProvider) : nullptr;
+    if (!entry || !entry->NeedToDownloadExtraInfo() || hit.Fetched)
+        return;
+    const TInfoGrabberService* service = FGrabber.InfoGrabberServices().GetServiceByName(hit.DataProvider);
+    const TInfoGrabberServiceAction* action = service ? service->GetActionByType(satGetRelease) : nullptr;
+    if (!action)
+        return;
+    FParams.Clear();
+    FParams.AddPrivateKeysToParams();
+    FParams.AddSearchParamsFromAlbumRelease(*hit.DataPointer);
+    FParams.AddQueryTwins();
+    FDownloadQueue->AddDownloader(action->JSON() ? MakeDownloader<TJSONTextDownloader>
+                                                 : MakeDownloader<TTextDownloader>,
+                                  FParams.ReplaceWithParams(action->URL()), {}, WM_USER_METADATA_TEXT_EXTRA_INFO,
+                                  MakeMessage<TMsgObjWM_USER_METADATA_TEXT_EXTRA_INFO>(tab, hit));
+    hit.Fetched = true;
+}
+
+void TAddMusicForm::AskForLargeCover(TSearchTab& tab, TSearchHit& hit, bool withParams)
+{
+    const TCoverPicture* cover = hit.DataPointer->GetPicByType(cptFrontLarge);
+    if (!cover || cover->HasImage() || cover->URL().isEmpty())
+        return;
+    FDownloadQueue->AddDownloader(
+        MakeDownloader<TPictureDownloader>, withParams ? FParams.ReplaceWithParams(cover->URL()) : cover->URL(), {},
+        WM_USER_METADATA_LARGE_PICTURE, MakeMessage<TMsgObjWM_USER_METADATA_LARGE_PICTURE>(tab, hit));
+}
+
+void TAddMusicForm::ExtraInfoArrived(TUserMessage& message)
+{
+    const auto& object = static_cast<const TMsgObjHit&>(*message.LParam);
+    TSearchTab* tab = FindTab(object.Grid);
+    TSearchHit* hit = tab ? FindHit(*tab, object.RecordIndex) : nullptr;
+    if (!hit || !hit->DataPointer)
+        return;
+    const TInfoGrabberService* service = FGrabber.InfoGrabberServices().GetServiceByName(hit->DataProvider);
+    const TInfoGrabberServiceAction* action = service ? service->GetActionByType(satGetRelease) : nullptr;
+    QByteArray document;
+    std::vector<TXmlElement> nodes;
+    if (!action || !NormaliseAnswer(FGrabber, *action, JoinedAnswer(message).toUtf8(), document))
+        return;
+    const auto parsed = TXmlDocument::Parse(document);
+    if (!parsed || !FindReleases(*parsed, nodes) || nodes.empty())
+        return;
+    LoadAlbumReleaseFromNode(*hit->DataPointer, nodes.front());
+    hit->Complete = true;
+    FillRows(*hit);
+    AskForLargeCover(*tab, *hit, true);
+    FDownloadQueue->Run();
+    Q_EMIT hitChanged(hit->RecordIndex);
+    if (tab->Id == Current().Id && Current().Focused == hit->RecordIndex)
+        Q_EMIT detailsChanged();
+}
+
+void TAddMusicForm::ThumbArrived(TUserMessage& message)
+{
+    const auto& object = static_cast<const TMsgObjHit&>(*message.LParam);
+    const auto& answer = static_cast<const TPictureAnswer&>(*message.WParam);
+    TSearchTab* tab = FindTab(object.Grid);
+    TSearchHit* hit = tab ? FindHit(*tab, object.RecordIndex) : nullptr;
+    if (!hit)
+        return;
+    if (answer.Image.size() == QSize(1, 1)) { // how some services say that they have none
+        hit->Cover = {};
+    } else {
+        hit->Cover = answer.Image.width() > ThumbSide || answer.Image.height() > ThumbSide
+                         ? answer.Image.scaled(ThumbSide, ThumbSide, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+                         : answer.Image;
+        TCoverPicture* thumb = hit->DataPointer ? hit->DataPointer->GetPicByType(cptFrontThumb) : nullptr;
+        if (thumb)
+            thumb->LoadFromBytes(answer.Bytes);
+    }
+    Q_EMIT hitChanged(hit->RecordIndex);
+    if (tab->Id == Current().Id && Current().Focused == hit->RecordIndex)
+        Q_EMIT detailsChanged();
+}
+
+void TAddMusicForm::LargeArrived(TUserMessage& message)
+{
+    const auto& object = static_cast<const TMsgObjHit&>(*message.LParam);
+    const auto& answer = static_cast<const TPictureAnswer&>(*message.WParam);
+    TSearchTab* tab = FindTab(object.Grid);
+    TSearchHit* hit = tab ? FindHit(*tab, object.RecordIndex) : nullptr;
+    TCoverPicture* cover = hit && hit->DataPointer ? hit->DataPointer->GetPicByType(cptFrontLarge) : nullptr;
+    if (!cover)
+        return;
+    if (answer.Image.size() != QSize(1, 1))
+        cover->LoadFromBytes(answer.Bytes);
+    if (tab->Id == Current().Id && Current().Focused == hit->RecordIndex)
+        Q_EMIT detailsChanged();
+}
+
+TDetailData TAddMusicForm::Details() const
+{
+    DebugLog(u"UpdateRightPaneData()"_s);
+    const TSearchHit* hit = FocusedHit();
+    if (!hit || !hit->DataPointer)
+        return {};
+    TDetailData detail = BuildReleaseDetails(*hit->DataPointer);
+    detail.ID = hit->RecordIndex;
+    return detail;
+}
+
+QString TAddMusicForm::DetailsProvider() const
+{
+    const TSearchHit* hit = FocusedHit();
+    if (!hit)
+        return {};
+    const TInfoGrabberService* service = FGrabber.InfoGrabberServices().GetServiceByName(hit->DataProvider);
+    return service ? service->DisplayName() : hit->DataProvider;
+}
+
+} // namespace Kestrune
