@@ -217,10 +217,10 @@ private:
 
     static TSearchWords WordsOf(const QCommandLineParser& parser)
     {
-        TSearchWords words{.Barcode = parser.value(u"barcode"_s),
-                           .CatalogNo = parser.value(u"catno"_s),
-                           .Artist = parser.value(u"artist"_s),
-                           .Release = parser.value(u"release"_s),
+        TSearchWords words{.Barcode = parser.value(u"barcode"_s).trimmed(),
+                           .CatalogNo = parser.value(u"catno"_s).trimmed(),
+                           .Artist = parser.value(u"artist"_s).trimmed(),
+                           .Release = parser.value(u"release"_s).trimmed(),
                            .Disc = {}};
         if (HasDiscOption(parser)) {
             const TDiscTexts texts = DiscOfOptions(parser);

@@ -117,7 +117,7 @@ TEST_F(CliSearch, ListsTheHitsOfAllServicesInOrder)
 TEST_F(CliSearch, EachKindOfSearchAsksItsOwnEntries)
 {
     const std::pair<QStringList, QByteArray> rows[] = {
-        {{u"--artist"_s, u"AC-DC & Co"_s}, "/alpha/a?a=AC-DC+%26+Co&r="},
+        {{u"--artist"_s, u" AC-DC & Co "_s}, "/alpha/a?a=AC-DC+%26+Co&r="},
         {{u"--release"_s, u"Ü"_s}, "/alpha/r?a=&r=%C3%9C"},
         {{u"--release"_s, u"R"_s, u"--artist"_s, u"A-B"_s}, "/alpha/ar?a=A%5C-B&r=R"},
         {{u"--toc"_s, u"1 2 40000 150 20000"_s}, "?t=96+96+4E20+9C40&m=2+96+4E20+9C40&d=1+2+40000+150+20000"},
