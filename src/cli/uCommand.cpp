@@ -22,6 +22,7 @@ std::vector<std::unique_ptr<TCommand>> AllCommands()
     commands.push_back(MakeTagsCommand());
     commands.push_back(MakeImageCommand());
     commands.push_back(MakeDiscIdCommand());
+    commands.push_back(MakeSearchCommand());
     return commands;
 }
 

@@ -72,6 +72,7 @@ std::unique_ptr<TCommand> MakeShowCommand();
 std::unique_ptr<TCommand> MakeTagsCommand();
 std::unique_ptr<TCommand> MakeImageCommand();
 std::unique_ptr<TCommand> MakeDiscIdCommand();
+std::unique_ptr<TCommand> MakeSearchCommand();
 
 /// Opens a collection for a command, or throws ECommandError with the reason.
 class TOpenCollection {

@@ -2,8 +2,8 @@
 #include "dmMain.h"
 #include "uCommand.h"
 #include "uListOptions.h"
+#include "uReleaseText.h"
 
-#include <QCryptographicHash>
 #include <QDateTime>
 #include <QJsonArray>
 #include <QJsonObject>
@@ -16,18 +16,6 @@ namespace Kestrune {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-QJsonValue ToJson(const TVariant& value)
-{
-    switch (value.typeId()) {
-    case QMetaType::UnknownType: return QJsonValue::Null;
-    case QMetaType::Bool: return value.toBool();
-    case QMetaType::Int:
-    case QMetaType::LongLong: return value.toLongLong();
-    case QMetaType::Double: return value.toDouble();
-    default: return VarToStr(value);
-    }
-}
 
 // All fields of a record but pictures, by column name.
 QJsonObject RecordToJson(const TDataset& cursor, int row)
@@ -110,20 +98,6 @@ private:
     }
 };
 
-QString PictureTypeName(TCoverPictureType type)
-{
-    switch (type) {
-    case cptFrontThumb: return u"cptFrontThumb"_s;
-    case cptFrontLarge: return u"cptFrontLarge"_s;
-    case cptBackThumb: return u"cptBackThumb"_s;
-    case cptBackLarge: return u"cptBackLarge"_s;
-    case cptMediaThumb: return u"cptMediaThumb"_s;
-    case cptMediaLarge: return u"cptMediaLarge"_s;
-    case cptOther: break;
-    }
-    return u"cptOther"_s;
-}
-
 class TShowCommand final : public TCommand {
 public:
     QString Name() const override { return u"show"_s; }
@@ -175,16 +149,8 @@ private:
     static QJsonArray Pictures(TDataModuleMain& data)
     {
         QJsonArray pictures;
-        for (const auto& picture : data.CurrentReleaseToAlbumRelease().Pictures) {
-            const QByteArray& bytes = picture->Bytes();
-            const QByteArray sha1 = QCryptographicHash::hash(bytes, QCryptographicHash::Sha1).toHex();
-            pictures.append(QJsonObject{{u"type"_s, PictureTypeName(picture->PictureType())},
-                                        {u"bytes"_s, bytes.size()},
-                                        {u"width"_s, std::max(0, picture->Size().width())},
-                                        {u"height"_s, std::max(0, picture->Size().height())},
-                                        {u"format"_s, QString::fromLatin1(picture->Format())},
-                                        {u"sha1"_s, QString::fromLatin1(sha1)}});
-        }
+        for (const auto& picture : data.CurrentReleaseToAlbumRelease().Pictures)
+            pictures.append(PictureToJson(*picture));
         return pictures;
     }
 

@@ -36,6 +36,19 @@ std::shared_ptr<THttpStandIn>& StandIn()
     return standIn;
 }
 
+std::mutex ObserverLock;
+std::shared_ptr<THttpObserver>& SharedObserver()
+{
+    static std::shared_ptr<THttpObserver> observer;
+    return observer;
+}
+
+std::shared_ptr<THttpObserver> CurrentObserver()
+{
+    const std::scoped_lock lock(ObserverLock);
+    return SharedObserver();
+}
+
 // Set up once, before any thread uses the library.
 void InitLibrary()
 {
@@ -126,6 +139,12 @@ QByteArray EncodeURL(const QString& url)
 QString HostOfURL(const QString& url) { return QUrl::fromEncoded(EncodeURL(url)).host().toLower(); }
 
 void SetHttpStandIn(std::shared_ptr<THttpStandIn> standIn) { StandIn() = std::move(standIn); }
+
+void SetHttpObserver(std::shared_ptr<THttpObserver> observer)
+{
+    const std::scoped_lock lock(ObserverLock);
+    SharedObserver() = std::move(observer);
+}
 
 // One run of the library over one request, with what its callbacks need.
 struct THttpClient::TTransfer {
@@ -319,8 +338,16 @@ THttpAnswer THttpClient::Perform(const THttpRequest& request, const TSink& sink,
         answer.Failure = dfAborted;
         return answer;
     }
-    answer = Transfer(request, sink, progress);
+    const std::shared_ptr<THttpObserver> observer = CurrentObserver();
+    QByteArray seen;
+    const TSink both = [&](const char* bytes, qint64 size) {
+        seen.append(bytes, size);
+        return sink(bytes, size);
+    };
+    answer = Transfer(request, observer ? both : sink, progress);
     HostLimiter().Leave(host);
+    if (observer && answer.Arrived())
+        observer->Answered(request, answer, seen);
     return answer;
 }
 

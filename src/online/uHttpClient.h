@@ -88,6 +88,16 @@ public:
 /// Null brings the network back. No request may run.
 void SetHttpStandIn(std::shared_ptr<THttpStandIn> standIn);
 
+/// Sees what the network answers, for instance to record it. Called on the thread of the request, when the whole body
+/// is there; not for requests without an answer.
+class THttpObserver {
+public:
+    virtual ~THttpObserver() = default;
+    virtual void Answered(const THttpRequest& request, const THttpAnswer& answer, const QByteArray& body) = 0;
+};
+/// Null ends it; requests that run keep the observer they began with. Any thread.
+void SetHttpObserver(std::shared_ptr<THttpObserver> observer);
+
 /// One HTTP client: http and https, redirects, compression, cookies of its manager, the pace of the host. One request
 /// at a time, on any one thread.
 class THttpClient {

@@ -90,11 +90,13 @@ bool TReleaseFetch::FetchDocument(const TInfoGrabberServiceAction& action, const
                                   TAlbumReleases& releases, bool firstOnly)
 {
     FError.clear();
+    FNotFound = false;
     FTransport->SetURL(params.ReplaceWithParams(action.URL()));
     QStringList lines;
     try {
         if (!FTransport->DownloadAsTStrings(lines, action.CodePage())) {
             FError = FTransport->Answer().Reason;
+            FNotFound = FTransport->Answer().Status == 404 && action.ServiceActionType() == satSearch;
             return false;
         }
     } catch (const EInvalidEncoding& failure) {

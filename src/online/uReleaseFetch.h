@@ -47,6 +47,8 @@ public:
 
     /// Of the last request that failed.
     const QString& Error() const { return FError; }
+    /// True when the last request was a search that was answered with 404, as some services say that they know nothing.
+    bool NotFound() const { return FNotFound; }
 
     /// Between a search and its detail request, in milliseconds.
     static constexpr int DetailPause = 1000;
@@ -59,6 +61,7 @@ private:
     std::unique_ptr<TCookieManagerComponent> FCookies;
     std::unique_ptr<TDownloader> FTransport;
     QString FError;
+    bool FNotFound = false;
 };
 
 /// Lets pictures of releases be fetched through this layer. Once at start.

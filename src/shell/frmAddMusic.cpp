@@ -7,6 +7,7 @@
 #include "uDictionaries.h"
 #include "uJSONToXML.h"
 #include "uPrompt.h"
+#include "uSearchParams.h"
 #include "uTHStrings.h"
 #include "uWaitCursor.h"
 
@@ -324,22 +325,10 @@ void TAddMusicForm::StartSearch(TInfoGrabberSearchType type, TSearchArea area)
 void TAddMusicForm::AddSearchJob(TSearchTab& tab, size_t service)
 {
     const TInfoGrabberServiceAction& entry = tab.CurrentSearch->GetItem(static_cast<int>(service));
-    FParams.Clear();
-    FParams.AddPrivateKeysToParams();
-    FParams.Add(u"BARCODE"_s, tab.Barcode);
-    FParams.Add(u"CATNO"_s, CatalogNo.trimmed());
-    FParams.Add(u"ARTIST"_s, Artist.trimmed());
-    FParams.Add(u"RELEASE_TITLE"_s, ReleaseTitle.trimmed());
-    if (entry.ServiceActionType() == satSearch) {
-        entry.AddSignature(FParams);
-        if (tab.CurrentSearch->SearchType() == stCDDB) {
-            FParams.Add(u"DISCID"_s, FCachedDiscID);
-            FParams.Add(u"TOC"_s, FCachedTOC);
-            FParams.Add(u"TOC_MICROSOFT"_s, FCachedTOC_Microsoft);
-            FParams.Add(u"TOC_DECIMAL"_s, FCachedTOC_DECIMAL);
-        }
-    }
-    FParams.AddQueryTwins();
+    TSearchWords words{tab.Barcode, CatalogNo.trimmed(), Artist.trimmed(), ReleaseTitle.trimmed(), {}};
+    if (tab.CurrentSearch->SearchType() == stCDDB)
+        words.Disc = TDiscWords{FCachedDiscID, FCachedTOC, FCachedTOC_Microsoft, FCachedTOC_DECIMAL};
+    FillSearchParams(FParams, words, entry);
     const QString url = FParams.ReplaceWithParams(entry.URL());
     auto message = std::make_unique<TMsgObjWM_USER_METADATA_TEXT_SEARCH>();
     message->Action = &entry;

@@ -1,17 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The command-line program as a user runs it: as a process of its own, with settings of its own.
+#include "uCliKit.h"
 #include "uImageBuilders.h"
 #include "uSQLite.h"
-#include "uTestFiles.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
-#include <QProcess>
-#include <QProcessEnvironment>
 #include <QRegularExpression>
-
-#include <gtest/gtest.h>
 
 #include <csignal>
 
@@ -21,33 +16,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct TCliResult {
-    int Code = -1;
-    QByteArray Out;
-    QByteArray Err;
-    QJsonDocument Json() const { return QJsonDocument::fromJson(Out); }
-};
-
-class Cli : public testing::Test {
+class Cli : public TCliTest {
 protected:
-    void Prepare(QProcess& process, const QStringList& arguments)
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"XDG_CONFIG_HOME"_s, FDir.File(u"config"_s));
-        environment.insert(u"XDG_DATA_HOME"_s, FDir.File(u"data"_s));
-        process.setProcessEnvironment(environment);
-        process.setProgram(QString::fromUtf8(KESTRUNE_CLI));
-        process.setArguments(arguments);
-    }
-    TCliResult Run(const QStringList& arguments)
-    {
-        QProcess process;
-        Prepare(process, arguments);
-        process.start();
-        process.waitForFinished(120000);
-        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
-                process.readAllStandardError()};
-    }
     // Copies one encoded clip under many names: each folder is a release by its name.
     QString MakeMusic(int folders, int filesEach)
     {
@@ -62,9 +32,6 @@ protected:
                     bytes);
         return FDir.File(u"music"_s);
     }
-
-    Kit::TTempDir FDir;
-    QString FPath = FDir.File(u"x.db"_s);
 };
 
 } // namespace
@@ -109,6 +76,12 @@ TEST_F(Cli, ExitCodesTellFailureFromWrongUsage)
         {{u"discid"_s, u"--toc"_s, u"1 1 20000 \a\n"_s}, 2},
         {{u"discid"_s, u"--device"_s, u"/dev/null"_s}, 1},
         {{u"discid"_s, u"--device"_s, FDir.File(u"no\ndrive"_s), u"--json"_s}, 1},
+        {{u"search"_s}, 2},
+        {{u"search"_s, u"--barcode"_s, u" "_s}, 2},
+        {{u"search"_s, u"--barcode"_s, u"1"_s, u"--artist"_s, u"A"_s}, 2},
+        {{u"search"_s, u"--toc"_s, u"1 1 20000 150"_s, u"--device"_s, u"/dev/null"_s}, 2},
+        {{u"search"_s, u"--catno"_s, u"1"_s, u"--replay"_s, FPath, u"--record"_s, FPath}, 2},
+        {{u"search"_s, u"--catno"_s, u"1"_s, u"--package"_s, FDir.File(u"no\npackage"_s)}, 1},
     };
     for (const auto& [arguments, code] : cases) {
         const TCliResult result = Run(arguments);
