@@ -8,6 +8,7 @@
 
 #include <QEventLoop>
 #include <QSignalSpy>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -44,6 +45,8 @@ protected:
     // Serves events until a condition holds; the test's own time-out ends a wait for ever.
     void WaitUntil(const std::function<bool()>& condition)
     {
+        QTimer look; // what the server has seen is no event here
+        look.start(5);
         while (!condition())
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
