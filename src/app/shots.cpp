@@ -4,10 +4,14 @@
 //   kestrune-shots COLLECTION FOLDER [light|dark] [WIDTHxHEIGHT]
 // Used by the demo where there is no display and for the pictures of the documentation. Not installed.
 #include "dmMain.h"
+#include "frmAddMusic.h"
 #include "frmMain.h"
 #include "uDefaults.h"
 #include "uMainWindow.h"
+#include "uProgramFiles.h"
 #include "uRibbon.h"
+#include "uSearchWindow.h"
+#include "uShotServices.h"
 #include "uThemeController.h"
 #include "uWidgetPrompt.h"
 
@@ -81,6 +85,45 @@ void InDialog(TKRNMainForm& form, const QString& action, const std::function<voi
     form.Actions().Trigger(action);
 }
 
+// The search window with hits, one of them looked at, others selected or chosen.
+void SearchPictures(TDataModuleMain& data, TPrompt& prompt, const std::function<void(QWidget&, const QString&)>& save)
+{
+    SetHttpStandIn(std::make_shared<TShotServices>());
+    TInfoGrabber grabber;
+    grabber.Parse(QDir(ProgramFile(u"InfoGrabber"_s)).filePath(u"infograbber.xml"_s));
+    Defaults().SearchByArtistRelease = 7;
+    TAddMusicForm form(grabber, data, prompt);
+    form.Artist = u"Hask & Vane"_s;
+    form.ReleaseTitle = u"Low Lamps"_s;
+    form.FormShow();
+    TSearchWindow window(form, nullptr);
+    window.show();
+    save(window, u"search-start"_s);
+    const auto waitForDownloads = [&] {
+        while (form.Busy())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    };
+    form.Search();
+    waitForDownloads();
+    const auto record = [&](size_t at) { return form.Current().Hits[at].RecordIndex; };
+    if (form.Current().Hits.size() < 9)
+        return;
+    form.FocusHit(record(form.Current().Hits.size() - 3));
+    waitForDownloads();
+    form.SetSelection({record(form.Current().Hits.size() - 3), record(form.Current().Hits.size() - 4)});
+    form.actSaveAndContinue();
+    for (const TSearchHit& hit : form.Current().Hits)
+        if (hit.CatalogNo == "CRB 2207"_L1) {
+            form.FocusHit(hit.RecordIndex);
+            break;
+        }
+    waitForDownloads();
+    form.SetSelection({form.Current().Focused});
+    Q_EMIT form.hitsChanged();
+    save(window, u"search"_s);
+    SetHttpStandIn(nullptr);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -144,5 +187,6 @@ int main(int argc, char** argv)
         }
         InDialog(form, action, [&](QWidget& dialog) { save(SettledPicture(dialog), name); });
     }
+    SearchPictures(data, prompt, [&](QWidget& dialog, const QString& name) { save(SettledPicture(dialog), name); });
     return saved ? 0 : 1;
 }

@@ -10,6 +10,7 @@
 #include "uXml.h"
 
 #include <QBuffer>
+#include <QUrl>
 
 #include <chrono>
 #include <thread>
@@ -63,6 +64,18 @@ bool FindReleases(const TXmlDocument& document, std::vector<TXmlElement>& releas
             releases.push_back(child);
     }
     return true;
+}
+
+void ResolvePictureURLs(TAlbumRelease& release, const QString& requestURL)
+{
+    const QUrl base = QUrl::fromEncoded(EncodeURL(requestURL));
+    for (const auto& picture : release.Pictures) {
+        if (picture->URL().isEmpty())
+            continue;
+        const QUrl url = QUrl::fromEncoded(EncodeURL(picture->URL()));
+        if (url.isRelative() && url.isValid())
+            picture->SetURL(base.resolved(url).toString(QUrl::FullyEncoded));
+    }
 }
 
 bool NormaliseAnswer(const TInfoGrabber& grabber, const TInfoGrabberServiceAction& action, const QByteArray& answer,
@@ -121,6 +134,7 @@ bool TReleaseFetch::FetchDocument(const TInfoGrabberServiceAction& action, const
     for (const TXmlElement& node : nodes) {
         auto& release = releases.emplace_back(std::make_unique<TAlbumRelease>());
         LoadAlbumReleaseFromNode(*release, node);
+        ResolvePictureURLs(*release, FTransport->URL());
     }
     FError = notJson;
     return true;

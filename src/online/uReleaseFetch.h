@@ -29,6 +29,9 @@ bool FindReleases(const TXmlDocument& document, std::vector<TXmlElement>& releas
 bool NormaliseAnswer(const TInfoGrabber& grabber, const TInfoGrabberServiceAction& action, const QByteArray& answer,
                      QByteArray& document, QString* error = nullptr);
 
+/// Gives pictures whose address is relative the address that it means beside the request (RFC 3986, section 5.2).
+void ResolvePictureURLs(TAlbumRelease& release, const QString& requestURL);
+
 /// Fetches from a service on the thread that calls; one object for one logical client, whose requests share cookies.
 class TReleaseFetch {
 public:

@@ -167,6 +167,7 @@ void TAddMusicForm::FillResults(const TInfoGrabberServiceAction& action, TSearch
         hit.DataProvider = action.Name();
         hit.DataPointer = std::make_unique<TAlbumRelease>();
         LoadAlbumReleaseFromNode(*hit.DataPointer, node);
+        ResolvePictureURLs(*hit.DataPointer, action.RawURL());
         hit.Complete = !action.NeedToDownloadExtraInfo();
         FillRows(hit);
         for (const auto& picture : hit.DataPointer->Pictures) {
@@ -337,6 +338,7 @@ void TAddMusicForm::ExtraInfoArrived(TUserMessage& message)
     if (!parsed || !FindReleases(*parsed, nodes) || nodes.empty())
         return;
     LoadAlbumReleaseFromNode(*hit->DataPointer, nodes.front());
+    ResolvePictureURLs(*hit->DataPointer, action->RawURL());
     hit->Complete = true;
     FillRows(*hit);
     AskForLargeCover(*tab, *hit, true);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The search of the command-line program, with services of its own on loopback.
 #include "uCliKit.h"
+#include "uDefaultServices.h"
 #include "uWebServer.h"
 
 #include <QCryptographicHash>
@@ -301,6 +302,33 @@ TEST_F(CliSearch, ARecordedSessionGivesTheSameWithoutTheNetwork)
     EXPECT_EQ(hostile.Code, 1);
     EXPECT_TRUE(hostile.Err.contains("line 1"));
     EXPECT_TRUE(hostile.Out.isEmpty());
+}
+
+TEST_F(TCliTest, TheDefaultPackageAddsARecordWhole)
+{
+    if (Kit::SamplesFolder().isEmpty())
+        GTEST_SKIP() << "no samples here";
+    Kit::TWebServer server;
+    const QByteArray cover = Kit::MakePicture(300, 300, "JPG");
+    server.SetHandler([&](const auto& request) { return Kit::SampleAnswer(request, cover); });
+    Kit::PackageOnLoopback(FDir, server, QString::fromUtf8(KESTRUNE_SERVICES_DIR));
+    ASSERT_EQ(Run({u"new"_s, FPath}).Code, 0);
+    const TCliResult added = Run({u"search"_s, u"--package"_s, FDir.File(u"package"_s), u"--barcode"_s,
+                                  u"074646362822"_s, u"--service"_s, u"Discogs"_s, u"--add"_s, FPath});
+    ASSERT_EQ(added.Code, 0) << added.Err.constData();
+    const QJsonObject shown = Run({u"show"_s, FPath, u"1"_s, u"--json"_s}).Json().object();
+    EXPECT_EQ(shown[u"release"_s][u"Label"_s].toString(), u"Svek"_s);
+    EXPECT_EQ(shown[u"release"_s][u"CatalogNO"_s].toString(), u"SK 026"_s);
+    EXPECT_EQ(shown[u"release"_s][u"CountryCode"_s].toString(), u"SE"_s);
+    QStringList tracks;
+    for (const QJsonValue& track : shown[u"tracks"_s].toArray())
+        tracks << track[u"Side"_s].toString() + track[u"TrackTitle"_s].toString();
+    EXPECT_EQ(tracks, (QStringList{u"AA Sea Apart"_s, u"ADutchmaster"_s, u"BInner City Lullaby"_s, u"BYeah Kid!"_s}));
+    EXPECT_EQ(shown[u"credits"_s].toArray().size(), 6);
+    const QJsonArray pictures = shown[u"pictures"_s].toArray();
+    EXPECT_TRUE(std::ranges::any_of(pictures, [&](const QJsonValue& picture) {
+        return picture[u"type"_s] == "cptFrontLarge"_L1 && picture[u"bytes"_s].toInt() == cover.size();
+    }));
 }
 
 } // namespace Kestrune

@@ -86,6 +86,7 @@ protected:
 TEST_F(SearchWindow, IsUsedByKeyboardFromTheFieldToTheSavedRelease)
 {
     const QAbstractItemModelTester tester(Window->Model());
+    EXPECT_GT(Window->findChild<QTabBar*>()->height(), 10);
     SearchFor(u"Ann"_s);
     EXPECT_EQ(Window->Model()->rowCount(), 3);
     EXPECT_EQ(StateOf(0), u"3 found"_s);

@@ -92,8 +92,8 @@ TEST(Startup, StepsRunInTheirFixedOrder)
     RunStartup(host, {u"kestrune"_s, u"-debug"_s});
     SetSplashSink({});
     EXPECT_EQ(log, QStringList({u"debug"_s, u"splash"_s, u"application"_s, u"Loading icons and images..."_s,
-                                u"images"_s, u"Loading data..."_s, u"data"_s, u"form"_s,
-                                u"Preparing music search..."_s, u"search"_s, u"show"_s}));
+                                u"images"_s, u"Loading data..."_s, u"data"_s, u"form"_s, u"Preparing music search..."_s,
+                                u"search"_s, u"show"_s}));
 }
 
 TEST_F(MainForm, AFirstStartSaysOnceThatThereIsNoFile)

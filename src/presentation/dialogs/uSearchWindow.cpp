@@ -423,6 +423,7 @@ void TSearchWindow::ShowTabs()
             FTabs->addTab(caption);
     }
     FTabs->setCurrentIndex(FForm.CurrentTab());
+    FTabs->updateGeometry(); // the bar does not ask for room by itself before it is shown
     FFilling = false;
 }
 
