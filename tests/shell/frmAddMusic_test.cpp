@@ -394,7 +394,7 @@ TEST_F(AddMusic, TheMainWindowStoresWhatWasChosen)
     FForm.AddMusicClosed();
     EXPECT_EQ(FData.qReleasesMain.RecordCount(), 2);
     ASSERT_EQ(bars.size(), 1);
-    EXPECT_EQ(bars[0][1].toString(), u"2 releases were added"_s);
+    EXPECT_EQ(bars[0][1].toString(), u"Added to the collection: 2"_s);
     EXPECT_TRUE(FForm.Actions().IsEnabled(u"actAddMusic"_s));
     EXPECT_TRUE(Form->SavedReleases().empty());
 }

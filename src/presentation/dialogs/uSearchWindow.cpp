@@ -308,6 +308,10 @@ void TSearchWindow::BuildCommands()
         {u"cSKindDisc"_s, u"Ctrl+4"_s, kind(saCD), always},
         {{}, {}, {}, {}},
         {u"cSactNewTab"_s, u"Ctrl+T"_s, [this] { FForm.actNewTab(); }, always},
+        {u"cSactNextTab"_s, u"Ctrl+PgDown"_s, [this] { FForm.SetCurrentTab(FForm.CurrentTab() + 1); },
+         [this] { return FForm.CurrentTab() + 1 < static_cast<int>(FForm.Tabs().size()); }},
+        {u"cSactPreviousTab"_s, u"Ctrl+PgUp"_s, [this] { FForm.SetCurrentTab(FForm.CurrentTab() - 1); },
+         [this] { return FForm.CurrentTab() > 0; }},
         {u"cSactCloseTab"_s, u"Ctrl+W"_s, [this] { FForm.actCloseTab(FForm.CurrentTab()); }, always},
         {u"cSactCloseAllTabs"_s, u"Ctrl+Shift+W"_s, [this] { FForm.actCloseAllTabs(); }, always},
         {u"cSactClearAllTabs"_s, {}, [this] { FForm.actClearAllTabs(); }, always},
@@ -405,9 +409,11 @@ void TSearchWindow::ShowState()
     FCounts->setVisible(hits > 0);
     FPages->setCurrentIndex(hits > 0 ? 0 : 1);
     const bool searched = FForm.Current().CurrentSearch != nullptr;
-    FNothing->setText(GetLanguageString(FForm.Busy() ? u"cSStateSearching"_s
-                                        : searched   ? u"cSNoHits"_s
-                                                     : u"cSSearchWelcome"_s));
+    const bool hasServices = !FForm.ServiceNames(FForm.Area()).isEmpty();
+    FNothing->setText(GetLanguageString(!hasServices   ? u"cSServicesBroken"_s
+                                        : FForm.Busy() ? u"cSStateSearching"_s
+                                        : searched     ? u"cSNoHits"_s
+                                                       : u"cSSearchWelcome"_s));
 }
 
 void TSearchWindow::ShowTabs()

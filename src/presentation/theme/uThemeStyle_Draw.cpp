@@ -9,8 +9,10 @@
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QStyleOption>
 #include <QTabBar>
+#include <QTextEdit>
 
 namespace Kestrune {
 
@@ -301,6 +303,16 @@ void TThemeStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* op
             DrawFieldPanel(option, painter, Has(option, State_HasFocus));
         return;
     case PE_FrameLineEdit: return;
+    case PE_Frame:
+        // A text of several lines has the edge of a field; its ground is the viewport's.
+        if (const auto* area = qobject_cast<const QAbstractScrollArea*>(widget);
+            area && (qobject_cast<const QPlainTextEdit*>(widget) || qobject_cast<const QTextEdit*>(widget)) &&
+            area->frameShape() != QFrame::NoFrame) {
+            const bool focused = area->hasFocus();
+            return StrokeRounded(*painter, option->rect, RadiusControl, focused ? FTheme.AccentFill : FTheme.Outline,
+                                 focused ? 2 : 1);
+        }
+        return QProxyStyle::drawPrimitive(element, option, painter, widget);
     case PE_IndicatorCheckBox:
     case PE_IndicatorItemViewItemCheck: return DrawCheckBox(option, painter);
     case PE_IndicatorRadioButton: return DrawRadioButton(option, painter);
