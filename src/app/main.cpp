@@ -100,6 +100,7 @@ void OpenAnew(TSingletons& our)
         ApplyLanguage();
         SetDirection();
         CreateMainForm(our);
+        our.Form->SkipStartChecks();
         CreateAddMusicForm(our);
         ShowMainForm(our);
     }

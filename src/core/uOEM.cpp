@@ -38,6 +38,12 @@ constexpr TOEMAttribute OEMAttributes[] = {
 
 } // namespace
 
+QString BuiltInAgent(const QString& contact)
+{
+    const QString agent = u"Kestrune/"_s + QStringLiteral(KESTRUNE_VERSION);
+    return contact.isEmpty() ? agent : u"%1 ( %2 )"_s.arg(agent, contact);
+}
+
 TOEMInfo LoadOEMInfo(const QString& path)
 {
     TOEMInfo info;
@@ -51,6 +57,8 @@ TOEMInfo LoadOEMInfo(const QString& path)
         if (const auto value = document->Root().Attribute(QString::fromLatin1(attribute.Name)))
             info.*attribute.Field = *value;
     }
+    if (!document->Root().Attribute(u"HTTPAgent"_s))
+        info.HTTPAgent = BuiltInAgent(info.HomepageLink);
     // These two name folders; a path separator in them would lead elsewhere.
     const TOEMInfo builtIn;
     if (info.Company.isEmpty() || info.Company.contains(u'/'))

@@ -5,6 +5,9 @@
 
 namespace Kestrune {
 
+/// "Name/version", with "( contact )" behind it where there is one, as online services ask for.
+QString BuiltInAgent(const QString& contact = {});
+
 /// Who the product is and which keys it has for online services.
 struct TOEMInfo {
     QString Name = QStringLiteral("Kestrune");
@@ -19,7 +22,7 @@ struct TOEMInfo {
     QString AMAZON_API_KEY;
     QString AMAZON_API_KEY_PRIVATE;
     QString AmazonAffiliateName;
-    QString HTTPAgent = QStringLiteral("Kestrune/0.1");
+    QString HTTPAgent = BuiltInAgent(); ///< as the program names itself to servers
     QString LAST_FM_API_KEY;
     QString ServicesURL; ///< folder with the published service package; empty: there is none
 };

@@ -2,7 +2,6 @@
 #include "uDownloadQueue.h"
 
 #include "uDebugLog.h"
-#include "uDictionaries.h"
 #include "uHostLimiter.h"
 #include "uTHStrings.h"
 
@@ -10,6 +9,7 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QImageReader>
+#include <QScopeGuard>
 
 #include <algorithm>
 
@@ -139,12 +139,19 @@ void TCustomDownloader::Execute()
         DebugLog(u"FDownloader.AbortDownload()"_s);
         FDownloader->AbortDownload();
     });
+    const auto close = qScopeGuard([this] { Close(); });
     if (Terminated())
         return;
     FWorking = true;
     FDownloader->Client().Pace = FWaitBeforeStating;
-    FDownloader->Client().OnWaiting = [this](int milliseconds) { Report({FURL, jsWaiting, milliseconds, dfNone, 0}); };
+    FDownloader->Client().OnWaiting = [this](int milliseconds) {
+        Report({FURL, milliseconds > 0 ? jsWaiting : jsWorking, milliseconds, dfNone, 0});
+    };
     DoDownload();
+}
+
+void TCustomDownloader::Close()
+{
     bool posted = false;
     {
         const std::scoped_lock lock(FMessagesLock);
@@ -204,7 +211,7 @@ void TTextDownloader::DownloadText(const QString& url)
         return;
     if (body.startsWith("\xEF\xBB\xBF"))
         body.remove(0, 3);
-    QStringList lines = SplitLines(QString::fromUtf8(body));
+    QStringList lines = TextLines(QString::fromUtf8(body));
     if (Terminated())
         return;
     if (FOnTextDownloadedSuccessfully) {
@@ -216,9 +223,11 @@ void TTextDownloader::DownloadText(const QString& url)
     }
 }
 
-void TTextDownloader::PostResult(QStringList lines)
+void TTextDownloader::PostResult(QStringList lines) { PostLines(lines, {}); }
+
+void TTextDownloader::PostLines(const QStringList& lines, const QString& error)
 {
-    PostToAll([&] { return std::make_unique<TTextAnswer>(lines); });
+    PostToAll([&] { return std::make_unique<TTextAnswer>(lines, error); });
 }
 
 void TPictureDownloader::DoDownload() { DownloadImage(FURL); }
@@ -240,7 +249,11 @@ void TPictureDownloader::DownloadImage(const QString& url)
 
 void TPictureDownloader::PostResult(const QByteArray& bytes, const QImage& image)
 {
-    PostToAll([&] { return std::make_unique<TPictureAnswer>(bytes, image); });
+    constexpr int side = TPictureAnswer::SmallSide;
+    const QImage small = image.width() > side || image.height() > side
+                             ? image.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+                             : image;
+    PostToAll([&] { return std::make_unique<TPictureAnswer>(bytes, image, small); });
 }
 
 QImage DecodePicture(const QByteArray& bytes)

@@ -75,16 +75,21 @@ using TOnTextDownloadedSuccessfully = std::function<void(const QString& url, con
 /// The lines of a text that was fetched.
 class TTextAnswer final : public TMessageObject {
 public:
-    explicit TTextAnswer(QStringList lines) : Lines(std::move(lines)) {}
+    TTextAnswer(QStringList lines, QString error) : Lines(std::move(lines)), Error(std::move(error)) {}
     QStringList Lines;
+    QString Error; ///< why the text is not what it should be; empty where it is
 };
 
-/// A picture that was fetched: as it came, and decoded.
+/// A picture that was fetched: as it came, decoded, and small for a card.
 class TPictureAnswer final : public TMessageObject {
 public:
-    TPictureAnswer(QByteArray bytes, QImage image) : Bytes(std::move(bytes)), Image(std::move(image)) {}
+    TPictureAnswer(QByteArray bytes, QImage image, QImage small)
+        : Bytes(std::move(bytes)), Image(std::move(image)), Small(std::move(small))
+    {}
     QByteArray Bytes;
     QImage Image;
+    QImage Small; ///< at most SmallSide pixels wide and high
+    static constexpr int SmallSide = 256;
 };
 
 enum class TJobState : quint8 { jsWaiting, jsWorking, jsDone, jsFailed };
@@ -133,6 +138,8 @@ protected:
 
 private:
     void Report(TJobReport report);
+    /// The end of the work, however it came: nobody is added any more, and what became of it is reported.
+    void Close();
 
     std::unique_ptr<TCookieManagerComponent> FCookieManager;
     std::unique_ptr<TDownloader> FDownloader;
@@ -157,6 +164,7 @@ protected:
     void DownloadText(const QString& url);
     /// Hands the lines to all askers.
     virtual void PostResult(QStringList lines);
+    void PostLines(const QStringList& lines, const QString& error);
 };
 
 /// Fetches a picture and decodes it.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDownloader.h"
 
+#include "uDefaults.h"
 #include "uDictionaries.h"
 
 #include <QBuffer>
@@ -67,6 +68,15 @@ QByteArray FormOf(const QString& query)
 const QString FormType = u"application/x-www-form-urlencoded"_s;
 
 } // namespace
+
+QStringList TextLines(const QString& text)
+{
+    QString unified = text;
+    unified.replace(u"\r\n"_s, u"\n"_s).replace(u'\r', u'\n');
+    if (unified.endsWith(u'\n'))
+        unified.chop(1);
+    return unified.split(u'\n');
+}
 
 TDownloaderErrorType ErrorTypeOf(TDownloadFailure failure)
 {
@@ -137,29 +147,39 @@ bool TDownloader::FetchFile(QIODevice::OpenMode mode)
         const qint64 size = file.size();
         if (file.flush()) {
             file.close();
-            if (FOnDoneFileEvent)
-                FOnDoneFileEvent(*this, FContentType, Int32(size));
+            FireDone(size);
             return true;
         }
         FAnswer.Failure = dfOther;
         FAnswer.Reason = file.errorString();
     }
     file.close();
-    if (FDownloaderErrorEvent)
-        FDownloaderErrorEvent(*this, ErrorTypeOf(FAnswer.Failure), FAnswer.Status, FAnswer.Reason);
+    FireError(FAnswer.Reason);
     return false;
+}
+
+void TDownloader::FireDone(qint64 size)
+{
+    if (FOnDoneFileEvent)
+        FOnDoneFileEvent(*this, DoneContentType(), Int32(size));
+}
+
+void TDownloader::FireError(const QString& text)
+{
+    if (FDownloaderErrorEvent)
+        FDownloaderErrorEvent(*this, ErrorType(), FAnswer.Status, text);
 }
 
 QStringList TDownloader::DecodeLines(const QByteArray& body, int codePage) const
 {
     if (codePage == -1 || codePage == 65001) {
         QStringDecoder utf8(QStringDecoder::Utf8); // takes a byte order mark away
-        return SplitLines(utf8(body));
+        return TextLines(utf8(body));
     }
     QStringDecoder decoder(EncodingName(codePage).constData());
     if (!decoder.isValid())
         throw EInvalidEncoding();
-    return SplitLines(decoder(body));
+    return TextLines(decoder(body));
 }
 
 TSecureBridge_Downloader::TSecureBridge_Downloader(TCookieManagerComponent* cookies) : TDownloader(cookies)
@@ -206,10 +226,10 @@ bool TSecureBridge_Downloader::DownloadAsTStrings(QStringList& strings, int code
 bool TSecureBridge_Downloader::DownloadAsStream(QIODevice& stream)
 {
     const bool done = Fetch(stream);
-    if (done && FOnDoneFileEvent)
-        FOnDoneFileEvent(*this, FContentType, Int32(stream.size()));
-    if (!done && FDownloaderErrorEvent)
-        FDownloaderErrorEvent(*this, ErrorTypeOf(FAnswer.Failure), FAnswer.Status, FAnswer.Reason);
+    if (done)
+        FireDone(stream.size());
+    else
+        FireError(FAnswer.Reason);
     return done;
 }
 
@@ -227,6 +247,11 @@ THttpRequest TD10_4_Downloader::MakeRequest() const
 
 bool TD10_4_Downloader::Succeeded(const THttpAnswer& answer) const { return answer.Failure == dfNone; }
 
+TDownloaderErrorType TD10_4_Downloader::ErrorType() const
+{
+    return FAnswer.Failure == dfAborted ? detAbort : detHTTPError;
+}
+
 bool TD10_4_Downloader::DownloadBinary(bool) { return FetchFile(QIODevice::WriteOnly | QIODevice::Truncate); }
 
 bool TD10_4_Downloader::DownloadAsTStrings(QStringList& strings, int codePage)
@@ -236,20 +261,20 @@ bool TD10_4_Downloader::DownloadAsTStrings(QStringList& strings, int codePage)
     strings.clear();
     const bool done = Fetch(body);
     strings = DecodeLines(body.data(), codePage);
-    if (done && FOnDoneFileEvent)
-        FOnDoneFileEvent(*this, {}, Int32(body.size()));
-    if (!done && FDownloaderErrorEvent)
-        FDownloaderErrorEvent(*this, ErrorTypeOf(FAnswer.Failure), FAnswer.Status, strings.join(u'\n'));
+    if (done)
+        FireDone(body.size());
+    else
+        FireError(strings.join(u'\n'));
     return done;
 }
 
 bool TD10_4_Downloader::DownloadAsStream(QIODevice& stream)
 {
     const bool done = Fetch(stream);
-    if (done && FOnDoneFileEvent)
-        FOnDoneFileEvent(*this, {}, Int32(stream.size()));
-    if (!done && FDownloaderErrorEvent)
-        FDownloaderErrorEvent(*this, ErrorTypeOf(FAnswer.Failure), FAnswer.Status, FAnswer.Reason);
+    if (done)
+        FireDone(stream.size());
+    else
+        FireError(FAnswer.Reason);
     return done;
 }
 
@@ -311,7 +336,7 @@ void TDownloaderThread::Execute()
 
 QString ConnectionTestURL() { return u"https://www.wikipedia.org/"_s; }
 
-bool TestConnection(const QString& url)
+bool TestConnection(const QString& url, const std::stop_token& stop)
 {
     QTemporaryFile file(QDir::tempPath() + u"/XXXXXX.tmp"_s);
     if (!file.open())
@@ -320,8 +345,10 @@ bool TestConnection(const QString& url)
     file.close();
     const auto cookies = ChooseCookieManagerClass()();
     const auto transport = ChooseDownloaderClass()(cookies.get());
+    const std::stop_callback abort(stop, [&] { transport->AbortDownload(); });
     transport->SetFilename(path);
     transport->SetURL(url);
+    transport->SetAgent(Defaults().OEM.HTTPAgent);
     transport->SetMaxBytes(16 * 1024 * 1024);
     return transport->DownloadBinary(false) && QFile::exists(path);
 }

@@ -41,6 +41,9 @@ public:
     EInvalidEncoding() : std::runtime_error("Invalid encoding") {}
 };
 
+/// The lines of a text, empty ones too; any kind of line end.
+QStringList TextLines(const QString& text);
+
 /// The error type under which a failure is reported.
 TDownloaderErrorType ErrorTypeOf(TDownloadFailure failure);
 
@@ -94,6 +97,11 @@ protected:
     /// The request as this transport makes it.
     virtual THttpRequest MakeRequest() const = 0;
     virtual bool Succeeded(const THttpAnswer& answer) const = 0;
+    /// What the done event is told, and the kind of a failure.
+    virtual QString DoneContentType() const { return FContentType; }
+    virtual TDownloaderErrorType ErrorType() const { return ErrorTypeOf(FAnswer.Failure); }
+    void FireDone(qint64 size);
+    void FireError(const QString& text);
     /// One request into the device, which is rewound after it.
     bool Fetch(QIODevice& into);
     /// The same into Filename, opened in this way.
@@ -157,6 +165,9 @@ public:
 protected:
     THttpRequest MakeRequest() const override;
     bool Succeeded(const THttpAnswer& answer) const override;
+    QString DoneContentType() const override { return {}; }
+    /// All failures but an abort are one kind here.
+    TDownloaderErrorType ErrorType() const override;
 };
 
 /// Classes of transports and cookie managers, as operations.
@@ -196,7 +207,7 @@ private:
 
 /// The address that a test of the connection asks for.
 QString ConnectionTestURL();
-/// True when the address can be fetched into a file. Blocks.
-bool TestConnection(const QString& url = ConnectionTestURL());
+/// True when the address can be fetched into a file. Blocks until that is known or it is asked to stop.
+bool TestConnection(const QString& url = ConnectionTestURL(), const std::stop_token& stop = {});
 
 } // namespace Kestrune

@@ -114,7 +114,8 @@ void SetNetworkSettings(const TNetworkSettings& settings)
 TNetworkSettings NetworkSettingsFrom(const TDefaults& settings)
 {
     TNetworkSettings network = NetworkSettings();
-    network.ProxyHost = settings.InetAccess == 1 ? QString() : settings.ProxyHost.trimmed();
+    network.Direct = settings.InetAccess == 1;
+    network.ProxyHost = settings.ProxyHost.trimmed();
     network.ProxyPort = settings.ProxyPort;
     network.ProxyUsername = settings.ProxyUsername;
     network.ProxyPassword = settings.ProxyPassword;
@@ -164,6 +165,8 @@ struct THttpClient::TTransfer {
     {
         auto& my = *static_cast<TTransfer*>(self);
         const auto size = static_cast<qint64>(one * count);
+        if (my.IsRedirect())
+            return one * count; // the body of a redirect is nobody's
         // An endless body ends here, whatever length its server told.
         my.TooLarge = my.Request.MaxBytes > 0 && my.Read + size > my.Request.MaxBytes;
         if (my.TooLarge)
@@ -171,6 +174,13 @@ struct THttpClient::TTransfer {
         my.Read += size;
         my.SinkFailed = !my.Sink(bytes, size);
         return my.SinkFailed ? 0 : one * count;
+    }
+
+    bool IsRedirect() const
+    {
+        long status = 0;
+        curl_easy_getinfo(Easy.get(), CURLINFO_RESPONSE_CODE, &status);
+        return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
     }
 
     static size_t Header(char* bytes, size_t one, size_t count, void* self)
@@ -205,11 +215,9 @@ void THttpClient::TTransfer::SetUp(const QByteArray& url, bool verify)
 {
     const TNetworkSettings& settings = Client.FSettings;
     Set(CURLOPT_NOSIGNAL, 1L);
+    Set(CURLOPT_QUICK_EXIT, 1L); // a resolver that hangs does not hold up who aborts
     Set(CURLOPT_URL, url.constData());
     Set(CURLOPT_PROTOCOLS_STR, "http,https");
-    Set(CURLOPT_REDIR_PROTOCOLS_STR, "http,https");
-    Set(CURLOPT_FOLLOWLOCATION, 1L);
-    Set(CURLOPT_MAXREDIRS, static_cast<long>(Request.MaxRedirects));
     Set(CURLOPT_ACCEPT_ENCODING, "");
     Set(CURLOPT_COOKIEFILE, "");
     Set(CURLOPT_ERRORBUFFER, Error);
@@ -256,7 +264,9 @@ void THttpClient::TTransfer::SetUp(const QByteArray& url, bool verify)
 
 void THttpClient::TTransfer::SetUpProxy(const TNetworkSettings& settings)
 {
-    if (settings.ProxyHost.isEmpty())
+    if (settings.Direct)
+        Set(CURLOPT_PROXY, "");
+    if (settings.Direct || settings.ProxyHost.isEmpty())
         return;
     Set(CURLOPT_PROXY, settings.ProxyHost.toUtf8().constData());
     Set(CURLOPT_NOPROXY, "");
@@ -328,32 +338,72 @@ THttpAnswer THttpClient::Perform(const THttpRequest& request, const TSink& sink,
             answer.Failure = dfOther;
         return answer;
     }
-    const QString host = HostOfURL(request.URL);
-    THttpAnswer answer;
-    if (host.isEmpty()) {
-        answer.Failure = dfBadURL;
-        return answer;
-    }
-    if (!HostLimiter().Enter(host, Pace, FAborted, OnWaiting)) {
-        answer.Failure = dfAborted;
-        return answer;
-    }
     const std::shared_ptr<THttpObserver> observer = CurrentObserver();
     QByteArray seen;
     const TSink both = [&](const char* bytes, qint64 size) {
         seen.append(bytes, size);
         return sink(bytes, size);
     };
-    answer = Transfer(request, observer ? both : sink, progress);
-    HostLimiter().Leave(host);
+    // Redirects are followed here and not by the library, so that each host on the way is asked at its own pace.
+    THttpRequest next = request;
+    THttpAnswer answer;
+    for (int hop = 0;; ++hop) {
+        QString redirectedTo;
+        const int status = answer.Status;
+        answer = Hop(next, observer ? both : sink, progress, redirectedTo);
+        if (answer.Status == 0)
+            answer.Status = status; // what led here
+        if (redirectedTo.isEmpty())
+            break;
+        if (hop == request.MaxRedirects) {
+            answer.Failure = dfOther;
+            answer.Reason = u"more than %1 redirects"_s.arg(request.MaxRedirects);
+            break;
+        }
+        next.URL = redirectedTo;
+        // As browsers do: only these two repeat a form (RFC 9110, section 15.4).
+        if (answer.Status != 307 && answer.Status != 308) {
+            next.Body.reset();
+            next.BodyType.clear();
+        }
+    }
     if (observer && answer.Arrived())
         observer->Answered(request, answer, seen);
     return answer;
 }
 
-THttpAnswer THttpClient::Transfer(const THttpRequest& request, const TSink& sink, const TProgress& progress)
+// One request, when its host may be asked.
+THttpAnswer THttpClient::Hop(const THttpRequest& request, const TSink& sink, const TProgress& progress,
+                             QString& redirectedTo)
 {
-    QByteArray url = EncodeURL(request.URL);
+    const QString host = HostOfURL(request.URL);
+    THttpAnswer answer;
+    if (host.isEmpty()) {
+        answer.Failure = dfBadURL;
+        answer.Reason = u"no host in the address"_s;
+        return answer;
+    }
+    bool waited = false;
+    const auto waiting = [&](int milliseconds) {
+        waited = true;
+        if (OnWaiting)
+            OnWaiting(milliseconds);
+    };
+    if (!HostLimiter().Enter(host, Pace, FAborted, waiting)) {
+        answer.Failure = dfAborted;
+        return answer;
+    }
+    if (waited && OnWaiting)
+        OnWaiting(0);
+    answer = Transfer(request, sink, progress, redirectedTo);
+    HostLimiter().Leave(host);
+    return answer;
+}
+
+THttpAnswer THttpClient::Transfer(const THttpRequest& request, const TSink& sink, const TProgress& progress,
+                                  QString& redirectedTo)
+{
+    const QByteArray url = EncodeURL(request.URL);
     // The strict check comes first, so that a certificate which fails it is known by its reason; the handshake fails
     // before the request is sent, which then goes out unchecked.
     auto transfer = std::make_unique<TTransfer>(request, sink, progress, *this);
@@ -362,10 +412,6 @@ THttpAnswer THttpClient::Transfer(const THttpRequest& request, const TSink& sink
     if (FailureOf(code) == dfCertificate) {
         DebugLog(u"[Net] certificate of %1: %2"_s.arg(HostOfURL(request.URL), QString::fromUtf8(transfer->Error)));
         if (!FSettings.VerifyCertificates) {
-            char* reached = nullptr; // where a redirect led
-            curl_easy_getinfo(transfer->Easy.get(), CURLINFO_EFFECTIVE_URL, &reached);
-            if (reached)
-                url = reached;
             if (FCookies)
                 FCookies->Detach(transfer->Easy.get());
             transfer = std::make_unique<TTransfer>(request, sink, progress, *this);
@@ -402,14 +448,14 @@ THttpAnswer THttpClient::Transfer(const THttpRequest& request, const TSink& sink
         answer.Reason = code == CURLE_OK
                             ? u"%1 %2"_s.arg(status).arg(answer.StatusText)
                             : QString::fromUtf8(transfer->Error[0] ? transfer->Error : curl_easy_strerror(code));
+    char* location = nullptr;
+    curl_easy_getinfo(easy, CURLINFO_REDIRECT_URL, &location);
+    if (code == CURLE_OK && location && transfer->IsRedirect())
+        redirectedTo = QString::fromUtf8(location);
     curl_off_t retryAfter = 0;
     curl_easy_getinfo(easy, CURLINFO_RETRY_AFTER, &retryAfter);
-    if ((status == 429 || status == 503) && retryAfter > 0) {
-        char* reached = nullptr;
-        curl_easy_getinfo(easy, CURLINFO_EFFECTIVE_URL, &reached);
-        HostLimiter().Delay(HostOfURL(QString::fromUtf8(reached)),
-                            std::chrono::seconds(std::min<curl_off_t>(retryAfter, 86400)));
-    }
+    if ((status == 429 || status == 503) && retryAfter > 0)
+        HostLimiter().Delay(HostOfURL(request.URL), std::chrono::seconds(std::min<curl_off_t>(retryAfter, 86400)));
     return answer;
 }
 

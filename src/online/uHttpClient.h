@@ -35,7 +35,8 @@ using enum TDownloadFailure;
 
 /// How the process reaches the network.
 struct TNetworkSettings {
-    QString ProxyHost; ///< empty: directly
+    QString ProxyHost;   ///< empty: what the environment names, or directly
+    bool Direct = false; ///< no proxy, whatever the environment names
     int ProxyPort = 0;
     QString ProxyUsername, ProxyPassword;
     bool VerifyCertificates = false; ///< off: every certificate is taken and failed checks go to the debug log
@@ -121,12 +122,14 @@ public:
 
     /// Least milliseconds between requests to the same host; the host's own pace may be larger.
     int Pace = 0;
-    /// Told from the thread of the request when the host has to be waited for.
+    /// Told from the thread of the request when the host has to be waited for, and with 0 when the wait is over.
     std::function<void(int milliseconds)> OnWaiting;
 
 private:
     struct TTransfer;
-    THttpAnswer Transfer(const THttpRequest& request, const TSink& sink, const TProgress& progress);
+    THttpAnswer Hop(const THttpRequest& request, const TSink& sink, const TProgress& progress, QString& redirectedTo);
+    THttpAnswer Transfer(const THttpRequest& request, const TSink& sink, const TProgress& progress,
+                         QString& redirectedTo);
 
     TCookieManagerComponent* FCookies;
     TNetworkSettings FSettings;

@@ -60,11 +60,12 @@ public:
     /// Names of the private keys that the URL asks for and that the product identity does not have.
     QStringList MissingKeys() const;
 
-    /// Reads the attributes of an element; of a search entry also those that only it has.
+    /// Reads the attributes that services and search entries have.
     static std::unique_ptr<TInfoGrabberServiceAction> FromElement(const TXmlElement& element, const QString& name,
                                                                   TInfoGrabberServiceActionType type);
 
 private:
+    friend class TInfoGrabber;
     QString FName;
     QString FURL;
     QString FTranform;

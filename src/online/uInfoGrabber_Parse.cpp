@@ -85,7 +85,6 @@ std::unique_ptr<TInfoGrabberServiceAction> TInfoGrabberServiceAction::FromElemen
     action->FSign = TextOf(element, u"Sign"_s);
     action->FSignMethod = TextOf(element, u"signmethod"_s);
     action->FSignPrivateKey = TextOf(element, u"signprivatekey"_s);
-    action->FNeedToDownloadExtraInfo = FlagOf(element, u"NeedToDownloadExtraInfo"_s);
     return action;
 }
 
@@ -135,9 +134,12 @@ void TInfoGrabber::ParseSearch(const TXmlElement& root, const QString& section, 
         return;
     auto search = std::make_unique<TInfoGrabberSearch>(type);
     for (const TXmlElement& child : found.Children()) {
-        if (child.Name().toLower() == "search"_L1)
-            search->FItems.push_back(
-                TInfoGrabberServiceAction::FromElement(child, TextOf(child, u"ServiceName"_s), satSearch));
+        if (child.Name().toLower() != "search"_L1)
+            continue;
+        auto entry = TInfoGrabberServiceAction::FromElement(child, TextOf(child, u"ServiceName"_s), satSearch);
+        // Only here: a full record that asked for another would never end.
+        entry->FNeedToDownloadExtraInfo = FlagOf(child, u"NeedToDownloadExtraInfo"_s);
+        search->FItems.push_back(std::move(entry));
     }
     FItems.push_back(std::move(search));
 }

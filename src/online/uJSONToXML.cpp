@@ -2,7 +2,6 @@
 #include "uJSONToXML.h"
 
 #include "uDebugLog.h"
-#include "uDictionaries.h"
 
 #include <rapidjson/error/en.h>
 #include <rapidjson/memorystream.h>
@@ -148,7 +147,9 @@ QString JSONToXML(const QString& json) { return QString::fromUtf8(JSONToXML(json
 
 void TJSONTextDownloader::PostResult(QStringList lines)
 {
-    TTextDownloader::PostResult(SplitLines(JSONToXML(lines.join(u'\n'))));
+    QString error;
+    const QByteArray xml = JSONToXML(lines.join(u'\n').toUtf8(), &error);
+    PostLines(TextLines(QString::fromUtf8(xml)), error);
 }
 
 } // namespace Kestrune

@@ -13,7 +13,8 @@
 #include <QUrl>
 
 #include <chrono>
-#include <thread>
+#include <condition_variable>
+#include <mutex>
 
 namespace Kestrune {
 
@@ -90,8 +91,11 @@ bool NormaliseAnswer(const TInfoGrabber& grabber, const TInfoGrabberServiceActio
     }
 }
 
-TReleaseFetch::TReleaseFetch(const TInfoGrabber& grabber)
-    : FGrabber(grabber), FCookies(ChooseCookieManagerClass()()), FTransport(ChooseDownloaderClass()(FCookies.get()))
+TReleaseFetch::TReleaseFetch(const TInfoGrabber& grabber, std::stop_token stop)
+    : FGrabber(grabber),
+      FStop(std::move(stop)),
+      FCookies(ChooseCookieManagerClass()()),
+      FTransport(ChooseDownloaderClass()(FCookies.get()))
 {
     FTransport->SetAgent(Defaults().OEM.HTTPAgent);
     FTransport->SetMaxBytes(TTextDownloader::MaxBytes);
@@ -106,6 +110,7 @@ bool TReleaseFetch::FetchDocument(const TInfoGrabberServiceAction& action, const
     FNotFound = false;
     FTransport->SetURL(params.ReplaceWithParams(action.URL()));
     QStringList lines;
+    const std::stop_callback abort(FStop, [this] { FTransport->AbortDownload(); });
     try {
         if (!FTransport->DownloadAsTStrings(lines, action.CodePage())) {
             FError = FTransport->Answer().Reason;
@@ -171,7 +176,12 @@ bool TReleaseFetch::FetchDetails(const TInfoGrabberServiceAction& action, std::u
     if (!details)
         return true; // the summary is all that there is
     release.reset();
-    std::this_thread::sleep_for(std::chrono::milliseconds(DetailPause));
+    std::mutex lock;
+    std::unique_lock held(lock);
+    std::condition_variable_any ended;
+    if (ended.wait_for(held, FStop, std::chrono::milliseconds(DetailPause), [] { return false; }) ||
+        FStop.stop_requested())
+        return false;
     return FetchRelease(*details, params, release);
 }
 

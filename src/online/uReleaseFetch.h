@@ -35,7 +35,8 @@ void ResolvePictureURLs(TAlbumRelease& release, const QString& requestURL);
 /// Fetches from a service on the thread that calls; one object for one logical client, whose requests share cookies.
 class TReleaseFetch {
 public:
-    explicit TReleaseFetch(const TInfoGrabber& grabber);
+    /// Requests and pauses end at once when `stop` is asked for.
+    explicit TReleaseFetch(const TInfoGrabber& grabber, std::stop_token stop = {});
     ~TReleaseFetch();
 
     /// The first release of the answer, with its pictures; where the action gives summaries only, the full record that
@@ -61,6 +62,7 @@ private:
                        bool firstOnly);
 
     const TInfoGrabber& FGrabber;
+    std::stop_token FStop;
     std::unique_ptr<TCookieManagerComponent> FCookies;
     std::unique_ptr<TDownloader> FTransport;
     QString FError;

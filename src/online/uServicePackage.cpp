@@ -185,7 +185,7 @@ QString ServicesZipURL(const QString& endpoint)
     return endpoint + (endpoint.endsWith(u'/') ? QString() : u"/"_s) + u"Services.zip"_s;
 }
 
-bool InstallServicePackage(const QString& zipPath, const QString& folder, QString& error)
+bool InstallServicePackage(const QString& zipPath, const QString& folder, QString& error, const std::stop_token& stop)
 {
     int code = 0;
     const TZip archive(zip_open(QFile::encodeName(zipPath).constData(), ZIP_RDONLY | ZIP_CHECKCONS, &code));
@@ -208,6 +208,8 @@ bool InstallServicePackage(const QString& zipPath, const QString& folder, QStrin
             QDir().mkpath(path);
         else
             error = UnpackFile(*archive, entry, path);
+        if (stop.stop_requested())
+            error = u"stopped"_s;
         if (!error.isEmpty())
             return false;
     }

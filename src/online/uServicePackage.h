@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include <optional>
+#include <stop_token>
 
 namespace Kestrune {
 
@@ -37,6 +38,8 @@ QString ServicesZipURL(const QString& endpoint);
 /// Unpacks a package over the folder. All is unpacked aside and looked at first: entries that lead out of the folder,
 /// links and sizes beyond all reason refuse the whole package, and nothing is changed. Files that the package does not
 /// have stay. False with a sentence in `error`.
-bool InstallServicePackage(const QString& zipPath, const QString& folder, QString& error);
+/// `stop` is looked at until the first file is moved.
+bool InstallServicePackage(const QString& zipPath, const QString& folder, QString& error,
+                           const std::stop_token& stop = {});
 
 } // namespace Kestrune

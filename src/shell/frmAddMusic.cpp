@@ -7,7 +7,6 @@
 #include "uDictionaries.h"
 #include "uJSONToXML.h"
 #include "uPrompt.h"
-#include "uSearchParams.h"
 #include "uTHStrings.h"
 #include "uWaitCursor.h"
 
@@ -21,6 +20,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int SimultaneousDownloads = 5;
+constexpr int MostBarcodes = 500; // a tab each
 
 // A code that was scanned or copied with blanks or hyphens between its digits.
 QString CleanBarcode(const QString& line)
@@ -54,6 +54,8 @@ TAddMusicForm::TAddMusicForm(TInfoGrabber& grabber, TDataModuleMain& data, TProm
     FDownloadQueue->SetMaxSimultaneousThreads(SimultaneousDownloads);
     FDownloadQueue->FAgent = Defaults().OEM.HTTPAgent;
     FDownloadQueue->FOnNewStatusEvent = [this](int, const QString& text) {
+        if (FClosed)
+            return;
         FStatusText = text;
         Q_EMIT updated();
     };
@@ -63,10 +65,11 @@ TAddMusicForm::TAddMusicForm(TInfoGrabber& grabber, TDataModuleMain& data, TProm
     };
     FDownloadQueue->OnAllThreadsTerminated = [this] {
         FProgressMaximum = FProgressPosition = 0;
-        FStatusText = GetLanguageString(u"cSDownloadComplete"_s);
+        FStatusText = GetLanguageString(FDiscFailed ? u"cSDiscNotRead"_s : u"cSDownloadComplete"_s);
         FSearchJobs.clear();
         Q_EMIT updated();
-        NextBarcode();
+        if (!FBarcodesLeft.isEmpty())
+            PostUserMessage(Handle(), {WM_USER_NEXT_BARCODE, nullptr, nullptr});
     };
     FDownloadQueue->FOnThreadsCountChange = [this](int waiting, int running, int total) {
         DebugLog(u"OnThreadsCountChange WaitingCount = %1, RunningCount = %2, TotalThreads = %3"_s.arg(waiting)
@@ -88,13 +91,17 @@ TAddMusicForm::TAddMusicForm(TInfoGrabber& grabber, TDataModuleMain& data, TProm
         FDrive = FDrives.front();
 }
 
+// Events are served while the last jobs end: nothing of them may be taken for news.
 TAddMusicForm::~TAddMusicForm()
 {
-    FDownloadQueue.reset(); // its threads tell this form
+    FClosed = true;
+    FDownloadQueue->Terminate();
+    FDownloadQueue->WaitFor();
 }
 
 void TAddMusicForm::FormShow()
 {
+    FClosed = false;
     FDrives = ListDrives();
     if (FDrive.isEmpty() && !FDrives.isEmpty())
         FDrive = FDrives.front();
@@ -104,6 +111,7 @@ void TAddMusicForm::FormShow()
 
 void TAddMusicForm::FormClose()
 {
+    FClosed = true;
     actStop();
     actClear();
 }
@@ -118,6 +126,7 @@ void TAddMusicForm::SetDrive(const QString& drive)
 {
     FDrive = drive;
     Defaults().DefaultCD = drive;
+    Q_EMIT updated();
 }
 
 int& TAddMusicForm::MaskOf(TSearchArea area) const
@@ -215,7 +224,7 @@ void TAddMusicForm::actSearchByBarcode()
         return;
     FBarcodesLeft.clear();
     for (const QString& line : SplitLines(Barcodes)) {
-        if (const QString code = CleanBarcode(line); !code.isEmpty())
+        if (const QString code = CleanBarcode(line); !code.isEmpty() && FBarcodesLeft.size() < MostBarcodes)
             FBarcodesLeft.append(code);
     }
     if (FBarcodesLeft.isEmpty())
@@ -251,32 +260,32 @@ void TAddMusicForm::actSearchByCD()
     struct TRead {
         std::optional<TWaitCursor> Cursor{std::in_place};
         TDiscTexts Texts;
-        QString Error;
     };
     const auto result = std::make_shared<TRead>();
     FDiscReader = std::make_unique<TTaskThread>([read = ReadDisc, drive = FDrive, result](std::stop_token) {
-        if (!read(drive, result->Texts, result->Error))
+        QString error; // goes to the debug log
+        if (!read(drive, result->Texts, error))
             result->Texts = {};
     });
     FDiscReader->OnTerminate = [this, result] {
         result->Cursor.reset();
-        DiscRead(result->Texts, result->Error);
+        DiscRead(result->Texts);
     };
     FDiscReader->Start();
 }
 
 // A disc that was not read is searched for as well, with empty texts.
-void TAddMusicForm::DiscRead(const TDiscTexts& texts, const QString& error)
+void TAddMusicForm::DiscRead(const TDiscTexts& texts)
 {
     FReadingDisc = false;
+    if (FClosed)
+        return;
     FCachedTOC = texts.TOC;
     FCachedTOC_Microsoft = texts.TOC_Microsoft;
     FCachedDiscID = texts.DiscID;
     FCachedTOC_DECIMAL = texts.TOC_DECIMAL;
+    FDiscFailed = texts.DiscID.isEmpty();
     StartSearch(stCDDB, saCD);
-    if (texts.DiscID.isEmpty())
-        FStatusText = error.isEmpty() ? GetLanguageString(u"cSDiscNotRead"_s) : error;
-    Q_EMIT updated();
 }
 
 QString TAddMusicForm::TabCaption(TInfoGrabberSearchType type) const
@@ -304,7 +313,11 @@ void TAddMusicForm::StartSearch(TInfoGrabberSearchType type, TSearchArea area)
     tab.CurrentSearch = CurrentSearch;
     tab.Area = area;
     tab.Caption = TabCaption(type);
-    tab.Barcode = FBarcode;
+    tab.Words = {FBarcode, CatalogNo.trimmed(), Artist.trimmed(), ReleaseTitle.trimmed(), {}};
+    if (type == stCDDB)
+        tab.Words.Disc = TDiscWords{FCachedDiscID, FCachedTOC, FCachedTOC_Microsoft, FCachedTOC_DECIMAL};
+    else
+        FDiscFailed = false;
     tab.Services.clear();
     FSearchJobs.clear();
     for (int i = 0; CurrentSearch && i < CurrentSearch->Count(); ++i) {
@@ -325,14 +338,12 @@ void TAddMusicForm::StartSearch(TInfoGrabberSearchType type, TSearchArea area)
 void TAddMusicForm::AddSearchJob(TSearchTab& tab, size_t service)
 {
     const TInfoGrabberServiceAction& entry = tab.CurrentSearch->GetItem(static_cast<int>(service));
-    TSearchWords words{tab.Barcode, CatalogNo.trimmed(), Artist.trimmed(), ReleaseTitle.trimmed(), {}};
-    if (tab.CurrentSearch->SearchType() == stCDDB)
-        words.Disc = TDiscWords{FCachedDiscID, FCachedTOC, FCachedTOC_Microsoft, FCachedTOC_DECIMAL};
-    FillSearchParams(FParams, words, entry);
+    FillSearchParams(FParams, tab.Words, entry);
     const QString url = FParams.ReplaceWithParams(entry.URL());
     auto message = std::make_unique<TMsgObjWM_USER_METADATA_TEXT_SEARCH>();
     message->Action = &entry;
     message->Grid = tab.Id;
+    message->Service = service;
     tab.Services[service].State = ssSearching;
     tab.Services[service].Reason.clear();
     FSearchJobs.emplace(url, TJobOwner{tab.Id, service});
@@ -362,7 +373,8 @@ void TAddMusicForm::actTestConnection()
     if (FTest)
         return;
     const auto good = std::make_shared<bool>(false);
-    FTest = std::make_unique<TTaskThread>([good, url = TestURL](std::stop_token) { *good = TestConnection(url); });
+    FTest = std::make_unique<TTaskThread>(
+        [good, url = TestURL](std::stop_token stop) { *good = TestConnection(url, stop); });
     FTest->OnTerminate = [this, good] {
         const bool result = *good;
         FTest.reset();
@@ -380,9 +392,20 @@ void TAddMusicForm::ExplainKey() { FPrompt.ShowInformation(GetLanguageString(u"c
 
 void TAddMusicForm::actEjectCD()
 {
-    if (FDrive.isEmpty() || EjectDrive(FDrive))
+    if (!EjectEnabled())
         return;
-    FStatusText = FormatText(GetLanguageString(u"cSEjectFailed"_s), {FDrive});
+    // A drive takes its time.
+    const auto done = std::make_shared<bool>(false);
+    FEject = std::make_unique<TTaskThread>(
+        [eject = EjectDrive, drive = FDrive, done](std::stop_token) { *done = eject(drive); });
+    FEject->OnTerminate = [this, drive = FDrive, done] {
+        const bool opened = *done;
+        FEject.reset();
+        if (!opened)
+            FStatusText = FormatText(GetLanguageString(u"cSEjectFailed"_s), {drive});
+        Q_EMIT updated();
+    };
+    FEject->Start();
     Q_EMIT updated();
 }
 

@@ -8,6 +8,7 @@
 #include "uKRNParams.h"
 #include "uObjs.h"
 #include "uOwnedReleases.h"
+#include "uSearchParams.h"
 
 #include <QDateTime>
 #include <QImage>
@@ -41,7 +42,7 @@ struct TSearchHit {
     QString Artist, ReleaseName, ReleaseYear, Label, CatalogNo, Country, Type;
     std::unique_ptr<TAlbumRelease> DataPointer; ///< null once the release was saved
     bool Fetched = false;                       ///< the full record was asked for
-    bool Complete = false;                      ///< the full record is there, or the service has no other
+    bool Complete = false;                      ///< the full record is there, or there is no other
     bool Yours = false;                         ///< the collection holds it already
 };
 
@@ -63,7 +64,7 @@ struct TSearchTab {
     QString Caption;
     TSearchArea Area = saArtistOrRelease;
     const TInfoGrabberSearch* CurrentSearch = nullptr; ///< the search that fills it
-    QString Barcode;                                   ///< searched for
+    TSearchWords Words;                                ///< searched for; a retry asks for the same
     std::vector<TSearchHit> Hits;
     std::vector<qint64> Selection; ///< in the order in which they were selected
     qint64 Focused = 0;
@@ -141,6 +142,7 @@ public:
     bool SaveEnabled() const;
     bool RetryEnabled() const { return !Busy(); }
     bool TestEnabled() const { return !FTest; }
+    bool EjectEnabled() const { return !FDrive.isEmpty() && !FEject; }
     /// Why search or save cannot be used now; empty when it can.
     QString SearchHint() const;
     QString SaveHint() const;
@@ -195,6 +197,8 @@ Q_SIGNALS:
     void closeRequested();
 
 private:
+    /// A code that waits to be searched for.
+    static constexpr int WM_USER_NEXT_BARCODE = WM_USER + 7;
     struct TJobOwner {
         qint64 Tab;
         size_t Service;
@@ -220,12 +224,11 @@ private:
     void LargeArrived(TUserMessage& message);
     void AskForRecord(TSearchTab& tab, TSearchHit& hit);
     void AskForLargeCover(TSearchTab& tab, TSearchHit& hit, bool withParams);
-    TServiceStatus* StatusOf(TSearchTab& tab, const QString& service);
     void JobEvent(const TJobReport& report);
     void SetReason(TServiceStatus& status, const TJobReport& report, const TInfoGrabberServiceAction& action);
     void MarkOwned();
     int& MaskOf(TSearchArea area) const;
-    void DiscRead(const TDiscTexts& texts, const QString& error);
+    void DiscRead(const TDiscTexts& texts);
 
     TInfoGrabber& FGrabber;
     TPrompt& FPrompt;
@@ -252,11 +255,14 @@ private:
     QStringList FBarcodesLeft; // to be worked off
     std::multimap<QString, TJobOwner> FSearchJobs;
     QString FStatusText;
+    bool FDiscFailed = false; // told again when the downloads are done
+    bool FClosed = false;     // the window is: late answers find nobody
     int FProgressMaximum = 0;
     int FProgressPosition = 0;
     TOwnedReleases FOwned;
     std::unique_ptr<TTaskThread> FDiscReader;
     std::unique_ptr<TTaskThread> FTest;
+    std::unique_ptr<TTaskThread> FEject;
     std::unique_ptr<TDownloadQueue> FDownloadQueue;
 };
 

@@ -20,8 +20,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int ThumbSide = 256; // pixels kept of a thumbnail for its card
-
 template <class TObject>
 std::unique_ptr<TObject> MakeMessage(const TSearchTab& tab, const TSearchHit& hit)
 {
@@ -29,12 +27,6 @@ std::unique_ptr<TObject> MakeMessage(const TSearchTab& tab, const TSearchHit& hi
     message->RecordIndex = hit.RecordIndex;
     message->Grid = tab.Id;
     return message;
-}
-
-QString JoinedAnswer(const TUserMessage& message)
-{
-    const auto* answer = dynamic_cast<const TTextAnswer*>(message.WParam.get());
-    return answer ? answer->Lines.join(u'\n') : QString();
 }
 
 const QStringList& DetailColumns()
@@ -128,19 +120,16 @@ TDetailData BuildReleaseDetails(const TAlbumRelease& release)
 
 void TAddMusicForm::HandleMessage(TUserMessage& message)
 {
+    if (FClosed)
+        return;
     switch (message.Number) {
+    case WM_USER_NEXT_BARCODE: return NextBarcode();
     case WM_USER_METADATA_TEXT_SEARCH: return TextArrived(message);
     case WM_USER_METADATA_TEXT_EXTRA_INFO: return ExtraInfoArrived(message);
     case WM_USER_METADATA_THUMB_PICTURE: return ThumbArrived(message);
     case WM_USER_METADATA_LARGE_PICTURE: return LargeArrived(message);
     default: return;
     }
-}
-
-TServiceStatus* TAddMusicForm::StatusOf(TSearchTab& tab, const QString& service)
-{
-    const auto found = std::ranges::find(tab.Services, service, &TServiceStatus::Name);
-    return found == tab.Services.end() ? nullptr : &*found;
 }
 
 void TAddMusicForm::FillRows(TSearchHit& hit)
@@ -168,7 +157,8 @@ void TAddMusicForm::FillResults(const TInfoGrabberServiceAction& action, TSearch
         hit.DataPointer = std::make_unique<TAlbumRelease>();
         LoadAlbumReleaseFromNode(*hit.DataPointer, node);
         ResolvePictureURLs(*hit.DataPointer, action.RawURL());
-        hit.Complete = !action.NeedToDownloadExtraInfo();
+        const TInfoGrabberService* service = FGrabber.InfoGrabberServices().GetServiceByName(action.Name());
+        hit.Complete = !action.NeedToDownloadExtraInfo() || !service || !service->GetActionByType(satGetRelease);
         FillRows(hit);
         for (const auto& picture : hit.DataPointer->Pictures) {
             if (!picture->URL().isEmpty())
@@ -189,21 +179,25 @@ void TAddMusicForm::TextArrived(TUserMessage& message)
     TSearchTab* tab = FindTab(search.Grid);
     if (!tab || !action)
         return;
-    TServiceStatus* status = StatusOf(*tab, action->Name());
+    const auto* text = dynamic_cast<const TTextAnswer*>(message.WParam.get());
+    if (!text)
+        return;
     QByteArray document;
-    QString reason;
+    QString reason = text->Error;
     std::vector<TXmlElement> nodes;
-    const QString answer = JoinedAnswer(message);
-    const bool understood = NormaliseAnswer(FGrabber, *action, answer.toUtf8(), document, &reason);
-    const auto parsed = understood ? TXmlDocument::Parse(document, &reason) : std::nullopt;
-    if (parsed)
-        FindReleases(*parsed, nodes);
-    if (status) {
-        status->Found = static_cast<int>(nodes.size());
-        status->State = understood ? ssFound : ssFailed;
-        status->Reason = understood ? QString() : GetLanguageString(u"cSReasonNotUnderstood"_s);
+    const bool done = NormaliseAnswer(FGrabber, *action, text->Lines.join(u'\n').toUtf8(), document,
+                                      reason.isEmpty() ? &reason : nullptr);
+    const auto parsed = done ? TXmlDocument::Parse(document, reason.isEmpty() ? &reason : nullptr) : std::nullopt;
+    const bool understood = parsed && FindReleases(*parsed, nodes) && text->Error.isEmpty();
+    if (!understood)
+        DebugLog(u"[Search] %1: %2"_s.arg(action->Name(), reason));
+    if (search.Service < tab->Services.size()) {
+        TServiceStatus& status = tab->Services[search.Service];
+        status.Found = static_cast<int>(nodes.size());
+        status.State = understood ? ssFound : ssFailed;
+        status.Reason = understood ? QString() : GetLanguageString(u"cSReasonNotUnderstood"_s);
         if (nodes.empty() && !action->MissingKeys().isEmpty())
-            status->State = ssNeedsKey;
+            status.State = ssNeedsKey;
     }
     FillResults(*action, *tab, nodes);
     Q_EMIT updated();
@@ -240,7 +234,8 @@ void TAddMusicForm::SetReason(TServiceStatus& status, const TJobReport& report, 
     case dfBadURL: status.Reason = text(u"cSReasonBadURL"); break;
     default: status.Reason = text(u"cSReasonOther"); break;
     }
-    if (!action.MissingKeys().isEmpty())
+    const bool refused = report.Failure == dfHTTP && report.Status >= 400 && report.Status <= 403;
+    if (refused && !action.MissingKeys().isEmpty())
         status.State = ssNeedsKey;
 }
 
@@ -332,7 +327,8 @@ void TAddMusicForm::ExtraInfoArrived(TUserMessage& message)
     const TInfoGrabberServiceAction* action = service ? service->GetActionByType(satGetRelease) : nullptr;
     QByteArray document;
     std::vector<TXmlElement> nodes;
-    if (!action || !NormaliseAnswer(FGrabber, *action, JoinedAnswer(message).toUtf8(), document))
+    const auto* text = dynamic_cast<const TTextAnswer*>(message.WParam.get());
+    if (!action || !text || !NormaliseAnswer(FGrabber, *action, text->Lines.join(u'\n').toUtf8(), document))
         return;
     const auto parsed = TXmlDocument::Parse(document);
     if (!parsed || !FindReleases(*parsed, nodes) || nodes.empty())
@@ -351,20 +347,19 @@ void TAddMusicForm::ExtraInfoArrived(TUserMessage& message)
 void TAddMusicForm::ThumbArrived(TUserMessage& message)
 {
     const auto& object = static_cast<const TMsgObjHit&>(*message.LParam);
-    const auto& answer = static_cast<const TPictureAnswer&>(*message.WParam);
+    // A picture may share its address with a text that somebody else asked for.
+    const auto* answer = dynamic_cast<const TPictureAnswer*>(message.WParam.get());
     TSearchTab* tab = FindTab(object.Grid);
     TSearchHit* hit = tab ? FindHit(*tab, object.RecordIndex) : nullptr;
-    if (!hit)
+    if (!hit || !answer)
         return;
-    if (answer.Image.size() == QSize(1, 1)) { // how some services say that they have none
+    if (answer->Image.size() == QSize(1, 1)) { // how some services say that they have none
         hit->Cover = {};
     } else {
-        hit->Cover = answer.Image.width() > ThumbSide || answer.Image.height() > ThumbSide
-                         ? answer.Image.scaled(ThumbSide, ThumbSide, Qt::KeepAspectRatio, Qt::SmoothTransformation)
-                         : answer.Image;
+        hit->Cover = answer->Small;
         TCoverPicture* thumb = hit->DataPointer ? hit->DataPointer->GetPicByType(cptFrontThumb) : nullptr;
         if (thumb)
-            thumb->LoadFromBytes(answer.Bytes);
+            thumb->LoadFromBytes(answer->Bytes);
     }
     Q_EMIT hitChanged(hit->RecordIndex);
     if (tab->Id == Current().Id && Current().Focused == hit->RecordIndex)
@@ -374,14 +369,14 @@ void TAddMusicForm::ThumbArrived(TUserMessage& message)
 void TAddMusicForm::LargeArrived(TUserMessage& message)
 {
     const auto& object = static_cast<const TMsgObjHit&>(*message.LParam);
-    const auto& answer = static_cast<const TPictureAnswer&>(*message.WParam);
+    const auto* answer = dynamic_cast<const TPictureAnswer*>(message.WParam.get());
     TSearchTab* tab = FindTab(object.Grid);
     TSearchHit* hit = tab ? FindHit(*tab, object.RecordIndex) : nullptr;
     TCoverPicture* cover = hit && hit->DataPointer ? hit->DataPointer->GetPicByType(cptFrontLarge) : nullptr;
-    if (!cover)
+    if (!cover || !answer)
         return;
-    if (answer.Image.size() != QSize(1, 1))
-        cover->LoadFromBytes(answer.Bytes);
+    if (answer->Image.size() != QSize(1, 1))
+        cover->LoadFromBytes(answer->Bytes);
     if (tab->Id == Current().Id && Current().Focused == hit->RecordIndex)
         Q_EMIT detailsChanged();
 }

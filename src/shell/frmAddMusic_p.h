@@ -10,7 +10,8 @@ class TInfoGrabberServiceAction;
 /// What goes with a search and comes back with its answer.
 struct TMsgObjWM_USER_METADATA_TEXT_SEARCH final : TMessageObject {
     const TInfoGrabberServiceAction* Action = nullptr;
-    qint64 Grid = 0; ///< identifier of the tab
+    qint64 Grid = 0;    ///< identifier of the tab
+    size_t Service = 0; ///< its place in the search
 };
 
 /// What goes with a request for one card.

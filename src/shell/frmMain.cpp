@@ -131,9 +131,10 @@ void TKRNMainForm::FormShow()
 
 void TKRNMainForm::WMAfterFormShow()
 {
-    if (!FServicesFailure.isEmpty())
+    if (FStartChecks && !FServicesFailure.isEmpty())
         Q_EMIT barRaised(bkWarning, GetLanguageString(u"cSServicesBroken"_s), FServicesFailure);
-    UpdateServices(true);
+    if (FStartChecks)
+        UpdateServices(true);
     if (FData.HasData())
         FData.qReleasesMain.First();
     if (const qint64 id = FData.qReleasesMain.CurrentKey(); id != 0)

@@ -229,6 +229,8 @@ public:
     void AddMusicClosed();
     /// Looks for a newer service package; none where the product names no place for it. `silent`: nothing is asked.
     void UpdateServices(bool silent);
+    /// The window is made anew in a running program: what is looked after once at its start is left out.
+    void SkipStartChecks() { FStartChecks = false; }
     /// The update in progress, or null.
     TServiceUpdaterForm* ServiceUpdater() const { return FUpdater.get(); }
     /// True when the product names a place from which the service package is updated.
@@ -390,6 +392,7 @@ private:
     std::unique_ptr<TKRNImportForm> FImport;
     TAddMusicForm* FAddMusic = nullptr;
     bool FAddMusicOpen = false;
+    bool FStartChecks = true;
     QString FServicesFailure; // why the service definitions could not be read
     std::unique_ptr<TServiceUpdaterForm> FUpdater;
     bool FWorking = false; // a job of this form runs and serves events

@@ -24,8 +24,8 @@ void TKRNMainForm::ParseServices(const TMainFormHooks&)
     try {
         InfoGrabber().Parse(Defaults().InfoGrabberPath);
     } catch (const EInfoGrabberError& failure) {
-        FServicesFailure = Defaults().InfoGrabberPath + u": "_s + QString::fromUtf8(failure.what());
-        DebugLog(u"[Services] "_s + FServicesFailure);
+        FServicesFailure = Defaults().InfoGrabberPath;
+        DebugLog(u"[Services] %1: %2"_s.arg(FServicesFailure, QString::fromUtf8(failure.what())));
     }
 }
 
@@ -105,8 +105,12 @@ bool TKRNMainForm::CanUpdateServices()
 
 void TKRNMainForm::UpdateServices(bool silent)
 {
-    if (!CanUpdateServices() || FUpdater)
+    if (!CanUpdateServices())
         return;
+    if (FUpdater) { // one runs already: it is shown
+        Q_EMIT serviceUpdateStarted(true);
+        return;
+    }
     const QString& path = Defaults().InfoGrabberPath;
     if (silent && !IsServicesUpdateDue(TServiceUpdates::Read(SettingsStore()), path, QDateTime::currentDateTime()))
         return;

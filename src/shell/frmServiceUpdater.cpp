@@ -154,8 +154,8 @@ void TServiceUpdaterForm::DownloadEnded()
     };
     const auto result = std::make_shared<TResult>();
     const QString folder = QFileInfo(FDefinitionsPath).absolutePath();
-    FTask = std::make_unique<TTaskThread>([result, zip = FTempPath, folder](std::stop_token) {
-        result->Done = QDir().mkpath(folder) && InstallServicePackage(zip, folder, result->Error);
+    FTask = std::make_unique<TTaskThread>([result, zip = FTempPath, folder](std::stop_token stop) {
+        result->Done = QDir().mkpath(folder) && InstallServicePackage(zip, folder, result->Error, stop);
     });
     FTask->OnTerminate = [this, result] { PackageInstalled(result->Done, result->Error); };
     FTask->Start();

@@ -34,7 +34,7 @@ TEST(InfoGrabber, ReadsServicesAndSearches)
     HostLimiter().Clear();
     const TInfoGrabber grabber = Parsed(R"(<Anything><services>
         <Service name="one" DisplayName="One" WaitBetweenRequests="1100">
-          <GetRelease url="http://one.invalid/r" method="GET" Transform="r.xsl" JSON="TRUE" CodePage="1251"
+          <GetRelease url="http://one.invalid/r" NeedToDownloadExtraInfo="true" method="GET" Transform="r.xsl" JSON="TRUE" CodePage="1251"
                       Sign="s" signmethod="SHA256" signprivatekey="k"/>
           <getLyrics url="l"/><gettrack/><foo JSON="1" CodePage="abc"/>
         </Service>
@@ -55,6 +55,7 @@ TEST(InfoGrabber, ReadsServicesAndSearches)
     ASSERT_TRUE(release);
     EXPECT_EQ(release->Name(), u"one"_s);
     EXPECT_TRUE(release->JSON());
+    EXPECT_FALSE(release->NeedToDownloadExtraInfo()) << "a full record asks for no other";
     EXPECT_EQ(release->CodePage(), 1251);
     EXPECT_EQ(release->Tranform(), u"r.xsl"_s);
     EXPECT_EQ(release->SignMethod(), u"SHA256"_s);

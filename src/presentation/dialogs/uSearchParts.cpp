@@ -117,6 +117,7 @@ void TServiceRow::SetStatus(const TServiceStatus& status, bool chosen, bool mayR
     const bool needsKey = status.State == ssNeedsKey;
     FButton->setVisible(needsKey || status.State == ssFailed || status.State == ssStopped);
     FButton->setText(GetLanguageString(needsKey ? u"cSNeedsKeyWhy"_s : u"cSRetry"_s));
+    FButton->setAccessibleName(u"%1: %2"_s.arg(status.DisplayName, FButton->text()));
     FButton->setEnabled(needsKey || mayRetry);
     FButton->setToolTip(FButton->isEnabled() ? QString() : GetLanguageString(u"cSSearchWaits"_s));
     const bool moving = status.State == ssSearching || status.State == ssWaiting;

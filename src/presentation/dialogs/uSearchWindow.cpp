@@ -136,9 +136,10 @@ QWidget* TSearchWindow::BuildTop()
     FDrives->addItems(FForm.Drives());
     FDrives->setCurrentText(FForm.Drive());
     connect(FDrives, &QComboBox::currentTextChanged, this, [this](const QString& drive) { FForm.SetDrive(drive); });
-    TRibbonButton* eject = MakeIconButton(u"eject"_s, u"cSactEjectCD"_s, this);
-    connect(eject, &QToolButton::clicked, this, [this] { FForm.actEjectCD(); });
-    addPage({FDrives, eject});
+    connect(FDrives->lineEdit(), &QLineEdit::returnPressed, this, [this] { FForm.Search(); });
+    FEject = MakeIconButton(u"eject"_s, u"cSactEjectCD"_s, this);
+    connect(FEject, &QToolButton::clicked, this, [this] { FForm.actEjectCD(); });
+    addPage({FDrives, FEject});
     FFields->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 
     FSearch = MakeButton(u"cSSearch"_s, this);
@@ -234,7 +235,8 @@ QWidget* TSearchWindow::BuildMiddle()
     row->addWidget(add);
     row->addStretch(1);
     row->addWidget(FCounts);
-    for (TRibbonButton* button : {all, clear}) {
+    FHitButtons = {all, clear};
+    for (TRibbonButton* button : FHitButtons) {
         button->setFocusPolicy(Qt::TabFocus);
         row->addWidget(button);
     }
@@ -329,7 +331,7 @@ void TSearchWindow::BuildCommands()
         {u"cSactConfigureServices"_s, {}, [this] { FForm.actConfigureServices(); }, always},
         {u"cSactProxySettings"_s, {}, [this] { FForm.actProxySettings(); }, always},
         {u"cSactTestConnection"_s, {}, [this] { FForm.actTestConnection(); }, [this] { return FForm.TestEnabled(); }},
-        {u"cSactEjectCD"_s, u"Ctrl+E"_s, [this] { FForm.actEjectCD(); }, [this] { return !FForm.Drive().isEmpty(); }},
+        {u"cSactEjectCD"_s, u"Ctrl+E"_s, [this] { FForm.actEjectCD(); }, [this] { return FForm.EjectEnabled(); }},
     };
     for (const TCommand& command : FCommandRows) {
         QAction* action =
@@ -407,6 +409,9 @@ void TSearchWindow::ShowState()
     const size_t hits = FForm.Current().Hits.size(), selected = FForm.Current().Selection.size();
     FCounts->setText(GetLanguageString(u"cSHitCounts"_s).arg(hits).arg(selected));
     FCounts->setVisible(hits > 0);
+    for (TRibbonButton* button : FHitButtons)
+        button->setEnabled(hits > 0);
+    FEject->setEnabled(FForm.EjectEnabled());
     FPages->setCurrentIndex(hits > 0 ? 0 : 1);
     const bool searched = FForm.Current().CurrentSearch != nullptr;
     const bool hasServices = !FForm.ServiceNames(FForm.Area()).isEmpty();

@@ -88,6 +88,8 @@ private:
     QPlainTextEdit* FBarcodes = nullptr;
     QLineEdit* FCatalogNo = nullptr;
     QComboBox* FDrives = nullptr;
+    TRibbonButton* FEject = nullptr;
+    QList<TRibbonButton*> FHitButtons;
     QPushButton* FSearch = nullptr;
     QPushButton* FStop = nullptr;
     TServiceList* FServices = nullptr;
