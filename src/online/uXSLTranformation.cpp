@@ -47,7 +47,7 @@ thread_local QString* CollectedError = nullptr;
 
 // Plain functions with C varargs, as the libraries call them.
 extern "C" {
-static void CollectMessage(void*, const char* format, ...)
+__attribute__((format(printf, 2, 3))) static void CollectMessage(void*, const char* format, ...)
 {
     if (!CollectedError || CollectedError->size() > 2000)
         return;
