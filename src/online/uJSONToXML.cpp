@@ -8,7 +8,49 @@
 #include <rapidjson/memorystream.h>
 #include <rapidjson/reader.h>
 
+#include <algorithm>
 #include <vector>
+
+namespace Kestrune {
+
+// Names the stack below.
+struct TReaderMemory {};
+
+} // namespace Kestrune
+
+// What the reader asks of its stack, in memory that is there from the start: the library's own counts on from a null
+// pointer.
+template <>
+class rapidjson::internal::Stack<Kestrune::TReaderMemory> {
+public:
+    Stack(Kestrune::TReaderMemory*, size_t capacity) : FBytes(capacity) {}
+
+    void Clear() { FSize = 0; }
+    template <typename T>
+    T* Push(size_t count = 1)
+    {
+        const size_t at = FSize;
+        FSize += sizeof(T) * count;
+        if (FSize > FBytes.size())
+            FBytes.resize(std::max(FSize, FBytes.size() * 2));
+        return reinterpret_cast<T*>(FBytes.data() + at);
+    }
+    template <typename T>
+    T* Pop(size_t count)
+    {
+        FSize -= sizeof(T) * count;
+        return reinterpret_cast<T*>(FBytes.data() + FSize);
+    }
+    template <typename T>
+    T* Top()
+    {
+        return reinterpret_cast<T*>(FBytes.data() + FSize - sizeof(T));
+    }
+
+private:
+    std::vector<char> FBytes;
+    size_t FSize = 0;
+};
 
 namespace Kestrune {
 
@@ -20,6 +62,14 @@ namespace {
 constexpr qsizetype LargestDocument = 128 * 1024 * 1024;
 const QByteArray Header = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<Data>";
 const QByteArray Footer = "</Data>";
+
+// U+FFFE, U+FFFF and single halves of surrogate pairs, which a text can name by escapes, are no characters of XML.
+bool IsNoXmlCharacter(const char* c, const char* end)
+{
+    const auto byte = [c](int at) { return static_cast<unsigned char>(c[at]); };
+    return end - c >= 3 &&
+           ((byte(0) == 0xEF && byte(1) == 0xBF && byte(2) >= 0xBE) || (byte(0) == 0xED && byte(1) >= 0xA0));
+}
 
 // Writes the XML while the text is read; nothing of the JSON is held.
 class TXmlWriter {
@@ -102,14 +152,17 @@ private:
     bool Value(const char* text, rapidjson::SizeType size)
     {
         OpenItem();
-        for (const char* c = text; c != text + size; ++c) {
+        const char* end = text + size;
+        for (const char* c = text; c != end; ++c) {
             switch (*c) {
             case '&': FXml += "&amp;"; break;
             case '<': FXml += "&lt;"; break;
             case '>': FXml += "&gt;"; break;
             case '"': FXml += "&quot;"; break;
             default:
-                if (static_cast<unsigned char>(*c) >= 32 || *c == '\t' || *c == '\n' || *c == '\r')
+                if (IsNoXmlCharacter(c, end))
+                    c += 2;
+                else if (static_cast<unsigned char>(*c) >= 32 || *c == '\t' || *c == '\n' || *c == '\r')
                     FXml += *c;
             }
         }
@@ -131,7 +184,7 @@ QByteArray JSONToXML(const QByteArray& json, QString* error)
     TXmlWriter writer(json.size());
     rapidjson::MemoryStream bytes(json.constData(), static_cast<size_t>(json.size()));
     rapidjson::EncodedInputStream<rapidjson::UTF8<>, rapidjson::MemoryStream> stream(bytes);
-    rapidjson::Reader reader;
+    rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, TReaderMemory> reader;
     const rapidjson::ParseResult result = reader.Parse<flags>(stream, writer);
     if (!result) {
         const QString reason = u"no JSON at byte %1: %2"_s.arg(result.Offset())
