@@ -115,6 +115,20 @@ TEST(XSLTranformation, NeitherFilesNorNetworkNorEndlessWork)
              "<xsl:call-template name='t'><xsl:with-param name='n' select='$n - 1'/></xsl:call-template>"
              "<xsl:call-template name='t'><xsl:with-param name='n' select='$n - 1'/></xsl:call-template>"
              "</xsl:if></xsl:template>")},
+        {"a text that doubles",
+         Sheet("<xsl:template match='/'><xsl:call-template name='t'><xsl:with-param name='n' select='\"0123456789\"'/>"
+               "</xsl:call-template></xsl:template><xsl:template name='t'><xsl:param name='n'/><xsl:call-template "
+               "name='t'><xsl:with-param name='n' select='concat($n, $n)'/></xsl:call-template></xsl:template>")},
+        {"a tree that doubles",
+         Sheet("<xsl:template match='/'><xsl:call-template name='t'><xsl:with-param name='n' select='/*'/>"
+               "</xsl:call-template></xsl:template><xsl:template name='t'><xsl:param name='n'/><xsl:variable name='v'>"
+               "<xsl:copy-of select='$n'/><xsl:copy-of select='$n'/></xsl:variable><xsl:call-template name='t'>"
+               "<xsl:with-param name='n' select='x:node-set($v)/*'/></xsl:call-template></xsl:template>",
+               "xmlns:x='http://exslt.org/common'")},
+        {"one step without an end",
+         Sheet("<xsl:template match='/'><xsl:value-of select='s:replace(s:padding(99999, \"x\"), \"x\", "
+               "s:padding(99999, \"y\"))'/></xsl:template>",
+               "xmlns:s='http://exslt.org/strings'")},
         {"terminates itself",
          Sheet("<xsl:template match='/'><xsl:message terminate='yes'>stop</xsl:message></xsl:template>")},
     };
