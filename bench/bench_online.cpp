@@ -14,7 +14,6 @@
 #include "uTileView.h"
 #include "uWebServer.h"
 
-#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QBuffer>
 #include <QDir>
@@ -26,6 +25,7 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QScrollBar>
+#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
@@ -47,7 +47,7 @@ public:
 
     bool notify(QObject* receiver, QEvent* event) override
     {
-        if (FDepth > 0)
+        if (QThread::currentThread() != thread() || FDepth > 0)
             return QApplication::notify(receiver, event);
         const QByteArray name = receiver->metaObject()->className();
         const int type = event->type();

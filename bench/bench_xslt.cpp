@@ -176,6 +176,10 @@ const std::vector<THostile>& HostileSheets()
                "select='$n'/><xsl:copy-of select='$n'/></xsl:variable>" +
                Call("t", "x:node-set($v)/i") + "</xsl:template>"),
          small},
+        {"a replacement of 10 GB",
+         Sheet(once + "<xsl:value-of select='s:replace(s:padding(99999, \"x\"), \"x\", s:padding(99999, \"y\"))'/>" +
+               end),
+         small},
         {"padding", Sheet(once + "<xsl:value-of select='s:padding(2000000000, \"x\")'/>" + end), small},
     };
     return sheets;

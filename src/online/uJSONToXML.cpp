@@ -9,6 +9,7 @@
 #include <rapidjson/reader.h>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace Kestrune {
@@ -63,12 +64,23 @@ constexpr qsizetype LargestDocument = 128 * 1024 * 1024;
 const QByteArray Header = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<Data>";
 const QByteArray Footer = "</Data>";
 
-// U+FFFE, U+FFFF and single halves of surrogate pairs, which a text can name by escapes, are no characters of XML.
-bool IsNoXmlCharacter(const char* c, const char* end)
+// What stands for the character in XML, and the bytes that it takes; null for the character itself. Controls, U+FFFE,
+// U+FFFF and single halves of surrogate pairs, which a text can name by escapes, are no characters of XML.
+std::pair<const char*, int> Replacement(const char* c, const char* end)
 {
     const auto byte = [c](int at) { return static_cast<unsigned char>(c[at]); };
-    return end - c >= 3 &&
-           ((byte(0) == 0xEF && byte(1) == 0xBF && byte(2) >= 0xBE) || (byte(0) == 0xED && byte(1) >= 0xA0));
+    switch (*c) {
+    case '&': return {"&amp;", 1};
+    case '<': return {"&lt;", 1};
+    case '>': return {"&gt;", 1};
+    case '"': return {"&quot;", 1};
+    case '\t':
+    case '\n':
+    case '\r': return {nullptr, 1};
+    case '\xEF': return {end - c >= 3 && byte(1) == 0xBF && byte(2) >= 0xBE ? "" : nullptr, 3};
+    case '\xED': return {end - c >= 3 && byte(1) >= 0xA0 ? "" : nullptr, 3};
+    default: return {byte(0) < 32 ? "" : nullptr, 1};
+    }
 }
 
 // Writes the XML while the text is read; nothing of the JSON is held.
@@ -101,8 +113,8 @@ public:
     {
         QByteArray name(text, size);
         name.removeIf([](char c) { return c == ':' || c == '#' || c == '@'; });
-        FXml += '<' + name + '>';
-        FLevels.back().Name = name;
+        FXml.append('<').append(name).append('>');
+        FLevels.back().Name = std::move(name);
         return InBounds();
     }
     bool EndObject(rapidjson::SizeType)
@@ -138,34 +150,31 @@ private:
     void OpenItem()
     {
         if (!FLevels.empty() && FLevels.back().IsArray)
-            FXml += "<Array" + QByteArray::number(FLevels.back().Next) + '>';
+            FXml.append("<Array").append(QByteArray::number(FLevels.back().Next)).append('>');
     }
     void CloseItem()
     {
         if (FLevels.empty())
             return;
         if (FLevels.back().IsArray)
-            FXml += "</Array" + QByteArray::number(FLevels.back().Next++) + '>';
+            FXml.append("</Array").append(QByteArray::number(FLevels.back().Next++)).append('>');
         else
-            FXml += "</" + FLevels.back().Name + '>';
+            FXml.append("</").append(FLevels.back().Name).append('>');
     }
     bool Value(const char* text, rapidjson::SizeType size)
     {
         OpenItem();
         const char* end = text + size;
-        for (const char* c = text; c != end; ++c) {
-            switch (*c) {
-            case '&': FXml += "&amp;"; break;
-            case '<': FXml += "&lt;"; break;
-            case '>': FXml += "&gt;"; break;
-            case '"': FXml += "&quot;"; break;
-            default:
-                if (IsNoXmlCharacter(c, end))
-                    c += 2;
-                else if (static_cast<unsigned char>(*c) >= 32 || *c == '\t' || *c == '\n' || *c == '\r')
-                    FXml += *c;
-            }
+        const char* plain = text; // what needs no care goes in one piece
+        for (const char* c = text; c < end; ++c) {
+            const auto [entity, length] = Replacement(c, end);
+            if (!entity)
+                continue;
+            FXml.append(plain, c - plain).append(entity);
+            c += length - 1;
+            plain = c + 1;
         }
+        FXml.append(plain, end - plain);
         CloseItem();
         return InBounds();
     }
