@@ -99,7 +99,8 @@ void WriteOnline(const T& write)
             write("xslt", name, sheet + QByteArray(1, '\0') + xml);
         }
     }
-    write("json", "made-up", R"({"a:b":[1,-2.5e3,true,null,"\u00e9\ud83d\ude00\udc00\uffff <&>\"",[],{}],"250":{"#t":"x"}})");
+    write("json", "made-up",
+          R"({"a:b":[1,-2.5e3,true,null,"\u00e9\ud83d\ude00\udc00\uffff <&>\"",[],{}],"250":{"#t":"x"}})");
     write("interchange", "made-up",
           "<Any><SearchResults><Release RELEASE_ID='1' RELEASE_YEAR='1999' PRICE='1,5' COUNTRY_TEXT='uk' ASIN='B'>"
           "<Credits><Credit musician='m' credit='c'/></Credits><Tracks><Track TRACK_NO='1' TRACK_DURATION='00:03:05' "
