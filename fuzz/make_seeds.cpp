@@ -2,7 +2,16 @@
 // Writes the small files of the tests as seed corpora: FOLDER/<reader>/<file>.
 #include "uFoldedImage.h"
 #include "uImageBuilders.h"
+#include "uJSONToXML.h"
+#include "uServiceAnswers.h"
 #include "uTagBuilders.h"
+#include "uXSLTranformation.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <zip.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -41,6 +50,79 @@ void WriteImages(const T& write)
     write("disctoc", "table", table);
 }
 
+QByteArray ReadService(const QString& name)
+{
+    QFile file(QStringLiteral(KESTRUNE_SERVICES_DIR "/") + name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray ZipOf(const QList<std::pair<QByteArray, QByteArray>>& files, zip_int32_t method)
+{
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("seed.zip")));
+    zip_t* archive = zip_open(QFile::encodeName(file.fileName()).constData(), ZIP_CREATE, nullptr);
+    for (const auto& [name, bytes] : files) {
+        if (name.endsWith('/')) {
+            zip_dir_add(archive, name.constData(), 0);
+            continue;
+        }
+        zip_source_t* source =
+            zip_source_buffer(archive, bytes.constData(), static_cast<zip_uint64_t>(bytes.size()), 0);
+        const zip_int64_t at = zip_file_add(archive, name.constData(), source, 0);
+        zip_set_file_compression(archive, static_cast<zip_uint64_t>(at), method, 0);
+    }
+    zip_close(archive);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// The delivered definitions and stylesheets, answers for them, and what becomes of these.
+template <typename T>
+void WriteOnline(const T& write)
+{
+    write("infograbber", "delivered", ReadService(QStringLiteral("infograbber.xml")));
+    write(
+        "infograbber", "signed",
+        "<Grabber><Services><service name='a' DisplayName='A' WaitBetweenRequests='10'><getrelease url='http://a.b/"
+        "%RELEASE_ID%' Transform='../x.xsl' sign='%ARTIST%' signmethod='SHA256' signprivatekey='%AMAZON_API_KEY%'/>"
+        "</service></Services><ASINSearch><search ServiceName='discogs' CodePage='1252' url='http://a.b/?per_page=50'/>"
+        "<search ServiceName='musicbrainz' url='http://a.b/?query=x&amp;limit=100'/></ASINSearch></Grabber>");
+    for (const QByteArray& service : Kit::AnsweringServices()) {
+        for (const Kit::TServiceAnswer& answer : {Kit::SearchAnswer(service, 2), Kit::RecordAnswer(service, 3)}) {
+            const QByteArray sheet = ReadService(QString::fromUtf8(answer.Stylesheet));
+            const QByteArray xml = answer.JSON ? JSONToXML(answer.Text) : answer.Text;
+            QByteArray document;
+            const std::string name = answer.Name.toStdString();
+            if (answer.JSON)
+                write("json", name, answer.Text);
+            if (TransformXSL(xml, sheet, document))
+                write("interchange", name, document);
+            write("xslt", name, sheet + QByteArray(1, '\0') + xml);
+        }
+    }
+    write("json", "made-up",
+          R"({"a:b":[1,-2.5e3,true,null,"\u00e9\ud83d\ude00\udc00\uffff <&>\"",[],{}],"250":{"#t":"x"}})");
+    write("interchange", "made-up",
+          "<Any><SearchResults><Release RELEASE_ID='1' RELEASE_YEAR='1999' PRICE='1,5' COUNTRY_TEXT='uk' ASIN='B'>"
+          "<Credits><Credit musician='m' credit='c'/></Credits><Tracks><Track TRACK_NO='1' TRACK_DURATION='00:03:05' "
+          "DISC_NO='2' SIDE='A'/></Tracks><Images><Image type='back-large'>http://a.b/c</Image></Images></Release>"
+          "</SearchResults></Any>");
+    const QByteArray head = "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform' "
+                            "xmlns:x='http://exslt.org/common'>";
+    write("xslt", "small",
+          head +
+              "<xsl:key name='k' match='b' use='@c'/><xsl:variable name='v'><i/><i/></xsl:variable><xsl:template "
+              "match='/'><r><xsl:for-each select='//b[position() &lt; 3]'><xsl:sort select='@c' data-type='number'/>"
+              "<xsl:number/><xsl:copy-of select=\"key('k', @c)\"/></xsl:for-each><xsl:value-of "
+              "select=\"format-number(count(x:node-set($v)/i), '0.0')\"/></r></xsl:template></xsl:stylesheet>" +
+              QByteArray(1, '\0') + "<a><b c='1'>t</b><b c='2'/></a>");
+    write("package", "stored",
+          ZipOf({{"infograbber.xml", "<a/>"}, {"more/", {}}, {"more/b.xsl", "bbbb"}}, ZIP_CM_STORE));
+    write("package", "packed",
+          ZipOf({{"infograbber.xml", ReadService(QStringLiteral("infograbber.xml"))}, {"c.xsl", QByteArray(500, 'c')}},
+                ZIP_CM_DEFLATE));
+    write("package", "leading-out", ZipOf({{"../out.txt", "x"}, {"a.txt", "a"}}, ZIP_CM_STORE));
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -59,6 +141,7 @@ int main(int argc, char** argv)
         write("sniffer", std::string(seed.Reader) + seed.FileName, seed.Bytes);
     }
     WriteImages(write);
+    WriteOnline(write);
     write("settings", "backup",
           "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\C\\P]\r\n"
           "\"A\"=dword:00000001\r\n\"B\"=\"x\"\r\n\"C\"=hex(1):41,00,0a,00,\\\r\n  00,00\r\n");

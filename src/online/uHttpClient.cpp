@@ -57,14 +57,8 @@ void InitLibrary()
         DebugLog(u"[Net] the HTTP library does not start"_s);
 }
 
-struct TEasyDeleter {
-    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
-};
 struct TMultiDeleter {
     void operator()(CURLM* handle) const { curl_multi_cleanup(handle); }
-};
-struct TListDeleter {
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
 };
 
 TDownloadFailure FailureOf(CURLcode code)
@@ -149,6 +143,17 @@ void SetHttpObserver(std::shared_ptr<THttpObserver> observer)
 
 // One run of the library over one request, with what its callbacks need.
 struct THttpClient::TTransfer {
+    struct TEasyDeleter {
+        void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+    };
+    struct TListDeleter {
+        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+    };
+
+    TTransfer(const THttpRequest& request, const TSink& sink, const TProgress& progress, THttpClient& client)
+        : Request(request), Sink(sink), Progress(progress), Client(client)
+    {}
+
     const THttpRequest& Request;
     const TSink& Sink;
     const TProgress& Progress;

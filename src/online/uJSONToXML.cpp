@@ -7,7 +7,50 @@
 #include <rapidjson/memorystream.h>
 #include <rapidjson/reader.h>
 
+#include <algorithm>
+#include <utility>
 #include <vector>
+
+namespace Kestrune {
+
+// Names the stack below.
+struct TReaderMemory {};
+
+} // namespace Kestrune
+
+// What the reader asks of its stack, in memory that is there from the start: the library's own counts on from a null
+// pointer.
+template <>
+class rapidjson::internal::Stack<Kestrune::TReaderMemory> {
+public:
+    Stack(Kestrune::TReaderMemory*, size_t capacity) : FBytes(capacity) {}
+
+    void Clear() { FSize = 0; }
+    template <typename T>
+    T* Push(size_t count = 1)
+    {
+        const size_t at = FSize;
+        FSize += sizeof(T) * count;
+        if (FSize > FBytes.size())
+            FBytes.resize(std::max(FSize, FBytes.size() * 2));
+        return reinterpret_cast<T*>(FBytes.data() + at);
+    }
+    template <typename T>
+    T* Pop(size_t count)
+    {
+        FSize -= sizeof(T) * count;
+        return reinterpret_cast<T*>(FBytes.data() + FSize);
+    }
+    template <typename T>
+    T* Top()
+    {
+        return reinterpret_cast<T*>(FBytes.data() + FSize - sizeof(T));
+    }
+
+private:
+    std::vector<char> FBytes;
+    size_t FSize = 0;
+};
 
 namespace Kestrune {
 
@@ -19,6 +62,25 @@ namespace {
 constexpr qsizetype LargestDocument = 128 * 1024 * 1024;
 const QByteArray Header = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<Data>";
 const QByteArray Footer = "</Data>";
+
+// What stands for the character in XML, and the bytes that it takes; null for the character itself. Controls, U+FFFE,
+// U+FFFF and single halves of surrogate pairs, which a text can name by escapes, are no characters of XML.
+std::pair<const char*, int> Replacement(const char* c, const char* end)
+{
+    const auto byte = [c](int at) { return static_cast<unsigned char>(c[at]); };
+    switch (*c) {
+    case '&': return {"&amp;", 1};
+    case '<': return {"&lt;", 1};
+    case '>': return {"&gt;", 1};
+    case '"': return {"&quot;", 1};
+    case '\t':
+    case '\n':
+    case '\r': return {nullptr, 1};
+    case '\xEF': return {end - c >= 3 && byte(1) == 0xBF && byte(2) >= 0xBE ? "" : nullptr, 3};
+    case '\xED': return {end - c >= 3 && byte(1) >= 0xA0 ? "" : nullptr, 3};
+    default: return {byte(0) < 32 ? "" : nullptr, 1};
+    }
+}
 
 // Writes the XML while the text is read; nothing of the JSON is held.
 class TXmlWriter {
@@ -50,8 +112,8 @@ public:
     {
         QByteArray name(text, size);
         name.removeIf([](char c) { return c == ':' || c == '#' || c == '@'; });
-        FXml += '<' + name + '>';
-        FLevels.back().Name = name;
+        FXml.append('<').append(name).append('>');
+        FLevels.back().Name = std::move(name);
         return InBounds();
     }
     bool EndObject(rapidjson::SizeType)
@@ -87,31 +149,31 @@ private:
     void OpenItem()
     {
         if (!FLevels.empty() && FLevels.back().IsArray)
-            FXml += "<Array" + QByteArray::number(FLevels.back().Next) + '>';
+            FXml.append("<Array").append(QByteArray::number(FLevels.back().Next)).append('>');
     }
     void CloseItem()
     {
         if (FLevels.empty())
             return;
         if (FLevels.back().IsArray)
-            FXml += "</Array" + QByteArray::number(FLevels.back().Next++) + '>';
+            FXml.append("</Array").append(QByteArray::number(FLevels.back().Next++)).append('>');
         else
-            FXml += "</" + FLevels.back().Name + '>';
+            FXml.append("</").append(FLevels.back().Name).append('>');
     }
     bool Value(const char* text, rapidjson::SizeType size)
     {
         OpenItem();
-        for (const char* c = text; c != text + size; ++c) {
-            switch (*c) {
-            case '&': FXml += "&amp;"; break;
-            case '<': FXml += "&lt;"; break;
-            case '>': FXml += "&gt;"; break;
-            case '"': FXml += "&quot;"; break;
-            default:
-                if (static_cast<unsigned char>(*c) >= 32 || *c == '\t' || *c == '\n' || *c == '\r')
-                    FXml += *c;
-            }
+        const char* end = text + size;
+        const char* plain = text; // what needs no care goes in one piece
+        for (const char* c = text; c < end; ++c) {
+            const auto [entity, length] = Replacement(c, end);
+            if (!entity)
+                continue;
+            FXml.append(plain, c - plain).append(entity);
+            c += length - 1;
+            plain = c + 1;
         }
+        FXml.append(plain, end - plain);
         CloseItem();
         return InBounds();
     }
@@ -130,7 +192,7 @@ QByteArray JSONToXML(const QByteArray& json, QString* error)
     TXmlWriter writer(json.size());
     rapidjson::MemoryStream bytes(json.constData(), static_cast<size_t>(json.size()));
     rapidjson::EncodedInputStream<rapidjson::UTF8<>, rapidjson::MemoryStream> stream(bytes);
-    rapidjson::Reader reader;
+    rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, TReaderMemory> reader;
     const rapidjson::ParseResult result = reader.Parse<flags>(stream, writer);
     if (!result) {
         const QString reason = u"no JSON at byte %1: %2"_s.arg(result.Offset())

@@ -30,6 +30,8 @@ TEST(JSONToXML, WritesWhatTheStylesheetsExpect)
          "<z>1.50</z><a>12345678901234567890123</a><n>-0.0</n><e>1E5</e>"},
         {R"({"t":true,"f":false,"n":null})", "<t>true</t><f>false</f><n>null</n>"},
         {R"({"s":"<\"q\" 'a'>\u0007\t\u00fc"})", "<s>&lt;&quot;q&quot; 'a'&gt;\t\xC3\xBC</s>"},
+        {R"({"s":"a\uDC00\uFFFEb\uFFFFc\uFFFD\uD83D\uDE00"})", "<s>abc\xEF\xBF\xBD\xF0\x9F\x98\x80</s>"},
+        {"{\"s\":\"\xEF\xBF\xBFx\"}", "<s>x</s>"},
         {R"({"k":1,"k":2})", "<k>1</k><k>2</k>"},
         {R"([[1],[2,3]])", "<Array0><Array0>1</Array0></Array0><Array1><Array0>2</Array0><Array1>3</Array1></Array1>"},
         {"\"text\"", "text"},
@@ -113,6 +115,20 @@ TEST(XSLTranformation, NeitherFilesNorNetworkNorEndlessWork)
              "<xsl:call-template name='t'><xsl:with-param name='n' select='$n - 1'/></xsl:call-template>"
              "<xsl:call-template name='t'><xsl:with-param name='n' select='$n - 1'/></xsl:call-template>"
              "</xsl:if></xsl:template>")},
+        {"a text that doubles",
+         Sheet("<xsl:template match='/'><xsl:call-template name='t'><xsl:with-param name='n' select='\"0123456789\"'/>"
+               "</xsl:call-template></xsl:template><xsl:template name='t'><xsl:param name='n'/><xsl:call-template "
+               "name='t'><xsl:with-param name='n' select='concat($n, $n)'/></xsl:call-template></xsl:template>")},
+        {"a tree that doubles",
+         Sheet("<xsl:template match='/'><xsl:call-template name='t'><xsl:with-param name='n' select='/*'/>"
+               "</xsl:call-template></xsl:template><xsl:template name='t'><xsl:param name='n'/><xsl:variable name='v'>"
+               "<xsl:copy-of select='$n'/><xsl:copy-of select='$n'/></xsl:variable><xsl:call-template name='t'>"
+               "<xsl:with-param name='n' select='x:node-set($v)/*'/></xsl:call-template></xsl:template>",
+               "xmlns:x='http://exslt.org/common'")},
+        {"one step without an end",
+         Sheet("<xsl:template match='/'><xsl:value-of select='s:replace(s:padding(99999, \"x\"), \"x\", "
+               "s:padding(99999, \"y\"))'/></xsl:template>",
+               "xmlns:s='http://exslt.org/strings'")},
         {"terminates itself",
          Sheet("<xsl:template match='/'><xsl:message terminate='yes'>stop</xsl:message></xsl:template>")},
     };

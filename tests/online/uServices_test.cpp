@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDefaults.h"
 #include "uKRNParams.h"
+#include "uServiceAnswers.h"
 #include "uServicesKit.h"
 
 #include <QDir>
@@ -816,6 +817,15 @@ disccount: 1
 releasename: One
 1.1 A (60)
 )"));
+}
+
+TEST(Services, LongRecordsWhoseCreditsRepeatAreWithinTheBounds)
+{
+    for (const QByteArray& service : Kit::AnsweringServices()) {
+        const auto found = Loaded(RecordOf(QString::fromUtf8(service)), Kit::RecordAnswer(service, 2400).Text);
+        ASSERT_EQ(found.size(), 1U) << service.constData();
+        EXPECT_EQ(found[0]->Tracks.size(), 2400U) << service.constData();
+    }
 }
 
 } // namespace
