@@ -133,7 +133,7 @@ bool TDownloader::Fetch(QIODevice& into)
     FContentType = FAnswer.ContentType;
     into.seek(0);
     FIsBusy = false;
-    return Succeeded(FAnswer);
+    return FAnswer.Failure == dfNone;
 }
 
 bool TDownloader::FetchFile(QIODevice::OpenMode mode)
@@ -157,6 +157,32 @@ bool TDownloader::FetchFile(QIODevice::OpenMode mode)
     FireError(FAnswer.Reason);
     return false;
 }
+
+bool TDownloader::DownloadAsTStrings(QStringList& strings, int codePage)
+{
+    QBuffer body;
+    body.open(QIODevice::ReadWrite);
+    strings.clear();
+    const bool done = Fetch(body);
+    strings = DecodeLines(body.data(), codePage);
+    if (done)
+        FireDone(body.size());
+    else
+        FireError(RefusedText(strings));
+    return done;
+}
+
+bool TDownloader::DownloadAsStream(QIODevice& stream)
+{
+    const bool done = Fetch(stream);
+    if (done)
+        FireDone(stream.size());
+    else
+        FireError(FAnswer.Reason);
+    return done;
+}
+
+QString TDownloader::RefusedText(const QStringList&) const { return FAnswer.Reason; }
 
 void TDownloader::FireDone(qint64 size)
 {
@@ -205,32 +231,10 @@ THttpRequest TSecureBridge_Downloader::MakeRequest() const
     return request;
 }
 
-bool TSecureBridge_Downloader::Succeeded(const THttpAnswer& answer) const { return answer.Failure == dfNone; }
-
 bool TSecureBridge_Downloader::DownloadBinary(bool)
 {
     return FetchFile(QFile::exists(FFilename) ? QIODevice::ReadWrite | QIODevice::ExistingOnly
                                               : QIODevice::ReadWrite | QIODevice::NewOnly);
-}
-
-bool TSecureBridge_Downloader::DownloadAsTStrings(QStringList& strings, int codePage)
-{
-    QBuffer body;
-    body.open(QIODevice::ReadWrite);
-    strings.clear();
-    const bool done = DownloadAsStream(body);
-    strings = DecodeLines(body.data(), codePage);
-    return done;
-}
-
-bool TSecureBridge_Downloader::DownloadAsStream(QIODevice& stream)
-{
-    const bool done = Fetch(stream);
-    if (done)
-        FireDone(stream.size());
-    else
-        FireError(FAnswer.Reason);
-    return done;
 }
 
 TD10_4_Downloader::TD10_4_Downloader(TCookieManagerComponent* cookies) : TDownloader(cookies) {}
@@ -245,38 +249,12 @@ THttpRequest TD10_4_Downloader::MakeRequest() const
     return request;
 }
 
-bool TD10_4_Downloader::Succeeded(const THttpAnswer& answer) const { return answer.Failure == dfNone; }
-
 TDownloaderErrorType TD10_4_Downloader::ErrorType() const
 {
     return FAnswer.Failure == dfAborted ? detAbort : detHTTPError;
 }
 
 bool TD10_4_Downloader::DownloadBinary(bool) { return FetchFile(QIODevice::WriteOnly | QIODevice::Truncate); }
-
-bool TD10_4_Downloader::DownloadAsTStrings(QStringList& strings, int codePage)
-{
-    QBuffer body;
-    body.open(QIODevice::ReadWrite);
-    strings.clear();
-    const bool done = Fetch(body);
-    strings = DecodeLines(body.data(), codePage);
-    if (done)
-        FireDone(body.size());
-    else
-        FireError(strings.join(u'\n'));
-    return done;
-}
-
-bool TD10_4_Downloader::DownloadAsStream(QIODevice& stream)
-{
-    const bool done = Fetch(stream);
-    if (done)
-        FireDone(stream.size());
-    else
-        FireError(FAnswer.Reason);
-    return done;
-}
 
 namespace {
 

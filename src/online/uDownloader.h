@@ -81,8 +81,8 @@ public:
     /// Fetches into the file Filename; false after any failure, which the error event tells.
     virtual bool DownloadBinary(bool resumeIfExists) = 0;
     /// Fetches lines: UTF-8 for a code page of -1 or 65001, else by the code page. Throws EInvalidEncoding.
-    virtual bool DownloadAsTStrings(QStringList& strings, int codePage) = 0;
-    virtual bool DownloadAsStream(QIODevice& stream) = 0;
+    bool DownloadAsTStrings(QStringList& strings, int codePage);
+    bool DownloadAsStream(QIODevice& stream);
     /// Not supported by any transport: false.
     bool UploadFile(const QString& filename, const QString& fileFieldName, QIODevice& fileStream, QStringList& strings);
 
@@ -96,7 +96,8 @@ public:
 protected:
     /// The request as this transport makes it.
     virtual THttpRequest MakeRequest() const = 0;
-    virtual bool Succeeded(const THttpAnswer& answer) const = 0;
+    /// The text of the error when the lines of a request are not what was asked for.
+    virtual QString RefusedText(const QStringList& lines) const;
     /// What the done event is told, and the kind of a failure.
     virtual QString DoneContentType() const { return FContentType; }
     virtual TDownloaderErrorType ErrorType() const { return ErrorTypeOf(FAnswer.Failure); }
@@ -138,12 +139,9 @@ public:
 
     /// An existing file keeps what lies behind the new body.
     bool DownloadBinary(bool resumeIfExists) override;
-    bool DownloadAsTStrings(QStringList& strings, int codePage) override;
-    bool DownloadAsStream(QIODevice& stream) override;
 
 protected:
     THttpRequest MakeRequest() const override;
-    bool Succeeded(const THttpAnswer& answer) const override;
 
 private:
     QString FReferer;
@@ -158,13 +156,11 @@ public:
 
     /// The file is made anew.
     bool DownloadBinary(bool resumeIfExists) override;
-    /// The lines of a refused request are decoded as well and are the text of the error.
-    bool DownloadAsTStrings(QStringList& strings, int codePage) override;
-    bool DownloadAsStream(QIODevice& stream) override;
 
 protected:
     THttpRequest MakeRequest() const override;
-    bool Succeeded(const THttpAnswer& answer) const override;
+    /// What was answered instead.
+    QString RefusedText(const QStringList& lines) const override { return lines.join(QLatin1Char('\n')); }
     QString DoneContentType() const override { return {}; }
     /// All failures but an abort are one kind here.
     TDownloaderErrorType ErrorType() const override;

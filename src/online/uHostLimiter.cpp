@@ -5,8 +5,6 @@
 
 namespace Kestrune {
 
-using std::chrono::milliseconds;
-
 void THostLimiter::SetPace(const QString& host, int pace)
 {
     const std::scoped_lock lock(FLock);
@@ -55,7 +53,7 @@ bool THostLimiter::Enter(const QString& host, int pace, const std::atomic<bool>&
         // Only a time that is known is told; who waits for a running request learns it when that is over.
         if (!busy && until != told && waiting) {
             told = until;
-            const auto left = std::chrono::ceil<milliseconds>(until - now).count();
+            const auto left = std::chrono::ceil<std::chrono::milliseconds>(until - now).count();
             lock.unlock();
             waiting(static_cast<int>(left));
             lock.lock();
@@ -72,7 +70,7 @@ void THostLimiter::Leave(const QString& host)
     THost& entry = FHosts[host];
     entry.Running = std::max(0, entry.Running - 1);
     if (entry.Pace > 0)
-        entry.Earliest = std::max(entry.Earliest, TClock::now() + milliseconds(entry.Pace));
+        entry.Earliest = std::max(entry.Earliest, TClock::now() + std::chrono::milliseconds(entry.Pace));
     FChanged.notify_all();
 }
 
