@@ -147,6 +147,7 @@ TEST_P(DownloaderTest, TellsWhyARequestBroughtNothing)
         EXPECT_EQ(type, GetParam().Major < 10 ? row.Type : detHTTPError) << "one kind for the platform's transport";
         EXPECT_FALSE(Transport->Answer().Reason.isEmpty());
     }
+    Transport->SetErrorEvent({});
     EXPECT_FALSE(Get(u"file:///etc/passwd"_s));
     EXPECT_EQ(Transport->Answer().Failure, dfBadURL);
     EXPECT_FALSE(Get(u"http://127.0.0.1:1/"_s));
