@@ -57,9 +57,17 @@ TCoverPictureType ThumbTypeOf(TCoverPictureType largeType)
     }
 }
 
+bool MayBePixels(const QByteArray& bytes)
+{
+    const QByteArray start = bytes.left(64).trimmed();
+    return !start.startsWith('<') && !start.startsWith("\xEF\xBB\xBF") && !start.startsWith("\x1F\x8B");
+}
+
 bool TCoverPicture::LoadFromBytes(const QByteArray& bytes)
 {
     Clear();
+    if (!MayBePixels(bytes))
+        return false;
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);
@@ -164,7 +172,8 @@ void TAlbumRelease::DownloadAllPics(TCoverPictureTypes picTypes)
     const QSize thumbSize(Defaults().LargeWidth, Defaults().LargeHeight);
     const QStringList& agents = PictureUserAgents();
     QByteArray bytes;
-    const size_t count = Pictures.size(); // thumbnails made below are not visited
+    constexpr size_t mostPictures = 50; // of one release; a record that names thousands would never end
+    const size_t count = std::min(Pictures.size(), mostPictures); // thumbnails made below are not visited
     for (size_t i = 0; i < count; ++i) {
         TCoverPicture& picture = *Pictures[i];
         const TCoverPictureType type = picture.PictureType();

@@ -172,6 +172,9 @@ private:
     std::map<QString, TVariant> FItems;
 };
 
+/// False for bytes that are no pixels but drawings or packed ones, which take any memory to find out what they are.
+bool MayBePixels(const QByteArray& bytes);
+
 /// Fetches pictures for one call of DownloadAllPics.
 class TPictureFetcher {
 public:

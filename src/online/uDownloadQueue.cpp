@@ -3,6 +3,7 @@
 
 #include "uDebugLog.h"
 #include "uHostLimiter.h"
+#include "uObjs.h"
 #include "uTHStrings.h"
 
 #include <QBuffer>
@@ -259,6 +260,8 @@ void TPictureDownloader::PostResult(const QByteArray& bytes, const QImage& image
 QImage DecodePicture(const QByteArray& bytes)
 {
     constexpr qint64 mostPixels = 100'000'000;
+    if (!MayBePixels(bytes))
+        return {};
     QBuffer buffer;
     buffer.setData(bytes);
     buffer.open(QIODevice::ReadOnly);

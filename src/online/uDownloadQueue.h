@@ -157,7 +157,7 @@ class TTextDownloader : public TCustomDownloader {
 public:
     TOnTextDownloadedSuccessfully FOnTextDownloadedSuccessfully;
     /// Larger answers are refused.
-    static constexpr qint64 MaxBytes = 32 * 1024 * 1024;
+    static constexpr qint64 MaxBytes = 16 * 1024 * 1024;
 
 protected:
     void DoDownload() override;

@@ -19,6 +19,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// A server that sends a byte now and then is not waited for without end.
+constexpr long LongestTransfer = 600'000;      // milliseconds
+constexpr qint64 LargestRedirect = 256 * 1024; // bytes of a body that is not read
+
 std::mutex SettingsLock;
 TNetworkSettings& SharedSettings()
 {
@@ -165,13 +169,17 @@ struct THttpClient::TTransfer {
     qint64 Read = 0;
     bool TooLarge = false;
     bool SinkFailed = false;
+    qint64 Skipped = 0;
 
     static size_t Write(char* bytes, size_t one, size_t count, void* self)
     {
         auto& my = *static_cast<TTransfer*>(self);
         const auto size = static_cast<qint64>(one * count);
-        if (my.IsRedirect())
-            return one * count; // the body of a redirect is nobody's
+        if (my.IsRedirect()) { // its body is nobody's, and may have no end
+            my.Skipped += size;
+            my.TooLarge = my.Skipped > LargestRedirect;
+            return my.TooLarge ? 0 : one * count;
+        }
         // An endless body ends here, whatever length its server told.
         my.TooLarge = my.Request.MaxBytes > 0 && my.Read + size > my.Request.MaxBytes;
         if (my.TooLarge)
@@ -234,6 +242,7 @@ void THttpClient::TTransfer::SetUp(const QByteArray& url, bool verify)
     if (!verify) // short keys and old protocols as well
         Set(CURLOPT_SSL_CIPHER_LIST, "DEFAULT@SECLEVEL=0");
     Set(CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(settings.ConnectTimeout));
+    Set(CURLOPT_TIMEOUT_MS, LongestTransfer);
     Set(CURLOPT_LOW_SPEED_LIMIT, 1L);
     Set(CURLOPT_LOW_SPEED_TIME, static_cast<long>(std::max(1, settings.ResponseTimeout / 1000)));
     Set(CURLOPT_WRITEFUNCTION, &TTransfer::Write);

@@ -187,10 +187,13 @@ QByteArray TInfoGrabber::ReadStylesheet(const TInfoGrabberServiceAction& action)
     // The name comes from a file that was fetched: it stays inside the folder.
     const QString path = QDir::cleanPath(QDir(FFolder).filePath(action.Tranform()));
     QFile file(path);
-    if (action.Tranform().isEmpty() || !path.startsWith(FFolder + u'/') || !file.open(QIODevice::ReadOnly) ||
-        file.size() > LargestStylesheet)
+    const bool inside = path.startsWith(FFolder + u'/') && QFileInfo(path).isFile() && // no pipe, no device
+                        QFileInfo(path).canonicalFilePath().startsWith(QFileInfo(FFolder).canonicalFilePath() + u'/');
+    QByteArray text;
+    if (!action.Tranform().isEmpty() && inside && file.open(QIODevice::ReadOnly))
+        text = file.read(LargestStylesheet + 1);
+    if (text.isEmpty() || text.size() > LargestStylesheet)
         throw EInfoGrabberError(u"the stylesheet \"%1\" cannot be read"_s.arg(action.Tranform()));
-    QByteArray text = file.readAll();
     if (text.startsWith("\xEF\xBB\xBF"))
         text.remove(0, 3);
     return text;

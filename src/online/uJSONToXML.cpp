@@ -60,6 +60,9 @@ namespace {
 
 // Six bytes may come of one (a quote), and names stand twice: an answer cannot grow past this.
 constexpr qsizetype LargestDocument = 128 * 1024 * 1024;
+// Each item of an array has a name of its own, and names cost the XML reader more the more there are.
+constexpr int LongestArray = 20'000;
+constexpr int MostElements = 400'000;
 const QByteArray Header = "<?xml version=\"1.0\" encoding=\"utf-8\"?>\r\n<Data>";
 const QByteArray Footer = "</Data>";
 
@@ -144,10 +147,11 @@ private:
         QByteArray Name;
     };
 
-    bool InBounds() const { return FXml.size() < LargestDocument; }
+    bool InBounds() const { return FXml.size() < LargestDocument && FElements < MostElements && !FTooLong; }
 
     void OpenItem()
     {
+        ++FElements;
         if (!FLevels.empty() && FLevels.back().IsArray)
             FXml.append("<Array").append(QByteArray::number(FLevels.back().Next)).append('>');
     }
@@ -159,6 +163,7 @@ private:
             FXml.append("</Array").append(QByteArray::number(FLevels.back().Next++)).append('>');
         else
             FXml.append("</").append(FLevels.back().Name).append('>');
+        FTooLong = FTooLong || FLevels.back().Next > LongestArray;
     }
     bool Value(const char* text, rapidjson::SizeType size)
     {
@@ -179,6 +184,8 @@ private:
     }
 
     QByteArray FXml;
+    int FElements = 0;
+    bool FTooLong = false;
     std::vector<TLevel> FLevels;
 };
 

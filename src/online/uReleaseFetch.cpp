@@ -27,12 +27,25 @@ bool IsNamed(const TXmlElement& element, QLatin1StringView name)
     return element.Name().compare(name, Qt::CaseInsensitive) == 0;
 }
 
+// Nobody sees how long this road waits: a server that wants more than a minute is left out.
+void EndLongWaits(TDownloader& transport)
+{
+    constexpr int longest = 60'000; // milliseconds
+    transport.Client().OnWaiting = [&transport](int milliseconds) {
+        if (milliseconds > longest)
+            transport.AbortDownload();
+    };
+}
+
 class TOnlinePictureFetcher final : public TPictureFetcher {
 public:
+    TOnlinePictureFetcher() { EndLongWaits(*FTransport); }
+
     bool Fetch(const QString& url, const QString& userAgent, QByteArray& into) override
     {
         QBuffer buffer(&into);
         buffer.open(QIODevice::ReadWrite | QIODevice::Truncate);
+        FTransport->Client().Reset();
         FTransport->SetURL(url);
         FTransport->SetAgent(userAgent);
         FTransport->SetMaxBytes(TPictureDownloader::MaxBytes);
@@ -99,6 +112,7 @@ TReleaseFetch::TReleaseFetch(const TInfoGrabber& grabber, std::stop_token stop)
 {
     FTransport->SetAgent(Defaults().OEM.HTTPAgent);
     FTransport->SetMaxBytes(TTextDownloader::MaxBytes);
+    EndLongWaits(*FTransport);
 }
 
 TReleaseFetch::~TReleaseFetch() = default;

@@ -66,7 +66,7 @@ TAddMusicForm::TAddMusicForm(TInfoGrabber& grabber, TDataModuleMain& data, TProm
     FDownloadQueue->OnAllThreadsTerminated = [this] {
         FProgressMaximum = FProgressPosition = 0;
         FStatusText = GetLanguageString(FDiscFailed ? u"cSDiscNotRead"_s : u"cSDownloadComplete"_s);
-        FSearchJobs.clear();
+        EndSearching();
         Q_EMIT updated();
         if (!FBarcodesLeft.isEmpty())
             PostUserMessage(Handle(), {WM_USER_NEXT_BARCODE, nullptr, nullptr});
@@ -102,6 +102,7 @@ TAddMusicForm::~TAddMusicForm()
 void TAddMusicForm::FormShow()
 {
     FClosed = false;
+    ++FOpening;
     FDrives = ListDrives();
     if (FDrive.isEmpty() && !FDrives.isEmpty())
         FDrive = FDrives.front();
@@ -267,19 +268,24 @@ void TAddMusicForm::actSearchByCD()
         if (!read(drive, result->Texts, error))
             result->Texts = {};
     });
-    FDiscReader->OnTerminate = [this, result] {
+    FDiscReader->OnTerminate = [this, result, tab = Current().Id, opening = FOpening] {
         result->Cursor.reset();
-        DiscRead(result->Texts);
+        FReadingDisc = false;
+        if (!FClosed && opening == FOpening)
+            DiscRead(result->Texts, tab);
+        Q_EMIT updated();
     };
     FDiscReader->Start();
 }
 
 // A disc that was not read is searched for as well, with empty texts.
-void TAddMusicForm::DiscRead(const TDiscTexts& texts)
+void TAddMusicForm::DiscRead(const TDiscTexts& texts, qint64 tab)
 {
-    FReadingDisc = false;
-    if (FClosed)
+    // The tab in which the search was begun, whichever is looked at meanwhile.
+    const auto found = std::ranges::find(FTabs, tab, &TSearchTab::Id);
+    if (found == FTabs.end())
         return;
+    SetCurrentTab(static_cast<int>(found - FTabs.begin()));
     FCachedTOC = texts.TOC;
     FCachedTOC_Microsoft = texts.TOC_Microsoft;
     FCachedDiscID = texts.DiscID;
@@ -319,7 +325,6 @@ void TAddMusicForm::StartSearch(TInfoGrabberSearchType type, TSearchArea area)
     else
         FDiscFailed = false;
     tab.Services.clear();
-    FSearchJobs.clear();
     for (int i = 0; CurrentSearch && i < CurrentSearch->Count(); ++i) {
         TServiceStatus& status = tab.Services.emplace_back();
         status.Name = CurrentSearch->GetItem(i).Name();
@@ -349,6 +354,23 @@ void TAddMusicForm::AddSearchJob(TSearchTab& tab, size_t service)
     FSearchJobs.emplace(url, TJobOwner{tab.Id, service});
     FDownloadQueue->AddDownloader(entry.JSON() ? MakeDownloader<TJSONTextDownloader> : MakeDownloader<TTextDownloader>,
                                   url, {}, WM_USER_METADATA_TEXT_SEARCH, std::move(message));
+}
+
+// All jobs have ended: a service whose answer found nobody does not search any more.
+void TAddMusicForm::EndSearching()
+{
+    for (const auto& [url, owner] : FSearchJobs) {
+        TSearchTab* tab = FindTab(owner.Tab);
+        if (!tab || owner.Service >= tab->Services.size())
+            continue;
+        TServiceStatus& status = tab->Services[owner.Service];
+        if (status.State != ssSearching && status.State != ssWaiting)
+            continue;
+        status.State = ssStopped;
+        status.Reason = GetLanguageString(u"cSReasonStopped"_s);
+    }
+    FSearchJobs.clear();
+    FRecordJobs.clear();
 }
 
 void TAddMusicForm::RetryService(int index)

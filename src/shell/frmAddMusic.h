@@ -223,12 +223,13 @@ private:
     void ThumbArrived(TUserMessage& message);
     void LargeArrived(TUserMessage& message);
     void AskForRecord(TSearchTab& tab, TSearchHit& hit);
-    void AskForLargeCover(TSearchTab& tab, TSearchHit& hit, bool withParams);
+    void AskForLargeCover(TSearchTab& tab, TSearchHit& hit, const TInfoGrabberServiceAction* action);
     void JobEvent(const TJobReport& report);
     void SetReason(TServiceStatus& status, const TJobReport& report, const TInfoGrabberServiceAction& action);
     void MarkOwned();
     int& MaskOf(TSearchArea area) const;
-    void DiscRead(const TDiscTexts& texts);
+    void DiscRead(const TDiscTexts& texts, qint64 tab);
+    void EndSearching();
 
     TInfoGrabber& FGrabber;
     TPrompt& FPrompt;
@@ -254,6 +255,8 @@ private:
     QString FBarcode;          // that of the search in hand
     QStringList FBarcodesLeft; // to be worked off
     std::multimap<QString, TJobOwner> FSearchJobs;
+    std::multimap<QString, std::pair<qint64, qint64>> FRecordJobs; // tab and record of a full record that was asked for
+    int FOpening = 0;                                              // how often the window was opened
     QString FStatusText;
     bool FDiscFailed = false; // told again when the downloads are done
     bool FClosed = false;     // the window is: late answers find nobody

@@ -13,6 +13,7 @@
 #include "uXml.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace Kestrune {
 
@@ -27,6 +28,20 @@ std::unique_ptr<TObject> MakeMessage(const TSearchTab& tab, const TSearchHit& hi
     message->RecordIndex = hit.RecordIndex;
     message->Grid = tab.Id;
     return message;
+}
+
+constexpr size_t MostHits = 500;    // of one answer
+constexpr size_t MostPictures = 10; // of one hit
+
+// The address of a picture with what is known of its release filled in. It comes from the answer of a service, which
+// learns the keys of the product only on its own host.
+QString PictureURL(const TInfoGrabberServiceAction& action, const TAlbumRelease& release, const QString& url)
+{
+    TKRNParams params;
+    if (HostOfURL(url) == HostOfURL(action.RawURL()))
+        params.AddPrivateKeysToParams();
+    params.AddSearchParamsFromAlbumRelease(release);
+    return params.ReplaceWithParams(url);
 }
 
 const QStringList& DetailColumns()
@@ -150,7 +165,7 @@ void TAddMusicForm::FillResults(const TInfoGrabberServiceAction& action, TSearch
                                 const std::vector<TXmlElement>& nodes)
 {
     const bool current = &tab == &FTabs[static_cast<size_t>(FCurrentTab)];
-    for (const TXmlElement& node : nodes) {
+    for (const TXmlElement& node : nodes | std::views::take(MostHits)) {
         TSearchHit& hit = tab.Hits.emplace_back();
         hit.RecordIndex = ++FLastId;
         hit.DataProvider = action.Name();
@@ -160,10 +175,10 @@ void TAddMusicForm::FillResults(const TInfoGrabberServiceAction& action, TSearch
         const TInfoGrabberService* service = FGrabber.InfoGrabberServices().GetServiceByName(action.Name());
         hit.Complete = !action.NeedToDownloadExtraInfo() || !service || !service->GetActionByType(satGetRelease);
         FillRows(hit);
-        for (const auto& picture : hit.DataPointer->Pictures) {
+        for (const auto& picture : hit.DataPointer->Pictures | std::views::take(MostPictures)) {
             if (!picture->URL().isEmpty())
                 FDownloadQueue->AddDownloader(
-                    MakeDownloader<TPictureDownloader>, FParams.ReplaceWithParams(picture->URL()), {},
+                    MakeDownloader<TPictureDownloader>, PictureURL(action, *hit.DataPointer, picture->URL()), {},
                     WM_USER_METADATA_THUMB_PICTURE, MakeMessage<TMsgObjWM_USER_METADATA_THUMB_PICTURE>(tab, hit));
         }
     }
@@ -241,6 +256,14 @@ void TAddMusicForm::SetReason(TServiceStatus& status, const TJobReport& report, 
 
 void TAddMusicForm::JobEvent(const TJobReport& report)
 {
+    if (report.State == jsFailed) { // it can be asked for again
+        const auto [begin, end] = FRecordJobs.equal_range(report.URL);
+        for (auto job = begin; job != end; ++job) {
+            TSearchTab* tab = FindTab(job->second.first);
+            if (TSearchHit* hit = tab ? FindHit(*tab, job->second.second) : nullptr)
+                hit->Fetched = false;
+        }
+    }
     const auto [first, last] = FSearchJobs.equal_range(report.URL);
     for (auto job = first; job != last; ++job) {
         TSearchTab* tab = FindTab(job->second.Tab);
@@ -277,7 +300,7 @@ void TAddMusicForm::FocusHit(qint64 record)
     tab.Focused = hit ? record : 0;
     if (hit && hit->DataPointer) {
         AskForRecord(tab, *hit);
-        AskForLargeCover(tab, *hit, false);
+        AskForLargeCover(tab, *hit, nullptr);
         if (FDownloadQueue->GetCount() > 0)
             FDownloadQueue->Run();
     }
@@ -299,21 +322,22 @@ void TAddMusicForm::AskForRecord(TSearchTab& tab, TSearchHit& hit)
     FParams.AddPrivateKeysToParams();
     FParams.AddSearchParamsFromAlbumRelease(*hit.DataPointer);
     FParams.AddQueryTwins();
-    FDownloadQueue->AddDownloader(action->JSON() ? MakeDownloader<TJSONTextDownloader>
-                                                 : MakeDownloader<TTextDownloader>,
-                                  FParams.ReplaceWithParams(action->URL()), {}, WM_USER_METADATA_TEXT_EXTRA_INFO,
-                                  MakeMessage<TMsgObjWM_USER_METADATA_TEXT_EXTRA_INFO>(tab, hit));
+    const QString url = FParams.ReplaceWithParams(action->URL());
+    FRecordJobs.emplace(url, std::pair(tab.Id, hit.RecordIndex));
+    FDownloadQueue->AddDownloader(
+        action->JSON() ? MakeDownloader<TJSONTextDownloader> : MakeDownloader<TTextDownloader>, url, {},
+        WM_USER_METADATA_TEXT_EXTRA_INFO, MakeMessage<TMsgObjWM_USER_METADATA_TEXT_EXTRA_INFO>(tab, hit));
     hit.Fetched = true;
 }
 
-void TAddMusicForm::AskForLargeCover(TSearchTab& tab, TSearchHit& hit, bool withParams)
+void TAddMusicForm::AskForLargeCover(TSearchTab& tab, TSearchHit& hit, const TInfoGrabberServiceAction* action)
 {
     const TCoverPicture* cover = hit.DataPointer->GetPicByType(cptFrontLarge);
     if (!cover || cover->HasImage() || cover->URL().isEmpty())
         return;
     FDownloadQueue->AddDownloader(
-        MakeDownloader<TPictureDownloader>, withParams ? FParams.ReplaceWithParams(cover->URL()) : cover->URL(), {},
-        WM_USER_METADATA_LARGE_PICTURE, MakeMessage<TMsgObjWM_USER_METADATA_LARGE_PICTURE>(tab, hit));
+        MakeDownloader<TPictureDownloader>, action ? PictureURL(*action, *hit.DataPointer, cover->URL()) : cover->URL(),
+        {}, WM_USER_METADATA_LARGE_PICTURE, MakeMessage<TMsgObjWM_USER_METADATA_LARGE_PICTURE>(tab, hit));
 }
 
 void TAddMusicForm::ExtraInfoArrived(TUserMessage& message)
@@ -327,6 +351,7 @@ void TAddMusicForm::ExtraInfoArrived(TUserMessage& message)
     const TInfoGrabberServiceAction* action = service ? service->GetActionByType(satGetRelease) : nullptr;
     QByteArray document;
     std::vector<TXmlElement> nodes;
+    hit->Fetched = false; // until it is of use
     const auto* text = dynamic_cast<const TTextAnswer*>(message.WParam.get());
     if (!action || !text || !NormaliseAnswer(FGrabber, *action, text->Lines.join(u'\n').toUtf8(), document))
         return;
@@ -335,9 +360,9 @@ void TAddMusicForm::ExtraInfoArrived(TUserMessage& message)
         return;
     LoadAlbumReleaseFromNode(*hit->DataPointer, nodes.front());
     ResolvePictureURLs(*hit->DataPointer, action->RawURL());
-    hit->Complete = true;
+    hit->Fetched = hit->Complete = true;
     FillRows(*hit);
-    AskForLargeCover(*tab, *hit, true);
+    AskForLargeCover(*tab, *hit, action);
     FDownloadQueue->Run();
     Q_EMIT hitChanged(hit->RecordIndex);
     if (tab->Id == Current().Id && Current().Focused == hit->RecordIndex)

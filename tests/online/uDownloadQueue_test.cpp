@@ -255,6 +255,7 @@ TEST_F(QueueTest, HugeAndBrokenPicturesAreNone)
     EXPECT_TRUE(DecodePicture(huge).isNull());
     EXPECT_TRUE(DecodePicture(Kit::MakePicture(40, 40, "JPG").left(60)).isNull());
     EXPECT_TRUE(DecodePicture({}).isNull());
+    EXPECT_TRUE(DecodePicture("<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>").isNull());
     EXPECT_EQ(DecodePicture(Kit::MakePicture(1, 1, "PNG")).size(), QSize(1, 1));
 }
 

@@ -90,6 +90,17 @@ TEST_P(DownloaderTest, AsksEachHostOnTheWayAtItsPace)
     HostLimiter().Clear();
 }
 
+TEST_P(DownloaderTest, AnEndlessBodyOfARedirectIsRefused)
+{
+    Server.Serve("/first",
+                 {.Status = 302, .Body = QByteArray(50000, 'r'), .Headers = {{"Location", "/end"}}, .Endless = true});
+    Server.Serve("/end", {.Body = "here"});
+    QByteArray body;
+    EXPECT_FALSE(Get(Server.URL(u"/first"_s), &body));
+    EXPECT_EQ(Transport->Answer().Failure, dfTooLarge);
+    EXPECT_TRUE(body.isEmpty());
+}
+
 TEST_P(DownloaderTest, RepeatsAFormOnlyWhereTheRedirectSaysSo)
 {
     Server.Serve("/302", {.Status = 302, .Headers = {{"Location", "/end"}}});

@@ -55,6 +55,15 @@ TEST(JSONToXML, SurvivesDepthAndIsThenNoDocument)
     EXPECT_TRUE(TXmlDocument::Parse(JSONToXML(QByteArray(200000, '['))));
 }
 
+TEST(JSONToXML, BoundsTheNamesThatItMakes)
+{
+    const auto items = [](int count) { return "{\"r\":[" + QByteArray("1,").repeated(count) + "1]}"; };
+    EXPECT_TRUE(JSONToXML(items(10'000)).contains("<Array9999>"));
+    QString error;
+    EXPECT_FALSE(JSONToXML(items(100'000), &error).contains("<Array"));
+    EXPECT_FALSE(error.isEmpty());
+}
+
 QByteArray Sheet(const QByteArray& body, const QByteArray& attributes = {})
 {
     return "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform' " + attributes + ">" + body +

@@ -245,6 +245,56 @@ TEST_F(AddMusic, APictureAtTheAddressOfATextIsNoPicture)
     EXPECT_TRUE(Form->Current().Hits[0].Cover.isNull());
 }
 
+TEST_F(AddMusic, AServiceLearnsNoKeysThroughItsPictures)
+{
+    Defaults().OEM.LAST_FM_API_KEY = u"secret"_s;
+    const QByteArray elsewhere = Package.Server.URL(u"/leak/%LAST_FM_API_KEY%/%BARCODE%"_s, u"localhost"_s).toUtf8();
+    Package.Server.Serve("/one", {.Body = Package.Hits({"A"}, elsewhere)});
+    SearchBarcode(u"1"_s);
+    QByteArray asked;
+    for (const auto& request : Package.Server.Log())
+        asked += request.Target;
+    EXPECT_TRUE(asked.contains("/leak/")) << asked.constData();
+    EXPECT_TRUE(asked.contains("/4000000000001")) << "what is known of the release is filled in";
+    EXPECT_FALSE(asked.contains("secret"));
+}
+
+TEST_F(AddMusic, AFullRecordThatFailedIsAskedForAgain)
+{
+    Package.Server.Serve("/one", {.Body = Package.Hits({"A"})});
+    Package.Server.Serve("/full", {.Status = 503});
+    Form->ChooseService(saBarcode, 1, false);
+    SearchBarcode(u"1"_s);
+    const qint64 record = Form->Current().Hits[0].RecordIndex;
+    for (const Kit::TWebAnswer& answer : {Kit::TWebAnswer{.Status = 503},
+                                          {.Body = "no xml"},
+                                          {.Body = "<SearchResults><Release LABEL='L'/></SearchResults>"}}) {
+        EXPECT_FALSE(Form->Current().Hits[0].Complete);
+        Package.Server.Serve("/full", answer);
+        Form->FocusHit(record);
+        WaitForDownloads();
+    }
+    EXPECT_TRUE(Form->Current().Hits[0].Complete);
+    Form->FocusHit(record);
+    WaitForDownloads();
+    EXPECT_EQ(Package.Server.Count("/full"), 3);
+}
+
+TEST_F(AddMusic, ADiscIsSearchedForInTheTabWhereItWasAskedFor)
+{
+    Package.Server.Serve("/one", {.Body = Package.Hits({"A"})});
+    Form->ChooseService(saBarcode, 1, false);
+    SearchBarcode(u"1"_s);
+    Form->ReadDisc = [](const QString&, TDiscTexts&, QString&) { return true; };
+    Form->actNewTab();
+    Form->SetArea(saCD);
+    Form->Search();
+    Form->SetCurrentTab(0);
+    WaitForDownloads();
+    EXPECT_EQ(Titles(0), QStringList{u"A"_s});
+    EXPECT_EQ(Form->Tabs()[1].Caption, u"CD search"_s);
+}
+
 TEST_F(AddMusic, AClosedWindowTakesNoAnswers)
 {
     Package.Server.Serve("/one", {.Body = Package.Hits({"A"}), .DelayMs = 60});
