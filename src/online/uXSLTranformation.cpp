@@ -26,6 +26,8 @@
 #include <list>
 #include <memory>
 #include <mutex>
+#include <string_view>
+#include <unordered_set>
 #include <utility>
 
 namespace Kestrune {
@@ -50,6 +52,8 @@ constexpr double MostSeconds = 1.0; // of the thread's own time
 #endif
 constexpr qsizetype LargestInput = 128 * 1024 * 1024;
 constexpr size_t CompiledKept = 16;
+// What a new name costs the reader grows with the names that it knows; 20,000 of them take some hundredths of a second.
+constexpr size_t MostNames = 30'000;
 
 using TDoc = std::unique_ptr<xmlDoc, decltype(&xmlFreeDoc)>;
 using TStylesheet = std::shared_ptr<xsltStylesheet>;
@@ -206,9 +210,33 @@ public:
     ~TCountingScope() { Taken = nullptr; }
 };
 
+// True when elements and attributes have more names than any answer has. A look at the bytes, before they are parsed.
+bool HasTooManyNames(std::string_view text)
+{
+    constexpr std::string_view ends = " \t\r\n/>=<\"'";
+    std::unordered_set<std::string_view> names;
+    for (size_t at = text.find_first_of("<="); at != std::string_view::npos; at = text.find_first_of("<=", at + 1)) {
+        size_t begin = at + 1, end = at;
+        if (text[at] == '<') {
+            end = std::min(text.find_first_of(ends, begin), text.size());
+        } else { // the name before the sign
+            begin = at == 0 ? 0 : text.find_last_of(ends, at - 1) + 1;
+        }
+        if (end > begin && end - begin < 1000)
+            names.insert(text.substr(begin, end - begin));
+        if (names.size() > MostNames)
+            return true;
+    }
+    return false;
+}
+
 TDoc ParseDocument(const QByteArray& bytes, QString& error)
 {
     TDoc document(nullptr, &xmlFreeDoc);
+    if (HasTooManyNames({bytes.constData(), static_cast<size_t>(bytes.size())})) {
+        error = u"the document has too many names"_s;
+        return document;
+    }
     if (bytes.size() > LargestInput) {
         error = u"the document is too large"_s;
         return document;

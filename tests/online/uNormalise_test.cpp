@@ -164,6 +164,13 @@ TEST(XSLTranformation, RefusesBombsInTheAnswer)
     EXPECT_LT(Transformed(bomb, sheet).size(), 100000);
     const QByteArray external = "<!DOCTYPE d [<!ENTITY e SYSTEM 'file:///etc/passwd'>]><d>&e;</d>";
     EXPECT_FALSE(Transformed(external, sheet).contains("root:"));
+    QByteArray elements, attributes;
+    for (int i = 0; i < 200'000; ++i) {
+        elements += "<a" + QByteArray::number(i) + "/>";
+        attributes += " a" + QByteArray::number(i) + "='1'";
+    }
+    EXPECT_EQ(Transformed("<d>" + elements + "</d>", sheet), "failed") << "names without end";
+    EXPECT_EQ(Transformed("<d" + attributes + "/>", sheet), "failed");
     EXPECT_EQ(Transformed("no xml", sheet), "failed");
     EXPECT_EQ(Transformed("", sheet), "failed");
 }
