@@ -13,7 +13,7 @@
 #include "uXml.h"
 
 #include <algorithm>
-#include <ranges>
+#include <span>
 
 namespace Kestrune {
 
@@ -165,7 +165,7 @@ void TAddMusicForm::FillResults(const TInfoGrabberServiceAction& action, TSearch
                                 const std::vector<TXmlElement>& nodes)
 {
     const bool current = &tab == &FTabs[static_cast<size_t>(FCurrentTab)];
-    for (const TXmlElement& node : nodes | std::views::take(MostHits)) {
+    for (const TXmlElement& node : std::span(nodes).first(std::min(nodes.size(), MostHits))) {
         TSearchHit& hit = tab.Hits.emplace_back();
         hit.RecordIndex = ++FLastId;
         hit.DataProvider = action.Name();
@@ -175,7 +175,8 @@ void TAddMusicForm::FillResults(const TInfoGrabberServiceAction& action, TSearch
         const TInfoGrabberService* service = FGrabber.InfoGrabberServices().GetServiceByName(action.Name());
         hit.Complete = !action.NeedToDownloadExtraInfo() || !service || !service->GetActionByType(satGetRelease);
         FillRows(hit);
-        for (const auto& picture : hit.DataPointer->Pictures | std::views::take(MostPictures)) {
+        const std::span pictures(hit.DataPointer->Pictures);
+        for (const auto& picture : pictures.first(std::min(pictures.size(), MostPictures))) {
             if (!picture->URL().isEmpty())
                 FDownloadQueue->AddDownloader(
                     MakeDownloader<TPictureDownloader>, PictureURL(action, *hit.DataPointer, picture->URL()), {},
