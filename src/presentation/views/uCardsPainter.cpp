@@ -48,14 +48,7 @@ int TCardsPainter::PicturesMade() const { return FCovers.DecodeCount(); }
 
 bool TCardsPainter::Paint(QPainter& painter, const QRect& cell, const QModelIndex& index, const TTileState& state)
 {
-    const TTheme& theme = CurrentTheme();
-    const bool soft = state.Selected && !theme.IsHighContrast();
-    FillRounded(painter, cell, RadiusCard, soft ? theme.AccentSoft : theme.Raised);
-    if (state.Selected && theme.IsHighContrast())
-        StrokeRounded(painter, cell, RadiusCard, theme.AccentFill, theme.SelectionRing());
-    else
-        StrokeRounded(painter, cell, RadiusCard, state.Hovered ? theme.Outline : theme.Line, HairlineWidth(painter));
-    PaintTileFocus(painter, cell, state);
+    PaintCardGround(painter, cell, state);
     const bool mirrored = painter.layoutDirection() == Qt::RightToLeft;
     const QRect inner = cell.adjusted(CardPadding + 1, CardPadding + 1, -CardPadding - 1, -CardPadding - 1);
     const QRect square(mirrored ? inner.right() + 1 - CardCover : inner.left(),

@@ -60,14 +60,7 @@ QPixmap THitsPainter::Cover(const QModelIndex& index, qreal ratio)
 
 bool THitsPainter::Paint(QPainter& painter, const QRect& cell, const QModelIndex& index, const TTileState& state)
 {
-    const TTheme& theme = CurrentTheme();
-    const bool soft = state.Selected && !theme.IsHighContrast();
-    FillRounded(painter, cell, RadiusCard, soft ? theme.AccentSoft : theme.Raised);
-    if (state.Selected && theme.IsHighContrast())
-        StrokeRounded(painter, cell, RadiusCard, theme.AccentFill, theme.SelectionRing());
-    else
-        StrokeRounded(painter, cell, RadiusCard, state.Hovered ? theme.Outline : theme.Line, HairlineWidth(painter));
-    PaintTileFocus(painter, cell, state);
+    PaintCardGround(painter, cell, state);
     const bool mirrored = painter.layoutDirection() == Qt::RightToLeft;
     const QRect inner = cell.adjusted(HitPadding, HitPadding, -HitPadding, -HitPadding);
     const QPixmap cover = Cover(index, painter.device()->devicePixelRatioF());
@@ -75,7 +68,7 @@ bool THitsPainter::Paint(QPainter& painter, const QRect& cell, const QModelIndex
     const qreal left = mirrored ? inner.right() + 1 - HitCover : inner.left();
     const QRectF place(left + (HitCover - size.width()) / 2, inner.top() + (inner.height() - size.height()) / 2,
                        size.width(), size.height());
-    PaintCoverShadow(painter, place, theme);
+    PaintCoverShadow(painter, place, CurrentTheme());
     painter.drawPixmap(place.topLeft(), cover);
     const int beside = HitCover + HitTextGap;
     PaintTexts(painter, mirrored ? inner.adjusted(0, 0, -beside, 0) : inner.adjusted(beside, 0, 0, 0), index,

@@ -82,6 +82,18 @@ void PaintTileFocus(QPainter& painter, const QRectF& rect, const TTileState& sta
         StrokeRounded(painter, rect, RadiusCard, theme.Outline, 1);
 }
 
+void PaintCardGround(QPainter& painter, const QRectF& cell, const TTileState& state)
+{
+    const TTheme& theme = CurrentTheme();
+    const bool soft = state.Selected && !theme.IsHighContrast();
+    FillRounded(painter, cell, RadiusCard, soft ? theme.AccentSoft : theme.Raised);
+    if (state.Selected && theme.IsHighContrast())
+        StrokeRounded(painter, cell, RadiusCard, theme.AccentFill, theme.SelectionRing());
+    else
+        StrokeRounded(painter, cell, RadiusCard, state.Hovered ? theme.Outline : theme.Line, HairlineWidth(painter));
+    PaintTileFocus(painter, cell, state);
+}
+
 QRectF PaintTileCover(QPainter& painter, TCoverCache& covers, const QRect& square, const QModelIndex& index,
                       const TTileState& state)
 {

@@ -19,6 +19,9 @@ TBadge BadgeOf(const QModelIndex& index);
 /// The ring of the cell that the keyboard is on; thin where the view has not the keyboard.
 void PaintTileFocus(QPainter& painter, const QRectF& cell, const TTileState& state);
 
+/// The ground and edge of a card, with its selection, hover and focus.
+void PaintCardGround(QPainter& painter, const QRectF& cell, const TTileState& state);
+
 /// Paints the cover of a row into a square, standing on its lower edge, with shadow and badge. The rectangle that the
 /// cover takes; null when the picture was not at hand and has to be painted later.
 QRectF PaintTileCover(QPainter& painter, TCoverCache& covers, const QRect& square, const QModelIndex& index,
