@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uByteReader.h"
 
+#include "uGuardedFiles.h"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -48,6 +50,8 @@ QByteArray TByteSource::Read(qint64 offset, qint64 length)
 
 std::unique_ptr<TFileSource> TFileSource::Open(const std::filesystem::path& path)
 {
+    if (IsGuardedFile(path)) // closing it would cost the collection its locks
+        return nullptr;
     // O_NONBLOCK: a named pipe in a music folder must not hang the reader; it has no effect on regular files.
     const int handle = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (handle < 0)

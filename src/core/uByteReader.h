@@ -33,7 +33,7 @@ public:
     static constexpr qint64 HeadSize = 16 * 1024;
     static constexpr qint64 TailSize = 16 * 1024;
 
-    /// The opened file, or null when it cannot be opened or is no regular file.
+    /// The opened file, or null when it cannot be opened, is no regular file, or is open as a database.
     static std::unique_ptr<TFileSource> Open(const std::filesystem::path& path);
     ~TFileSource() override;
     TFileSource(const TFileSource&) = delete;
