@@ -186,6 +186,8 @@ TDataModuleMain::TDataModuleMain(TPrompt& prompt)
     qTracksDetail.SetMaster(&qReleasesMain);
     qMusiciansPerRelease.SetMaster(&qReleasesMain);
     SetRules();
+    FConnection.SetLockWait(FLockWait);
+    FConnection.OnLocksGone = [this] { RestoreLocks(); };
     // Pages that a scan has mapped count as memory of the process, but mapping them again is what a scan waits for:
     // they go when no filter or sort has followed for a while.
     FMapTimer.setSingleShot(true);
@@ -196,6 +198,12 @@ TDataModuleMain::TDataModuleMain(TPrompt& prompt)
 }
 
 TDataModuleMain::~TDataModuleMain() = default;
+
+void TDataModuleMain::SetLockWait(int milliseconds)
+{
+    FLockWait = milliseconds;
+    FConnection.SetLockWait(milliseconds);
+}
 
 std::vector<TDataset*> TDataModuleMain::AllCursors()
 {

@@ -37,11 +37,20 @@ public:
 
     /// The creation script of a collection at the current version.
     QString GetNewDatabaseSQL() const;
-    /// Makes a new file, replacing any of that name, and leaves it closed. Closes the open collection first.
+    /// How long an operation waits while another process holds the file, in milliseconds; 40 at first, so that a window
+    /// stays live. A program without one may wait longer.
+    void SetLockWait(int milliseconds);
+    /// Makes a new file, replacing any of that name, and leaves it closed. Closes the open collection once the new one
+    /// is whole; one that cannot be made leaves it alone.
     void CreateNewDB(const QString& filepath, const QString& sql);
     /// Opens a collection and raises it to the current version. A file that is none gives the user the reason and
     /// leaves everything as it was: false. A declined conversion leaves the connection open without cursors: false.
+    /// One that is locked, or names no version, throws and leaves everything as it was. What fails later leaves the
+    /// connection open without cursors.
     bool ConnectToDB(const QString& filepath);
+    /// Opens the connection anew where the file's locks are gone, because somebody in this process opened the file and
+    /// closed it again. Throws when that cost a transaction. Quick; to be called after whatever may look at files.
+    void RestoreLocks();
     /// Closes the cursors and the connection.
     void Disconnect();
     /// Closes the cursors and keeps the connection.
@@ -170,14 +179,14 @@ Q_SIGNALS:
 
 private:
     std::vector<TDataset*> AllCursors();
-    void OpenConnection(const QString& filepath);
-    void ApplyParameters();
-    void CopyBeforeUpgrade(int version);
-    void RunUpgradeScript(const QString& name);
+    void TestFile(const QString& filepath) const;
+    QString CopyBeforeUpgrade(int version);
     void UseWriteAheadLog();
-    bool PrepareUpgrade();
+    bool PrepareUpgrade(QString& copy);
+    void RunUpgradeStep(const QString& script, const std::function<bool(int version)>& applies);
     void ConvertFirstFormat();
     void UpgradeFile();
+    void Upgrade(const QString& copy);
     void MakePerformanceIndices();
     void OpenCursors();
     void SetRules();
@@ -194,6 +203,7 @@ private:
     void ReadTracks(TAlbumRelease& release);
 
     TPrompt& FPrompt;
+    int FLockWait = 40;
     QTimer FMapTimer; // gives the file map back some time after the last scan
     bool FAddingReleases = false;
     qint64 FLastAddedReleaseID = 0;

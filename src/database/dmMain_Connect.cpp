@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "dmMain_p.h"
 #include "uDBValidator.h"
 #include "uDebugLog.h"
-#include "uDefaults.h"
 #include "uFilePath.h"
 #include "uProgramFiles.h"
 #include "uPrompt.h"
@@ -22,9 +22,7 @@ namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-QString SQLScript(const QString& name)
+QString DatabaseScript(const QString& name)
 {
     InitDatabaseResources();
     // A file beside the program wins over the text that is compiled in.
@@ -35,28 +33,49 @@ QString SQLScript(const QString& name)
     return QString::fromUtf8(file.readAll());
 }
 
-// Creates or empties the file, and removes the journal files of one that was there, which belong to the old content.
-void MakeEmptyFile(const QString& path)
+void ThrowFileError(const QString& path, const std::error_code& error)
 {
-    const std::filesystem::path file = TextToPath(path);
+    throw EDatabaseError(GetLanguageString(u"cSFileCannotBeWritten"_s).replace(u"%s"_s, path) + u' ' +
+                         QString::fromStdString(error.message()));
+}
+
+namespace {
+
+void RemoveJournals(const std::filesystem::path& file)
+{
     std::error_code error;
-    if (!std::ofstream(file, std::ios::binary | std::ios::trunc))
-        throw EDatabaseError(GetLanguageString(u"cSFileCannotBeWritten"_s).replace(u"%s"_s, path));
     for (const char* suffix : {"-wal", "-shm", "-journal"})
         std::filesystem::remove(file.native() + suffix, error);
 }
 
-} // namespace
-
-QString TDataModuleMain::GetNewDatabaseSQL() const { return SQLScript(u"AD_SQL_CreateNewDB"_s); }
-
-void TDataModuleMain::ApplyParameters()
+void SetParameters(TSQLiteConnection& connection)
 {
     // secure_delete would overwrite what is deleted, at several times the cost.
-    FConnection.Exec(u"PRAGMA locking_mode = NORMAL; PRAGMA foreign_keys = ON; PRAGMA secure_delete = OFF;"
-                     "PRAGMA synchronous = FULL; PRAGMA cache_size = -16384"_s);
-    FConnection.ReleaseFileMap(); // sets the size of the map as well
+    connection.Exec(u"PRAGMA locking_mode = NORMAL; PRAGMA foreign_keys = ON; PRAGMA secure_delete = OFF;"
+                    "PRAGMA synchronous = FULL; PRAGMA cache_size = -16384"_s);
+    connection.ReleaseFileMap(); // sets the size of the map as well
 }
+
+void OpenReadable(TSQLiteConnection& connection, const QString& path)
+{
+    const auto tryMode = [&](TSQLiteOpenMode mode) {
+        connection.Open(path, mode);
+        SetParameters(connection);
+        connection.Scalar(u"SELECT count(*) FROM sqlite_master"_s);
+    };
+    try {
+        tryMode(somReadWrite);
+    } catch (const EDatabaseError& failure) {
+        // A write-ahead log needs a folder that can be written: without one the file is read as it lies there.
+        if (!failure.NeedsWritableFolder())
+            throw;
+        tryMode(somImmutable);
+    }
+}
+
+} // namespace
+
+QString TDataModuleMain::GetNewDatabaseSQL() const { return DatabaseScript(u"AD_SQL_CreateNewDB"_s); }
 
 void TDataModuleMain::UseWriteAheadLog()
 {
@@ -71,44 +90,39 @@ void TDataModuleMain::UseWriteAheadLog()
     }
 }
 
-void TDataModuleMain::OpenConnection(const QString& filepath)
-{
-    try {
-        FConnection.Open(filepath, somReadWrite);
-        ApplyParameters();
-        FConnection.Scalar(u"SELECT count(*) FROM sqlite_master"_s);
-    } catch (const EDatabaseError& failure) {
-        // A write-ahead log needs a folder that can be written: without one the file is read as it lies there.
-        if (!failure.NeedsWritableFolder())
-            throw;
-        FConnection.Open(filepath, somImmutable);
-        ApplyParameters();
-        FConnection.Scalar(u"SELECT count(*) FROM sqlite_master"_s);
-    }
-}
-
 void TDataModuleMain::CreateNewDB(const QString& filepath, const QString& sql)
 {
     Q_ASSERT(OnMainThread());
-    // A file that cannot be made leaves the open collection alone, unless it is that one.
-    if (QFileInfo(filepath) == QFileInfo(FConnection.Path()))
-        Disconnect();
-    MakeEmptyFile(filepath);
-    Disconnect();
+    // A link stays a link; the file is made aside, so that whatever ends this leaves no half file under its name.
+    const QString known = QFileInfo(filepath).canonicalFilePath();
+    const std::filesystem::path file = TextToPath(known.isEmpty() ? filepath : known);
+    const std::filesystem::path aside = file.native() + ".part";
+    std::error_code error;
+    std::filesystem::remove(aside, error);
+    RemoveJournals(aside);
     auto discard = qScopeGuard([&] {
-        FConnection.Close();
-        std::error_code error;
-        std::filesystem::remove(TextToPath(filepath), error);
+        std::filesystem::remove(aside, error);
+        RemoveJournals(aside);
     });
-    FConnection.Open(filepath, somReadWrite);
-    // Both must stand in the header before the first table and before the journal mode is set.
-    FConnection.Exec(u"PRAGMA auto_vacuum = INCREMENTAL; PRAGMA application_id = %1"_s.arg(CollectionApplicationId));
-    ApplyParameters();
-    UseWriteAheadLog();
-    StartTransaction();
-    FConnection.Exec(sql);
-    CommitTransaction();
-    FConnection.Close();
+    if (!std::ofstream(aside, std::ios::binary))
+        throw EDatabaseError(GetLanguageString(u"cSFileCannotBeWritten"_s).replace(u"%s"_s, filepath));
+    {
+        TSQLiteConnection connection;
+        connection.Open(PathToText(aside), somReadWrite);
+        // Both must stand in the header before the first table and before the journal mode is set.
+        connection.Exec(u"PRAGMA auto_vacuum = INCREMENTAL; PRAGMA application_id = %1"_s.arg(CollectionApplicationId));
+        SetParameters(connection);
+        connection.Exec(u"PRAGMA journal_mode = WAL"_s);
+        TSQLiteTransaction transaction(connection);
+        connection.Exec(sql);
+        transaction.Commit();
+    }
+    // A file that cannot be made has left the open collection alone.
+    Disconnect();
+    RemoveJournals(file); // they belong to the content that goes
+    std::filesystem::rename(aside, file, error);
+    if (error)
+        ThrowFileError(filepath, error);
     discard.dismiss();
 }
 
@@ -125,6 +139,17 @@ void TDataModuleMain::Disconnect()
     Q_EMIT collectionChanged();
 }
 
+void TDataModuleMain::TestFile(const QString& filepath) const
+{
+    TSQLiteConnection probe;
+    probe.SetLockWait(FLockWait);
+    OpenReadable(probe, filepath);
+    CheckVersion(probe);
+    if (probe.IsReadOnly() || VersionOf(probe) >= CurrentSchemaVersion)
+        return;
+    const TSQLiteTransaction writable(probe); // it will have to be raised
+}
+
 bool TDataModuleMain::ConnectToDB(const QString& filepath)
 {
     Q_ASSERT(OnMainThread());
@@ -133,75 +158,44 @@ bool TDataModuleMain::ConnectToDB(const QString& filepath)
         FPrompt.ShowError(DatabaseValidationMessage(result));
         return false;
     }
+    TestFile(filepath); // what cannot be opened now costs nobody the collection that is open
     Disconnect();
-    OpenConnection(filepath);
-    Defaults().DBPath = filepath;
-    if (!PrepareUpgrade())
+    auto closed = qScopeGuard([this] { CloseCursors(); });
+    OpenReadable(FConnection, filepath);
+    QString copy;
+    if (!PrepareUpgrade(copy))
         return false;
     if (!FConnection.IsReadOnly())
         FConnection.Exec(u"DROP TRIGGER IF EXISTS 'Releases2UpdateTrigger';"
                          "DROP TRIGGER IF EXISTS 'Tracks2UpdateTrigger';"_s);
-    UpgradeFile();
+    Upgrade(copy);
     UseWriteAheadLog();
     MakePerformanceIndices();
     ApplyArticleSettings();
     OpenCursors();
-    AddRecentDB(Defaults().RecentDBs, filepath);
+    FConnection.WatchLocks();
+    closed.dismiss();
     Q_EMIT collectionChanged();
     return true;
 }
 
-int TDataModuleMain::GetDBVersion()
+void TDataModuleMain::RestoreLocks()
 {
-    return static_cast<int>(VarToInt64(FConnection.Scalar(u"select version from version"_s)).toLongLong());
-}
-
-void TDataModuleMain::CopyBeforeUpgrade(int version)
-{
-    const QFileInfo file(FConnection.Path());
-    const QString stem = u"%1/%2.before-%3"_s.arg(file.path(), file.completeBaseName()).arg(version);
-    QString copy = stem + u".db"_s;
-    for (int i = 2; QFile::exists(copy); ++i) // an earlier copy is somebody's last way back
-        copy = u"%1-%2.db"_s.arg(stem).arg(i);
-    try {
-        FConnection.BackupTo(copy);
-    } catch (const EDatabaseError& failure) {
-        throw EDatabaseError(GetLanguageString(u"cSDBBackupFailed"_s).replace(u"%s"_s, failure.Text()), failure.Code());
-    }
-}
-
-void TDataModuleMain::RunUpgradeScript(const QString& name) { FConnection.Exec(SQLScript(name)); }
-
-bool TDataModuleMain::PrepareUpgrade()
-{
-    const int version = GetDBVersion();
-    if (version == 1000 && !FPrompt.AskYesNo(GetLanguageString(u"cSDBUpgdate1To2Confirmation"_s)))
-        return false;
-    if (version < CurrentSchemaVersion)
-        CopyBeforeUpgrade(version);
-    return true;
-}
-
-void TDataModuleMain::ConvertFirstFormat()
-{
-    // The old tables go one by one, in an order that their references to each other need not allow.
-    FConnection.Exec(u"PRAGMA foreign_keys = OFF"_s);
-    const auto restore = qScopeGuard([this] { FConnection.Exec(u"PRAGMA foreign_keys = ON"_s); });
-    TSQLiteTransaction transaction(FConnection);
-    RunUpgradeScript(u"Upgrade1000To2000"_s);
-    transaction.Commit();
-}
-
-void TDataModuleMain::UpgradeFile()
-{
-    if (GetDBVersion() == 1000) {
-        ConvertFirstFormat();
-        VacuumDB();
-    }
-    if (GetDBVersion() < 2001)
-        RunUpgradeScript(u"Upgrade2001"_s);
-    if (GetDBVersion() < 3001)
-        RunUpgradeScript(u"Upgrade3001"_s);
+    Q_ASSERT(OnMainThread());
+    if (!HasData() || FConnection.HoldsLocks())
+        return;
+    DebugLog(u"[Database] the locks of the collection are gone: it is opened anew"_s);
+    const bool inWork = FConnection.InTransaction();
+    if (!FConnection.Reopen())
+        return; // a list is being read: looked at again with the next write
+    SetParameters(FConnection);
+    UseWriteAheadLog();
+    FConnection.Scalar(u"SELECT count(*) FROM sqlite_master"_s);
+    FConnection.WatchLocks();
+    for (TDataset* cursor : AllCursors())
+        cursor->ForgetRecords(); // another program may have written meanwhile
+    if (inWork)
+        throw EDatabaseError(GetLanguageString(u"cSTransactionLost"_s));
 }
 
 void TDataModuleMain::MakePerformanceIndices()
@@ -239,14 +233,6 @@ void TDataModuleMain::OpenCursors()
         step.Cursor.Open();
     }
     qStats.Open();
-}
-
-void TDataModuleMain::VacuumDB()
-{
-    Q_ASSERT(OnMainThread());
-    CommitTransaction();
-    FConnection.Exec(
-        u"PRAGMA auto_vacuum = INCREMENTAL; PRAGMA application_id = %1; VACUUM;"_s.arg(CollectionApplicationId));
 }
 
 } // namespace Kestrune

@@ -3,6 +3,7 @@
 
 #include "uByteReader.h"
 #include "uFilePath.h"
+#include "uGuardedFiles.h"
 #include "uSQLite.h"
 #include "uTHStrings.h"
 
@@ -19,7 +20,36 @@ namespace {
 constexpr qint64 SmallestFile = 4096;
 const QByteArray SQLiteMagic("SQLite format 3\0", 16);
 
-bool HoldsCollection(const QString& path, TSQLiteOpenMode mode)
+// A way of looking at a file that leaves it, and what lies beside it, as it is.
+enum class TLook : quint8 { AsItLies, WithItsLog, WithoutIndex, WithJournal };
+
+TLook LookAt(const std::filesystem::path& file)
+{
+    std::error_code error;
+    const auto there = [&](const char* suffix) { return std::filesystem::exists(file.native() + suffix, error); };
+    if (there("-journal"))
+        return TLook::WithJournal; // what a killed program left half done has to be undone before it can be read
+    if (!there("-wal"))
+        return TLook::AsItLies;
+    return there("-shm") ? TLook::WithItsLog : TLook::WithoutIndex;
+}
+
+void OpenToLook(TSQLiteConnection& connection, const QString& path, TLook look)
+{
+    switch (look) {
+    case TLook::AsItLies: connection.Open(path, somImmutable); break;
+    case TLook::WithItsLog: connection.Open(path, somReadOnly); break;
+    case TLook::WithoutIndex:
+        // In this mode the index of the log is made in memory, not as a file; the log itself is left to its owner.
+        connection.Open(path, somReadWrite);
+        connection.LeaveLogAlone();
+        connection.Exec(u"PRAGMA locking_mode = EXCLUSIVE"_s);
+        break;
+    case TLook::WithJournal: connection.Open(path, somReadWrite); break;
+    }
+}
+
+bool HoldsCollection(const QString& path, TLook look)
 {
     static const QStringList current{u"Releases2"_s,  u"Tracks2"_s,        u"Friends2"_s, u"Loans2"_s,
                                      u"Musicians2"_s, u"OtherPictures2"_s, u"version"_s};
@@ -28,8 +58,8 @@ bool HoldsCollection(const QString& path, TSQLiteOpenMode mode)
     int currentCount = 0;
     int firstCount = 0;
     TSQLiteConnection connection;
-    // Only looked at: a database of another program keeps its journal and the mode that it has.
-    connection.Open(path, mode);
+    connection.SetLockWait(0);
+    OpenToLook(connection, path, look);
     TSQLiteStatement names = connection.Prepare(u"SELECT name FROM sqlite_master WHERE type='table'"_s);
     while (names.Step()) {
         const QString name = names.Column(0).toString();
@@ -52,12 +82,14 @@ TDBValidationResult ValidateDatabaseFile(const QString& path)
         return dvrNotFound;
     if (size < SmallestFile)
         return dvrEmpty;
-    const auto source = TFileSource::Open(file);
-    if (!source || source->Read(0, SQLiteMagic.size()) != SQLiteMagic)
-        return dvrNotSQLite;
-    for (const TSQLiteOpenMode mode : {somReadOnly, somImmutable}) {
+    if (!IsGuardedFile(file)) { // one that is open here is known to be a database, and nobody else may read it
+        const auto source = TFileSource::Open(file);
+        if (!source || source->Read(0, SQLiteMagic.size()) != SQLiteMagic)
+            return dvrNotSQLite;
+    }
+    for (const TLook look : {LookAt(file), TLook::AsItLies}) {
         try {
-            return HoldsCollection(path, mode) ? dvrOK : dvrNotCollection;
+            return HoldsCollection(path, look) ? dvrOK : dvrNotCollection;
         } catch (const EDatabaseError& failure) {
             // What another process has locked cannot be looked into now: opening it tells the user why.
             if (failure.IsLocked())

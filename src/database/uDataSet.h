@@ -105,6 +105,8 @@ public:
     void DeleteKeys(const std::vector<qint64>& keys);
     /// Reads one record again from the file.
     void RefreshRow(qint64 key);
+    /// Drops what was read, so that it is read again when it is next looked at; an edit stays open.
+    virtual void ForgetRecords() = 0;
 
     /// While it is above zero no signal is sent; the last EnableControls sends dataReset.
     void DisableControls() { ++FControlsDisabled; }
@@ -181,7 +183,8 @@ public:
 
     /// The value of the one parameter; the records follow when they are next looked at.
     void SetParam(const TVariant& value);
-    /// Drops what was read; it is read again when it is next looked at.
+    void ForgetRecords() override;
+    /// Drops what was read and an edit; it is read again when it is next looked at.
     void Invalidate();
     /// Follows the current record of another cursor, which must outlive the link; null unbinds.
     void SetMaster(TDataset* master);
@@ -257,6 +260,7 @@ public:
 
     /// Drops a record from the list that was never committed.
     void ForgetKey(qint64 key);
+    void ForgetRecords() override;
     /// Drops what is known of a record, so that it is read again when it is next looked at.
     void InvalidateRow(qint64 key) { FCache.remove(key); }
 

@@ -90,6 +90,12 @@ void TDetailDataset::Invalidate()
     NotifyReset();
 }
 
+void TDetailDataset::ForgetRecords()
+{
+    if (State() == dsBrowse)
+        FLoaded = false;
+}
+
 void TDetailDataset::SetMaster(TDataset* master)
 {
     disconnect(FMasterLink);
@@ -464,6 +470,12 @@ void TListDataset::ReadBlock(int row) const
         statement.Reset();
         Connection().NoteRead(RecordReach);
     }
+}
+
+void TListDataset::ForgetRecords()
+{
+    FCache.clear();
+    FKnownOrders.clear();
 }
 
 void TListDataset::StoreRecord(int row, TRecord record) { FCache.insert(KeyAt(row), new TRecord(std::move(record))); }

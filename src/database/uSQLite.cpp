@@ -2,6 +2,7 @@
 #include "uSQLite.h"
 
 #include "uDebugLog.h"
+#include "uFileLocks.h"
 #include "uFilePath.h"
 #include "uTHStrings.h"
 
@@ -20,6 +21,7 @@ namespace {
 
 constexpr size_t MaxCachedStatements = 200;
 constexpr qint64 MapSize = 0x7fff0000; // the most that the engine maps
+constexpr std::chrono::seconds LooksAtLocks(1);
 constexpr qsizetype ReadBetweenReleases = 32 * 1024 * 1024;
 
 [[noreturn]] void ThrowEngineError(sqlite3* connection, int code, const QString& what)
@@ -33,6 +35,8 @@ constexpr qsizetype ReadBetweenReleases = 32 * 1024 * 1024;
 } // namespace
 
 bool EDatabaseError::IsLocked() const { return FCode == SQLITE_BUSY || FCode == SQLITE_LOCKED; }
+
+bool EDatabaseError::IsNoDatabase() const { return FCode == SQLITE_NOTADB || FCode == SQLITE_CORRUPT; }
 
 bool EDatabaseError::NeedsWritableFolder() const
 {
@@ -207,13 +211,14 @@ void TSQLiteConnection::Open(const QString& path, TSQLiteOpenMode mode)
     FConnection = connection;
     FPath = path;
     FMode = mode;
+    FGuard = TFileGuard(TextToPath(path));
     struct stat info = {};
     if (::stat(TextToPath(path).c_str(), &info) == 0) {
         FDevice = info.st_dev;
         FInode = info.st_ino;
     }
     sqlite3_extended_result_codes(connection, 1);
-    sqlite3_busy_timeout(connection, 2000);
+    sqlite3_busy_timeout(connection, FLockWait);
     RegisterFunctions();
 }
 
@@ -224,13 +229,62 @@ void TSQLiteConnection::Close()
         sqlite3_close_v2(FConnection);
     FConnection = nullptr;
     FPath.clear();
+    FGuard = {};
+    FWatchesLocks = false;
 }
 
-void TSQLiteConnection::CheckFileIsThere() const
+void TSQLiteConnection::SetLockWait(int milliseconds)
+{
+    FLockWait = milliseconds;
+    if (FConnection)
+        sqlite3_busy_timeout(FConnection, milliseconds);
+}
+
+void TSQLiteConnection::LeaveLogAlone()
+{
+    sqlite3_db_config(FConnection, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+}
+
+void TSQLiteConnection::WatchLocks()
+{
+    // Not without a log, where nothing is locked between statements, nor where the system does not tell.
+    FWatchesLocks = false;
+    FWatchesLocks = FMode != somImmutable && Scalar(u"PRAGMA journal_mode"_s) == TVariant(u"wal"_s) &&
+                    HoldsLockOn(TextToPath(FPath));
+    FLocksSeen = std::chrono::steady_clock::now();
+}
+
+bool TSQLiteConnection::HoldsLocks() const
+{
+    return !FConnection || !FWatchesLocks ||
+           (HoldsLockOn(TextToPath(FPath)) && HoldsLockOn(TextToPath(FPath + u"-shm"_s)));
+}
+
+bool TSQLiteConnection::Reopen()
+{
+    for (sqlite3_stmt* statement = sqlite3_next_stmt(FConnection, nullptr); statement;
+         statement = sqlite3_next_stmt(FConnection, statement))
+        if (sqlite3_stmt_busy(statement) != 0)
+            return false;
+    // The log may have been taken over by another program meanwhile: what stands in it must not be written back.
+    LeaveLogAlone();
+    const QString path = FPath;
+    Close(); // all of it first: connections of one process share their locks
+    Open(path, FMode);
+    return true;
+}
+
+void TSQLiteConnection::CheckFileIsThere()
 {
     struct stat info = {};
     if (::stat(TextToPath(FPath).c_str(), &info) != 0 || info.st_dev != FDevice || info.st_ino != FInode)
         throw EDatabaseError(GetLanguageString(u"cSFileGone"_s));
+    const auto now = std::chrono::steady_clock::now();
+    if (!FWatchesLocks || now - FLocksSeen < LooksAtLocks)
+        return;
+    FLocksSeen = now;
+    if (OnLocksGone && !HoldsLocks())
+        OnLocksGone();
 }
 
 bool TSQLiteConnection::IsReadOnly() const { return FConnection && sqlite3_db_readonly(FConnection, "main") == 1; }
@@ -284,6 +338,7 @@ bool TSQLiteConnection::InTransaction() const { return FConnection && sqlite3_ge
 
 void TSQLiteConnection::BackupTo(const QString& path)
 {
+    // Made before the engine opens it, so that an existing file is never touched.
     QFile target(path);
     if (!target.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         throw EDatabaseError(u"%1: %2"_s.arg(path, target.errorString()));
@@ -331,6 +386,8 @@ void TSQLiteConnection::ReleaseFileMap()
 TSQLiteTransaction::TSQLiteTransaction(TSQLiteConnection& connection)
     : FConnection(connection), FNested(connection.InTransaction())
 {
+    if (!FNested)
+        FConnection.CheckFileIsThere();
     FConnection.Cached(FNested ? u"SAVEPOINT krn"_s : u"BEGIN IMMEDIATE"_s).Execute();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uGuardedFiles.h"
 #include "uTHTypes.h"
 
 #include <QByteArray>
@@ -8,6 +9,7 @@
 #include <QStringList>
 
 #include <array>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -30,6 +32,8 @@ public:
     int Code() const { return FCode; }
     /// Another process holds the file.
     bool IsLocked() const;
+    /// The file is no database, or damaged where it begins.
+    bool IsNoDatabase() const;
     /// The file or its folder cannot be written or the disk is full: a file with a write-ahead log needs room even for
     /// reading.
     bool NeedsWritableFolder() const;
@@ -103,16 +107,32 @@ public:
     TSQLiteConnection(const TSQLiteConnection&) = delete;
     TSQLiteConnection& operator=(const TSQLiteConnection&) = delete;
 
-    /// Opens an existing file; never creates one.
+    /// Opens an existing file; never creates one. Until it is closed nobody else in this process reads its bytes.
     void Open(const QString& path, TSQLiteOpenMode mode = somReadWrite);
     /// Ends the statements of the cache and the connection.
     void Close();
+    /// How long a statement waits for another process that holds the file, in milliseconds; 2000 at first. Kept over
+    /// closing and opening.
+    void SetLockWait(int milliseconds);
+    /// Closing writes nothing back: the file and its log stay as they are for those to whom they belong.
+    void LeaveLogAlone();
+    /// From now on HoldsLocks tells of the locks that an open file with a write-ahead log always has.
+    void WatchLocks();
+    /// False when the locks of this process on the file are gone, because something closed another descriptor of it: a
+    /// second program may then delete the log that is written here. True where that cannot be told.
+    bool HoldsLocks() const;
+    /// Opens the same file anew, in the same mode. A transaction is lost. False, and nothing done, while a statement
+    /// stands on a row.
+    bool Reopen();
     /// True when the file can only be read.
     bool IsReadOnly() const;
     QString Path() const { return FPath; }
     TSQLiteOpenMode Mode() const { return FMode; }
-    /// Throws when the file was removed or replaced while it is open: what is written now would be lost.
-    void CheckFileIsThere() const;
+    /// Throws when the file was removed or replaced while it is open: what is written now would be lost. Looks at the
+    /// locks too, once a second.
+    void CheckFileIsThere();
+    /// Called by CheckFileIsThere when the locks are gone.
+    std::function<void()> OnLocksGone;
     TTextRules& TextRules() { return FTextRules; }
 
     /// Runs a script of any number of statements through the engine's own statement loop.
@@ -157,6 +177,10 @@ private:
     qsizetype FReadThroughMap = 0;
     quint64 FDevice = 0; // of the file that was opened
     quint64 FInode = 0;
+    int FLockWait = 2000;
+    bool FWatchesLocks = false;
+    std::chrono::steady_clock::time_point FLocksSeen;
+    TFileGuard FGuard;
     TTextRules FTextRules;
     std::unordered_map<QString, std::unique_ptr<TSQLiteStatement>, TStringHash> FCache;
 };

@@ -2,6 +2,7 @@
 #include "dmMain.h"
 #include "uDBValidator.h"
 #include "uDefaults.h"
+#include "uOldFiles.h"
 #include "uScriptedPrompt.h"
 #include "uTestFiles.h"
 
@@ -9,79 +10,12 @@
 #include <QFile>
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// Makes a file with the bare engine, as another program would.
-void MakeFile(const QString& path, const QString& sql)
-{
-    sqlite3* connection = nullptr;
-    sqlite3_open(path.toUtf8().constData(), &connection);
-    char* message = nullptr;
-    sqlite3_exec(connection, sql.toUtf8().constData(), nullptr, nullptr, &message);
-    const QString failure = QString::fromUtf8(message);
-    sqlite3_free(message);
-    sqlite3_close(connection);
-    if (!failure.isEmpty())
-        throw std::runtime_error(failure.toStdString());
-}
-
-QString ResourceScript(const QString& name)
-{
-    QFile file(u":/sql/"_s + name + u".sql"_s);
-    file.open(QIODevice::ReadOnly);
-    return QString::fromUtf8(file.readAll());
-}
-
-// The first format: lookups in tables of their own, with the old spellings.
-QString Version1000SQL()
-{
-    return uR"(
-CREATE TABLE Friends (ID integer PRIMARY KEY, Name nvarchar(100), Description nvarchar(2000), Picture blob);
-CREATE TABLE MediaTypes (ID integer PRIMARY KEY, MediaTypeName nvarchar(100));
-CREATE TABLE Genres (ID integer PRIMARY KEY, Genre nvarchar(100));
-CREATE TABLE Locations (ID integer PRIMARY KEY, Location nvarchar(100));
-CREATE TABLE Statuses (ID integer PRIMARY KEY, Status nvarchar(100));
-CREATE TABLE Conditions (ID integer PRIMARY KEY, Condition nvarchar(100));
-CREATE TABLE Channels (ID integer PRIMARY KEY, Chanells nvarchar(100));
-CREATE TABLE Instruments (ID integer PRIMARY KEY, Instrument nvarchar(100));
-CREATE TABLE Links (ID integer PRIMARY KEY, Link text);
-CREATE TABLE Releases (ID integer PRIMARY KEY, Artist, ReleaseName, MediaTypeID integer, GenreID integer REFERENCES Genres(ID),
- Label, Location integer, ReleaseDate, ReleaseYear, Barcode, BuyNowLink, No, StatusID integer, Quantity, ASIN, Rating,
- ConditionID integer, CountryCode, DataProvider, Comments, Composer, Composition, Conductor, Orcherstra, Chorus,
- ChanellsID integer, IsLive, IsRare, OwnerId, Spars, Price, Currency, DatePurchased, PurchaseStore, Link, Sides,
- IsReissue, IsCompilation, IsPromo, Packaging, LastModified, DateAdded, DiscogsID, MusicBrainzID, ConditionMedia,
- PriceValue, SellingPrice, PurchasedFrom, BorrowedFrom, LargePictureBack, ThumbPictureBack, LargePictureMedia,
- ThumbPictureMedia, DiscCount, FolderPath);
-CREATE TABLE LargePictures (ID integer PRIMARY KEY, ReleaseID integer, Picture blob);
-CREATE TABLE ThumbPictures (ID integer PRIMARY KEY, ReleaseID integer, Picture blob);
-CREATE TABLE Tracks (ID integer PRIMARY KEY, ReleaseId integer, Artist, TrackNo, TrackTitle, TrackLength, DiscNo,
- GenreID integer, Rating, Composer, Composition, Conductor, Orchestra, Chorus, IsLive, IsInstrumental, BPM, Lyrics,
- Comments, LastModified, DateAdded, IsBlank, IsHidden, Bitrate, FilePath, FileType);
-CREATE TABLE Musicians (ID integer PRIMARY KEY, Musician, InstrumentID integer, ReleaseId, TrackId);
-CREATE TABLE OtherPictures (ID integer PRIMARY KEY, Picture blob, ReleaseId integer);
-CREATE TABLE Loans (ID integer PRIMARY KEY, FriendID, ReleaseId, LoanDate, DueDate, ReturnDate, Description);
-CREATE TABLE version (version varchar(10));
-INSERT INTO version VALUES ('1000');
-INSERT INTO Friends VALUES (4, 'Mara', 'd', x'01');
-INSERT INTO MediaTypes VALUES (2, 'Vinyl'); INSERT INTO Genres VALUES (3, 'Rock; Pop/Jazz\Blues|Soul');
-INSERT INTO Locations VALUES (5, 'Attic'); INSERT INTO Statuses VALUES (6, 'Wanted item');
-INSERT INTO Conditions VALUES (7, 'Good'); INSERT INTO Channels VALUES (8, 'Mono'); INSERT INTO Instruments VALUES (9, 'Koto');
-INSERT INTO Releases (ID, Artist, ReleaseName, MediaTypeID, GenreID, Location, StatusID, ConditionID, ChanellsID,
- Orcherstra, ReleaseDate, ReleaseYear, No, Rating) VALUES (11, 'Band', 'First', 2, 3, 5, 6, 7, 8, 'Orch', '1977-05-01', 1977, 1, 7);
-INSERT INTO Releases (ID, ReleaseName) VALUES (12, 'Bare');
-INSERT INTO LargePictures VALUES (1, 11, x'AA'); INSERT INTO ThumbPictures VALUES (1, 11, x'BB');
-INSERT INTO Tracks (ID, ReleaseId, TrackTitle, GenreID) VALUES (21, 11, 'Song', 3);
-INSERT INTO Musicians VALUES (31, 'Player', 9, 11, NULL);
-INSERT INTO OtherPictures VALUES (41, x'CC', 11);
-INSERT INTO Loans VALUES (51, 4, 11, '2020-01-01', NULL, NULL, 'd');
-)"_s;
-}
 
 class Upgrade : public testing::Test {
 protected:
@@ -98,19 +32,7 @@ protected:
         return Scalar(u"SELECT count(*) FROM sqlite_master WHERE type='index' AND name LIKE 'idx_%'"_s).toInt();
     }
 
-    // A file at one of the later versions, made from the chain itself.
-    void MakeVersion(const QString& version)
-    {
-        MakeFile(FPath, Version1000SQL());
-        {
-            TDataModuleMain data(FPrompt);
-            data.GetNewDatabaseSQL(); // brings the resources in
-        }
-        MakeFile(FPath, ResourceScript(u"Upgrade1000To2000"_s));
-        if (version >= u"2001"_s && version[0].isDigit())
-            MakeFile(FPath, ResourceScript(u"Upgrade2001"_s));
-        MakeFile(FPath, u"UPDATE version SET version = '%1'"_s.arg(version));
-    }
+    void MakeVersion(const QString& version) { Kit::MakeOldCollection(FPath, version); }
 
     Kit::TTempDir FDir;
     Kit::TScriptedPrompt FPrompt;
@@ -121,7 +43,7 @@ protected:
 
 TEST_F(Upgrade, TheFirstFormatIsConvertedAfterAQuestion)
 {
-    MakeFile(FPath, Version1000SQL());
+    Kit::MakeOldCollection(FPath, u"1000"_s);
     const QByteArray original = Kit::ReadAll(FPath);
     TDataModuleMain data(FPrompt);
     ASSERT_TRUE(data.ConnectToDB(FPath));
@@ -163,7 +85,7 @@ TEST_F(Upgrade, TheFirstFormatIsConvertedAfterAQuestion)
 
 TEST_F(Upgrade, ADeclinedConversionLeavesEverythingClosed)
 {
-    MakeFile(FPath, Version1000SQL());
+    Kit::MakeOldCollection(FPath, u"1000"_s);
     FPrompt.YesNoAnswer = false;
     TDataModuleMain data(FPrompt);
     EXPECT_FALSE(data.ConnectToDB(FPath));
@@ -172,7 +94,6 @@ TEST_F(Upgrade, ADeclinedConversionLeavesEverythingClosed)
     EXPECT_EQ(IndexCount(), 0);
     EXPECT_TRUE(FPrompt.Errors.isEmpty());
     EXPECT_FALSE(QFile::exists(FDir.File(u"old.before-1000.db"_s)));
-    EXPECT_TRUE(Defaults().RecentDBs.isEmpty());
 }
 
 TEST_F(Upgrade, LaterVersionsRiseWithoutAQuestion)
@@ -204,6 +125,8 @@ TEST_F(Upgrade, AVersionThatIsNoNumberGetsBothScripts)
     EXPECT_FALSE(data.HasData());
     EXPECT_EQ(data.GetDBVersion(), 0) << "the connection stays open";
     EXPECT_TRUE(QFile::exists(FDir.File(u"old.before-0-2.db"_s))) << "an earlier copy is never overwritten";
+    EXPECT_THROW(data.ConnectToDB(FPath), EDatabaseError);
+    EXPECT_FALSE(QFile::exists(FDir.File(u"old.before-0-3.db"_s))) << "a copy of this state is there already";
 }
 
 TEST_F(Upgrade, ANewerFileIsOpenedAsItIs)
@@ -223,19 +146,42 @@ TEST_F(Upgrade, ANewerFileIsOpenedAsItIs)
 TEST_F(Upgrade, AFileThatCannotBeCopiedIsNotUpgraded)
 {
     MakeVersion(u"2000"_s);
-    // A link that leads nowhere bears the name: a new file cannot be made there.
-    const QString link = FDir.File(u"old.before-2000.db"_s);
-    QFile::link(FDir.File(u"nowhere/x"_s), link);
+    // A folder bears the name under which the copy is made: a new file cannot be made there.
+    QDir(FDir.Path()).mkpath(u"old.before-2000.part/x"_s);
     TDataModuleMain data(FPrompt);
     EXPECT_THROW(data.ConnectToDB(FPath), EDatabaseError);
     EXPECT_EQ(Scalar(u"SELECT version FROM version"_s).toString(), u"2000"_s);
     EXPECT_FALSE(data.HasData());
 }
 
+TEST_F(Upgrade, AVersionThatSaysNothingIsNamedAndLeavesTheOpenCollection)
+{
+    const QString open = FDir.File(u"open.db"_s);
+    TDataModuleMain data(FPrompt);
+    data.CreateNewDB(open, data.GetNewDatabaseSQL());
+    ASSERT_TRUE(data.ConnectToDB(open));
+    for (const QString& sql :
+         {u"DELETE FROM version"_s, u"UPDATE version SET version = ''"_s, u"UPDATE version SET version = NULL"_s,
+          u"UPDATE version SET version = '30010000000000000000000'"_s, u"UPDATE version SET version = 4294970297"_s}) {
+        SCOPED_TRACE(sql.toStdString());
+        QFile::remove(FPath);
+        MakeVersion(u"2001"_s);
+        Kit::MakeFile(FPath, sql);
+        try {
+            data.ConnectToDB(FPath);
+            ADD_FAILURE() << "it was opened";
+        } catch (const EDatabaseError& failure) {
+            EXPECT_TRUE(failure.Text().startsWith(u"The collection does not say"_s)) << failure.what();
+        }
+        EXPECT_EQ(data.CurrentFile(), open);
+        EXPECT_TRUE(data.HasData());
+    }
+}
+
 TEST_F(Upgrade, AConversionThatFailsMidwayIsTakenBack)
 {
-    MakeFile(FPath, Version1000SQL());
-    MakeFile(FPath, u"DROP TABLE Links"_s); // the script drops it late, when most of its work is done
+    Kit::MakeOldCollection(FPath, u"1000"_s);
+    Kit::MakeFile(FPath, u"DROP TABLE Links"_s); // the script drops it late, when most of its work is done
     TDataModuleMain data(FPrompt);
     EXPECT_THROW(data.ConnectToDB(FPath), EDatabaseError);
     EXPECT_FALSE(data.HasData());
@@ -250,7 +196,7 @@ TEST_F(Upgrade, AFileThatLacksAColumnIsRefusedWhenItIsOpened)
 {
     TDataModuleMain data(FPrompt);
     data.CreateNewDB(FPath, data.GetNewDatabaseSQL());
-    MakeFile(FPath, u"ALTER TABLE Releases2 DROP COLUMN SeqNo"_s);
+    Kit::MakeFile(FPath, u"ALTER TABLE Releases2 DROP COLUMN SeqNo"_s);
     EXPECT_THROW(data.ConnectToDB(FPath), EDatabaseError);
 }
 
@@ -258,7 +204,7 @@ TEST_F(Upgrade, AFileThatAnotherProcessHoldsIsNotCalledForeign)
 {
     TDataModuleMain data(FPrompt);
     data.CreateNewDB(FPath, data.GetNewDatabaseSQL());
-    MakeFile(FPath, u"PRAGMA journal_mode = DELETE"_s);
+    Kit::MakeFile(FPath, u"PRAGMA journal_mode = DELETE"_s);
     TSQLiteConnection other;
     other.Open(FPath);
     other.Exec(u"BEGIN EXCLUSIVE"_s);
@@ -271,6 +217,15 @@ TEST_F(Upgrade, AFileThatAnotherProcessHoldsIsNotCalledForeign)
     EXPECT_TRUE(FPrompt.Errors.isEmpty());
     other.Exec(u"ROLLBACK"_s);
     EXPECT_TRUE(data.ConnectToDB(FPath));
+
+    const QString second = FDir.File(u"second.db"_s);
+    Kit::MakeOldCollection(second, u"2000"_s);
+    TSQLiteConnection writer;
+    writer.Open(second);
+    writer.Exec(u"BEGIN IMMEDIATE"_s); // it could be read, but not raised
+    EXPECT_THROW(data.ConnectToDB(second), EDatabaseError);
+    EXPECT_TRUE(data.HasData()) << "the collection that was open stays";
+    EXPECT_EQ(data.CurrentFile(), FPath);
 }
 
 TEST_F(Upgrade, ANewFileThatCannotBeMadeLeavesTheOpenCollection)
@@ -301,9 +256,9 @@ TEST_F(Upgrade, ACollectionThatIsRemovedWhileOpenTakesNoMore)
 TEST_F(Upgrade, OldTriggersAreDroppedAtEachOpening)
 {
     MakeVersion(u"2001"_s);
-    MakeFile(FPath, u"CREATE TRIGGER Releases2UpdateTrigger AFTER UPDATE ON Releases2 BEGIN SELECT 1; END;"
-                    "CREATE TRIGGER Tracks2UpdateTrigger AFTER UPDATE ON Tracks2 BEGIN SELECT 1; END;"
-                    "CREATE TRIGGER Other AFTER UPDATE ON Tracks2 BEGIN SELECT 1; END;"_s);
+    Kit::MakeFile(FPath, u"CREATE TRIGGER Releases2UpdateTrigger AFTER UPDATE ON Releases2 BEGIN SELECT 1; END;"
+                         "CREATE TRIGGER Tracks2UpdateTrigger AFTER UPDATE ON Tracks2 BEGIN SELECT 1; END;"
+                         "CREATE TRIGGER Other AFTER UPDATE ON Tracks2 BEGIN SELECT 1; END;"_s);
     TDataModuleMain data(FPrompt);
     EXPECT_TRUE(data.ConnectToDB(FPath));
     EXPECT_EQ(Scalar(u"SELECT group_concat(name) FROM sqlite_master WHERE type='trigger'"_s).toString(), u"Other"_s);
@@ -330,9 +285,9 @@ TEST(Validator, FirstFailureDecides)
     const QString old = dir.File(u"old.db"_s);
     const QString tables = u"CREATE TABLE Releases2(a); CREATE TABLE Tracks2(a); CREATE TABLE Friends2(a); "
                            "CREATE TABLE Loans2(a); CREATE TABLE Musicians2(a); CREATE TABLE OtherPictures2(a);"_s;
-    MakeFile(six, tables);
-    MakeFile(seven, tables + u"CREATE TABLE version(a); CREATE TABLE extra(a);"_s);
-    MakeFile(old, Version1000SQL());
+    Kit::MakeFile(six, tables);
+    Kit::MakeFile(seven, tables + u"CREATE TABLE version(a); CREATE TABLE extra(a);"_s);
+    Kit::MakeOldCollection(old, u"1000"_s);
     QByteArray damaged = Kit::ReadAll(seven);
     damaged.replace(100, 50, QByteArray(50, '\xFF'));
     const std::pair<QString, TDBValidationResult> cases[] = {
@@ -356,7 +311,7 @@ TEST(Validator, FirstFailureDecides)
     const QString foreign = dir.File(u"foreign.db"_s);
     {
         const QString original = dir.File(u"live.db"_s);
-        MakeFile(original, u"PRAGMA journal_mode = WAL; CREATE TABLE a(b);"_s);
+        Kit::MakeFile(original, u"PRAGMA journal_mode = WAL; CREATE TABLE a(b);"_s);
         TSQLiteConnection live;
         live.Open(original);
         live.Exec(u"INSERT INTO a VALUES (zeroblob(100000))"_s);
@@ -366,6 +321,10 @@ TEST(Validator, FirstFailureDecides)
     const QByteArray before = Kit::ReadAll(foreign) + Kit::ReadAll(foreign + u"-wal"_s);
     EXPECT_EQ(ValidateDatabaseFile(foreign), dvrNotCollection);
     EXPECT_TRUE(Kit::ReadAll(foreign) + Kit::ReadAll(foreign + u"-wal"_s) == before);
+    QFile::remove(foreign + u"-wal"_s);
+    EXPECT_EQ(ValidateDatabaseFile(foreign), dvrNotCollection);
+    for (const QString& suffix : {u"-wal"_s, u"-shm"_s, u"-journal"_s})
+        EXPECT_FALSE(QFile::exists(foreign + suffix)) << suffix.toStdString();
     const std::pair<TDBValidationResult, QString> texts[] = {
         {dvrOK, {}},
         {dvrNotFound, u"Database file not found."_s},
@@ -385,8 +344,6 @@ TEST_F(Upgrade, AFileThatIsNoneLeavesTheOpenCollection)
     EXPECT_EQ(FPrompt.Errors, QStringList({u"Database file not found."_s}));
     EXPECT_TRUE(data.HasData());
     EXPECT_EQ(data.CurrentFile(), FPath);
-    EXPECT_EQ(Defaults().DBPath, FPath);
-    EXPECT_EQ(Defaults().RecentDBs, QStringList({FPath}));
 }
 
 } // namespace Kestrune
