@@ -9,6 +9,7 @@
 #include "uDetailPane.h"
 #include "uEmptyPage.h"
 #include "uFieldEditor.h"
+#include "uFileDialogs.h"
 #include "uFilterBar.h"
 #include "uFindBar.h"
 #include "uGroupPanel.h"
@@ -70,6 +71,7 @@ TMainWindow::TMainWindow(TKRNMainForm& form, TThemeController& theme, bool debug
     if (debugMode)
         hooks.CreateDebugWindow = createDebugWindow;
     FForm.FormCreate(hooks);
+    new TDialogWatch([this] { FForm.CheckCollectionFile(); }, this);
     FActions = new TActionSet(FForm.Actions(), this);
     FModel = new TReleasesModel(FForm.Data(), this);
     FTracksModel = new TTracksModel(FForm.Data(), this);

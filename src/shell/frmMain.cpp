@@ -287,10 +287,15 @@ bool TKRNMainForm::OpenCollection(const QString& path)
         if (!opened)
             FOpenFailure = DatabaseValidationMessage(ValidateDatabaseFile(path));
     } catch (const EDatabaseError& failure) {
-        FOpenFailure = failure.Text();
-        FData.CloseCursors();
         FPrompt.ShowError(failure.Text());
+        if (FData.HasData())
+            return false;
+        FOpenFailure = failure.Text();
     }
+    if (const QString file = FData.CurrentFile(); !file.isEmpty())
+        Defaults().DBPath = file;
+    if (opened)
+        AddRecentDB(Defaults().RecentDBs, path);
     AfterCollectionChange();
     return opened;
 }
@@ -420,6 +425,15 @@ void TKRNMainForm::ReportFailure(const QString& reason)
     if (reason != FReportedFailure)
         Q_EMIT barRaised(bkError, GetLanguageString(u"cSCollectionUnreadable"_s), reason);
     FReportedFailure = reason;
+}
+
+void TKRNMainForm::CheckCollectionFile()
+{
+    try {
+        FData.RestoreLocks();
+    } catch (const EDatabaseError& failure) {
+        ReportFailure(failure.Text());
+    }
 }
 
 void TKRNMainForm::AddFolders(const QStringList& paths)

@@ -205,6 +205,10 @@ public:
     /// the same reason in a row.
     void ReportFailure(const QString& reason);
 
+    /// Makes sure that the collection is still locked against other programs; to be called after what may have looked
+    /// into its file.
+    void CheckCollectionFile();
+
     /// Adds the audio files of these folders and files in the background.
     void AddFolders(const QStringList& paths);
     /// The run in progress, or null.

@@ -3,6 +3,7 @@
 #include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uFieldEditors.h"
+#include "uFilePath.h"
 #include "uHttpClient.h"
 #include "uPrompt.h"
 #include "uRegistryFile.h"
@@ -13,6 +14,8 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QScopeGuard>
+
+#include <filesystem>
 
 namespace Kestrune {
 
@@ -48,14 +51,10 @@ QString SettingsKey()
     return u"HKEY_CURRENT_USER\\Software\\%1\\%2"_s.arg(oem.Company, oem.Product);
 }
 
-// The same file under any spelling of its path; case does not tell files apart here.
-bool SamePath(const QString& a, const QString& b)
+bool SameFile(const QString& a, const QString& b)
 {
-    const auto canonical = [](const QString& path) {
-        const QString known = QFileInfo(path).canonicalFilePath();
-        return known.isEmpty() ? QFileInfo(path).absoluteFilePath() : known;
-    };
-    return canonical(a).compare(canonical(b), Qt::CaseInsensitive) == 0;
+    std::error_code error;
+    return std::filesystem::equivalent(TextToPath(a), TextToPath(b), error);
 }
 
 } // namespace
@@ -93,7 +92,7 @@ void TKRNMainForm::SaveDatabaseAs()
     if (path.isEmpty())
         return;
     FData.CommitTransaction();
-    if (SamePath(path, FData.CurrentFile()))
+    if (SameFile(path, FData.CurrentFile()))
         return;
     FData.CopyTo(path);
     OpenCollection(path);

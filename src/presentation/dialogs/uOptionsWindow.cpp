@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uOptionsWindow.h"
 
+#include "uFileDialogs.h"
 #include "uRibbonButton.h"
 #include "uTHStrings.h"
 #include "uTheme.h"
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -176,7 +176,7 @@ void TOptionsWindow::AddFolder(QFormLayout& page, const QString& key, QString& v
     holder->setFocusProxy(edit);
     connect(edit, &QLineEdit::textChanged, this, [&value](const QString& text) { value = text; });
     connect(browse, &QToolButton::clicked, this, [this, edit] {
-        const QString folder = QFileDialog::getExistingDirectory(this, {}, edit->text());
+        const QString folder = ChooseFolder(this, {}, edit->text());
         if (!folder.isEmpty())
             edit->setText(folder);
     });

@@ -1,33 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uWidgetPrompt.h"
 
+#include "uFileDialogs.h"
 #include "uMessageBoxes.h"
-
-#include <QFileDialog>
-#include <QStandardPaths>
 
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-QString RunFileDialog(QWidget* parent, const TFileDialogRequest& request, QFileDialog::AcceptMode mode)
-{
-    QString folder = request.Folder;
-    if (folder.isEmpty())
-        folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    QFileDialog dialog(parent, request.Title, folder);
-    dialog.setAcceptMode(mode);
-    dialog.setFileMode(mode == QFileDialog::AcceptOpen ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
-    dialog.setNameFilter(QtFilterOf(request.Filter));
-    dialog.setDefaultSuffix(request.DefaultExtension);
-    if (!request.FileName.isEmpty())
-        dialog.selectFile(request.FileName);
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
-}
-
-} // namespace
 
 QString QtFilterOf(const QString& filter)
 {
@@ -51,20 +30,13 @@ void TWidgetPrompt::ShowInformation(const QString& text) { ShowMessage(FWindow, 
 
 bool TWidgetPrompt::AskYesNo(const QString& text) { return Kestrune::AskYesNo(FWindow, text); }
 
-QString TWidgetPrompt::AskOpenFile(const TFileDialogRequest& request)
-{
-    return RunFileDialog(FWindow, request, QFileDialog::AcceptOpen);
-}
+QString TWidgetPrompt::AskOpenFile(const TFileDialogRequest& request) { return ChooseOpenFile(FWindow, request); }
 
-QString TWidgetPrompt::AskSaveFile(const TFileDialogRequest& request)
-{
-    return RunFileDialog(FWindow, request, QFileDialog::AcceptSave);
-}
+QString TWidgetPrompt::AskSaveFile(const TFileDialogRequest& request) { return ChooseSaveFile(FWindow, request); }
 
 QString TWidgetPrompt::AskFolder(const QString& title, const QString& folder)
 {
-    const QString start = folder.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::MusicLocation) : folder;
-    return QFileDialog::getExistingDirectory(FWindow, title, start);
+    return ChooseFolder(FWindow, title, folder);
 }
 
 } // namespace Kestrune

@@ -4,6 +4,7 @@
 #include "dmMain.h"
 #include "uDefaults.h"
 #include "uFieldText.h"
+#include "uFileDialogs.h"
 #include "uIcons.h"
 #include "uStarsEdit.h"
 #include "uTHStrings.h"
@@ -13,7 +14,6 @@
 #include <QComboBox>
 #include <QCompleter>
 #include <QDesktopServices>
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -151,7 +151,7 @@ void TFieldEditor::PressButton()
     if (FKind == ekDate) {
         ChooseDate();
     } else if (FKind == repSelectFolder) {
-        const QString folder = QFileDialog::getExistingDirectory(this, {}, Text());
+        const QString folder = ChooseFolder(this, {}, Text());
         if (!folder.isEmpty()) {
             SetText(folder);
             Q_EMIT edited();
