@@ -117,13 +117,13 @@ public:
             throw EUsageError(u"ID is a number"_s);
         TOpenCollection collection(arguments[0]);
         TDataModuleMain& data = collection.Data();
-        data.SelectRelease(id);
-        if (data.qReleaseInfo.IsEmpty())
+        TReleaseCursors& release = data.ReadRelease(id);
+        if (release.Info.IsEmpty())
             throw ECommandError(u"there is no release %1"_s.arg(id));
-        const QJsonObject object{{u"release"_s, RecordToJson(data.qReleaseInfo, 0)},
-                                 {u"tracks"_s, Tracks(data)},
-                                 {u"credits"_s, RecordsToJson(data.qMusiciansPerRelease)},
-                                 {u"pictures"_s, Pictures(data)},
+        const QJsonObject object{{u"release"_s, RecordToJson(release.Info, 0)},
+                                 {u"tracks"_s, Tracks(release)},
+                                 {u"credits"_s, RecordsToJson(release.Credits)},
+                                 {u"pictures"_s, Pictures(release)},
                                  {u"loans"_s, Loans(data, id)}};
         if (parser.isSet(u"json"_s))
             PrintJson(QJsonDocument(object));
@@ -132,24 +132,22 @@ public:
     }
 
 private:
-    static QJsonArray Tracks(TDataModuleMain& data)
+    static QJsonArray Tracks(TReleaseCursors& release)
     {
         QJsonArray tracks;
-        data.qMusiciansPerTrack.SetMaster(&data.qTracksDetail);
-        for (int row = 0; row < data.qTracksDetail.RecordCount(); ++row) {
-            data.qTracksDetail.MoveTo(row);
-            QJsonObject track = RecordToJson(data.qTracksDetail, row);
-            track.insert(u"credits"_s, RecordsToJson(data.qMusiciansPerTrack));
+        for (int row = 0; row < release.Tracks.RecordCount(); ++row) {
+            QJsonObject track = RecordToJson(release.Tracks, row);
+            release.TrackCredits.SetParam(release.Tracks.KeyAt(row));
+            track.insert(u"credits"_s, RecordsToJson(release.TrackCredits));
             tracks.append(track);
         }
-        data.qMusiciansPerTrack.SetMaster(nullptr);
         return tracks;
     }
 
-    static QJsonArray Pictures(TDataModuleMain& data)
+    static QJsonArray Pictures(TReleaseCursors& release)
     {
         QJsonArray pictures;
-        for (const auto& picture : data.CurrentReleaseToAlbumRelease().Pictures)
+        for (const auto& picture : TDataModuleMain::ToAlbumRelease(release).Pictures)
             pictures.append(PictureToJson(*picture));
         return pictures;
     }

@@ -86,6 +86,12 @@ bool TCoverPicture::LoadFromBytes(const QByteArray& bytes)
     return true;
 }
 
+void TCoverPicture::LoadStored(const QByteArray& bytes)
+{
+    if (!LoadFromBytes(bytes))
+        FBytes = bytes;
+}
+
 void TCoverPicture::Assign(const QImage& image, const QByteArray& format)
 {
     Clear();

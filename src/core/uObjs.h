@@ -53,6 +53,9 @@ public:
 
     /// Takes encoded bytes. Bytes that no image reader recognises leave the picture without an image; returns HasImage.
     bool LoadFromBytes(const QByteArray& bytes);
+    /// Takes bytes as a collection holds them: a picture that no image reader recognises is kept all the same, without
+    /// a size.
+    void LoadStored(const QByteArray& bytes);
     /// Takes an image, encoded in `format` ("jpeg", "png", ...); a format that cannot be written becomes PNG.
     void Assign(const QImage& image, const QByteArray& format);
     /// Back to a picture without an image; type and URL stay.

@@ -2,7 +2,9 @@
 #include "dmMain.h"
 
 #include "uArticles.h"
+#include "uDatasetDefs.h"
 #include "uDefaults.h"
+#include "uTHStrings.h"
 #include "uThreads.h"
 
 namespace Kestrune {
@@ -11,175 +13,23 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-TFieldDef FieldOf(const TColumnDef& column, const QString& alias)
-{
-    TFieldDef field;
-    field.Name = QString::fromLatin1(column.Name);
-    field.Kind = column.Kind;
-    field.Size = column.Size;
-    field.LabelKey = QString::fromLatin1(column.LabelKey);
-    field.Expression = u"%1.\"%2\""_s.arg(alias, field.Name);
-    field.AutoIncrement = column.Flag == cfAutoIncrement;
-    field.Required = column.Flag == cfRequired;
-    return field;
-}
-
-std::vector<TFieldDef> FieldsOf(std::span<const TColumnDef> columns, const QString& alias)
-{
-    std::vector<TFieldDef> fields;
-    for (const TColumnDef& column : columns)
-        fields.push_back(FieldOf(column, alias));
-    return fields;
-}
-
-TFieldDef QueryField(const QString& name, TFieldKind kind, const QString& expression, const QString& labelKey = {})
-{
-    TFieldDef field;
-    field.Name = name;
-    field.Kind = kind;
-    field.LabelKey = labelKey;
-    field.Expression = expression;
-    field.ReadOnly = true;
-    return field;
-}
-
-// Computed from other fields of the record; the user edits it in place of `Rating`.
-TFieldDef RatingCalcField(const QString& labelKey)
-{
-    TFieldDef field;
-    field.Name = u"Rating_Calc"_s;
-    field.Kind = fkFloat;
-    field.LabelKey = labelKey;
-    return field;
-}
-
 constexpr int MapKeptFor = 10000; // milliseconds
-
-const QString TracksCountSQL = QStringLiteral("(SELECT count(*) FROM Tracks2 WHERE ReleaseId = R.ID)");
-
-TDatasetDef ReleasesMainDef()
-{
-    TDatasetDef def{u"qReleasesMain"_s, u"Releases2"_s, u"R.ID"_s, u"Releases2 R"_s, {}, {}, {}};
-    for (const TColumnDef& column : ReleaseColumns()) {
-        TFieldDef field = FieldOf(column, u"R"_s);
-        if (field.Name.startsWith("LargePicture"_L1))
-            continue;
-        field.Lazy = field.Kind == fkBlob;
-        def.Fields.push_back(std::move(field));
-    }
-    def.Fields.push_back(
-        QueryField(u"TotalTracksCount"_s, fkInteger, TracksCountSQL, u"cSReleasesFieldTotalTracksCount"_s));
-    def.Fields.push_back(QueryField(u"TotalTracksLength"_s, fkFloat,
-                                    u"(SELECT sum(TrackLength) FROM Tracks2 WHERE ReleaseId = R.ID)"_s,
-                                    u"cSReleasesFieldTotalTracksLength"_s));
-    def.Fields.push_back(RatingCalcField(u"cSReleasesFieldRating"_s));
-    def.Fields.push_back(QueryField(u"Release"_s, fkString, {}));
-    return def;
-}
-
-TDatasetDef ReleaseInfoDef()
-{
-    TDatasetDef def{u"qReleaseInfo"_s,
-                    u"Releases2"_s,
-                    u"R.ID"_s,
-                    u"Releases2 R LEFT JOIN Loans2 L ON L.ReleaseId = R.ID AND L.ReturnDate IS NULL"_s,
-                    u"R.ID = ?"_s,
-                    {},
-                    FieldsOf(ReleaseColumns(), u"R"_s)};
-    def.Fields.push_back(QueryField(u"TotalTracksCount"_s, fkInteger, TracksCountSQL));
-    def.Fields.push_back(
-        QueryField(u"TotalDiscCount"_s, fkInteger, u"(SELECT max(DiscNo) FROM Tracks2 WHERE ReleaseId = R.ID)"_s));
-    def.Fields.push_back(QueryField(u"TotalTracksLength"_s, fkFloat,
-                                    u"(SELECT ifnull(sum(TrackLength), 0.0) FROM Tracks2 WHERE ReleaseId = R.ID)"_s));
-    def.Fields.push_back(QueryField(u"LoanedByFriendId"_s, fkInteger, u"L.FriendID"_s));
-    def.Fields.push_back(RatingCalcField(u"cSReleasesFieldRating"_s));
-    return def;
-}
-
-TDatasetDef TracksDetailDef()
-{
-    TDatasetDef def{u"qTracksDetail"_s,
-                    u"Tracks2"_s,
-                    u"T.ID"_s,
-                    u"Tracks2 T"_s,
-                    u"T.ReleaseId = ?"_s,
-                    u"T.DiscNo, T.TrackNo, T.ID"_s,
-                    FieldsOf(TrackColumns(), u"T"_s)};
-    def.Fields.push_back(RatingCalcField(u"cSTracksFieldRating"_s));
-    return def;
-}
-
-TDatasetDef TracksAllDef()
-{
-    TDatasetDef def{u"qTracksAll"_s,
-                    u"Tracks2"_s,
-                    u"T.ID"_s,
-                    u"Tracks2 T LEFT JOIN Releases2 R ON R.ID = T.ReleaseId"_s,
-                    {},
-                    {},
-                    FieldsOf(TrackColumns(), u"T"_s)};
-    def.Fields.push_back(RatingCalcField(u"cSTracksFieldRating"_s));
-    for (const TColumnDef& column : ReleaseColumns()) {
-        static const QStringList joined{u"Artist"_s,    u"ReleaseName"_s, u"ReleaseYear"_s, u"ReleaseDate"_s,
-                                        u"MediaType"_s, u"No"_s,          u"Barcode"_s,     u"CatalogNO"_s};
-        TFieldDef field = FieldOf(column, u"R"_s);
-        if (!joined.contains(field.Name))
-            continue;
-        if (field.Name == "Artist"_L1)
-            field.Name = u"ReleaseArtist"_s;
-        field.ReadOnly = true;
-        field.Required = false;
-        def.Fields.push_back(std::move(field));
-    }
-    return def;
-}
-
-TDatasetDef ChildDef(const QString& name, const QString& table, std::span<const TColumnDef> columns,
-                     const QString& parentColumn)
-{
-    const QString where = parentColumn.isEmpty() ? QString() : u"C.%1 = ?"_s.arg(parentColumn);
-    return {name, table, u"C.ID"_s, table + u" C"_s, where, {}, FieldsOf(columns, u"C"_s)};
-}
-
-TDatasetDef StatsDef()
-{
-    const auto number = [](const QString& name, TFieldKind kind, const QString& sql) {
-        return QueryField(name, kind, u'(' + sql + u')');
-    };
-    TDatasetDef def{u"qStats"_s, {}, u"S.ID"_s, u"(SELECT 1 AS ID) S"_s, {}, {}, {}};
-    const QString discs = u"(SELECT max(ifnull(max(DiscNo), 1), 1) AS Discs FROM Tracks2 GROUP BY ReleaseId)"_s;
-    def.Fields = {
-        number(u"ReleaseCount"_s, fkInteger, u"SELECT count(*) FROM Releases2"_s),
-        number(u"TotalTracksCount"_s, fkInteger, u"SELECT count(*) FROM Tracks2"_s),
-        number(u"AvgTracksCount"_s, fkFloat,
-               u"SELECT count(*) * 1.0 / nullif((SELECT count(*) FROM Releases2), 0) FROM Tracks2"_s),
-        number(u"TotalDiscCount"_s, fkInteger, u"SELECT sum(Discs) FROM "_s + discs),
-        number(u"AvgDiscCount"_s, fkFloat, u"SELECT avg(Discs) FROM "_s + discs),
-        number(u"TotalPrice"_s, fkFloat, u"SELECT sum(Price) FROM Releases2"_s),
-        number(u"AvgPrice"_s, fkFloat, u"SELECT avg(Price) FROM Releases2"_s),
-        number(u"TotalTracksLength"_s, fkFloat, u"SELECT sum(TrackLength) FROM Tracks2"_s),
-        number(u"AvgTracksLength"_s, fkFloat, u"SELECT avg(TrackLength) FROM Tracks2"_s),
-        number(u"ReleasesOnLoan"_s, fkInteger,
-               u"SELECT count(DISTINCT ReleaseId) FROM Loans2 WHERE ReturnDate IS NULL"_s),
-    };
-    return def;
-}
 
 } // namespace
 
 TDataModuleMain::TDataModuleMain(TPrompt& prompt)
     : qReleasesMain(FConnection, ReleasesMainDef()),
       qTracksAll(FConnection, TracksAllDef()),
-      qReleaseInfo(FConnection, ReleaseInfoDef()),
-      qTracksDetail(FConnection, TracksDetailDef()),
-      qMusiciansPerRelease(FConnection,
-                           ChildDef(u"qMusiciansPerRelease"_s, u"Musicians2"_s, MusicianColumns(), u"ReleaseId"_s)),
-      qMusiciansPerTrack(FConnection,
-                         ChildDef(u"qMusiciansPerTrack"_s, u"Musicians2"_s, MusicianColumns(), u"TrackId"_s)),
-      qOtherPictures(FConnection,
-                     ChildDef(u"qOtherPictures"_s, u"OtherPictures2"_s, OtherPictureColumns(), u"ReleaseId"_s)),
-      qFriends(FConnection, ChildDef(u"qFriends"_s, u"Friends2"_s, FriendColumns(), {})),
-      qLoans(FConnection, ChildDef(u"qLoans"_s, u"Loans2"_s, LoanColumns(), {})),
+      FEdited(FConnection),
+      FRead(FConnection),
+      FStored(FConnection),
+      qReleaseInfo(FEdited.Info),
+      qTracksDetail(FEdited.Tracks),
+      qMusiciansPerRelease(FEdited.Credits),
+      qMusiciansPerTrack(FEdited.TrackCredits),
+      qOtherPictures(FEdited.Pictures),
+      qFriends(FConnection, FriendsDef()),
+      qLoans(FConnection, LoansDef()),
       qStats(FConnection, StatsDef()),
       FPrompt(prompt)
 {
@@ -188,6 +38,10 @@ TDataModuleMain::TDataModuleMain(TPrompt& prompt)
     SetRules();
     FConnection.SetLockWait(FLockWait);
     FConnection.OnLocksGone = [this] { RestoreLocks(); };
+    FConnection.OnChange = [this](const char* table, qint64 row, bool cameOrWent) {
+        NoteChange(table, row, cameOrWent);
+    };
+    FConnection.OnRollback = [this] { NoteRollback(); };
     // Pages that a scan has mapped count as memory of the process, but mapping them again is what a scan waits for:
     // they go when no filter or sort has followed for a while.
     FMapTimer.setSingleShot(true);
@@ -238,6 +92,7 @@ qint64 TDataModuleMain::RunQuery(const QString& sql, bool canWrite, const std::f
     if (!canWrite)
         return connection.RunScript(sql, false, progress, receive);
     connection.OnChange = FConnection.OnChange;
+    connection.OnRollback = FConnection.OnRollback;
     TSQLiteTransaction transaction(connection);
     const qint64 changed = connection.RunScript(sql, true, progress, receive);
     transaction.Commit();
@@ -258,8 +113,10 @@ void TDataModuleMain::CommitTransaction()
 
 void TDataModuleMain::RollbackTransaction()
 {
-    if (FConnection.InTransaction())
-        FConnection.Exec(u"ROLLBACK"_s);
+    if (!FConnection.InTransaction())
+        return;
+    FConnection.Exec(u"ROLLBACK"_s);
+    TakeBack();
 }
 
 void TDataModuleMain::PostIfApplicable(TDataset& dataSet)
@@ -341,24 +198,46 @@ double TDataModuleMain::SumTrackLengths(qint64 from, qint64 to, qint64& count)
 
 qint64 TDataModuleMain::LastTrackID() { return FConnection.Scalar(u"SELECT max(ID) FROM Tracks2"_s).toLongLong(); }
 
-void TDataModuleMain::BindChildren(qint64 hidden)
+void TDataModuleMain::FollowList(bool follow)
 {
-    TDataset* master = hidden == 0 ? &qReleasesMain : nullptr;
     for (TDetailDataset* children : {&qTracksDetail, &qMusiciansPerRelease}) {
+        TDataset* master = follow ? &qReleasesMain : nullptr;
         if (children->Master() != master)
             children->SetMaster(master);
-        if (!master)
-            children->SetParam(hidden);
     }
 }
 
 void TDataModuleMain::SelectRelease(qint64 id)
 {
     // A release that the filter hides has no place in the list: then its children are asked for by its key.
-    BindChildren(qReleasesMain.Locate(id) ? 0 : id);
-    qReleaseInfo.SetParam(id);
-    qReleaseInfo.First();
-    qOtherPictures.SetParam(id);
+    const bool listed = qReleasesMain.Locate(id);
+    FollowList(listed && !FSession);
+    FEdited.Select(id);
+}
+
+void TDataModuleMain::BeginSession(qint64 release)
+{
+    if (FSession)
+        throw EDatabaseError(GetLanguageString(u"cSEditInProgress"_s));
+    for (TDetailDataset* cursor : FEdited.All())
+        cursor->Post();
+    FSession = true;
+    FollowList(false);
+    FEdited.Select(release);
+}
+
+void TDataModuleMain::EndSession()
+{
+    FSession = false;
+    FollowList(true);
+}
+
+TReleaseCursors& TDataModuleMain::ReadRelease(qint64 id)
+{
+    for (TDetailDataset* cursor : FRead.All())
+        cursor->ForgetRecords();
+    FRead.Select(id);
+    return FRead;
 }
 
 } // namespace Kestrune

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uChanges.h"
 #include "uDataSet.h"
 #include "uObjs.h"
+#include "uReleaseCursors.h"
 #include "uSQLite.h"
 
 #include <QObject>
@@ -81,8 +83,13 @@ public:
     bool AddingReleases() const { return FAddingReleases; }
     /// A copy of the release on which qReleaseInfo and the child cursors stand.
     TAlbumRelease CurrentReleaseToAlbumRelease();
-    /// Moves qReleaseInfo, qOtherPictures and the main list, where it holds the release, to a release.
+    /// Moves the release cursors and the main list, where it holds the release, to a release.
     void SelectRelease(qint64 id);
+    /// A release with its children as the file has them now, for showing and copying: other cursors than those in which
+    /// something is edited. Valid until the next call.
+    TReleaseCursors& ReadRelease(qint64 id);
+    /// The release on which such cursors stand, as an object of its own.
+    static TAlbumRelease ToAlbumRelease(TReleaseCursors& cursors);
 
     /// Runs a statement or a script.
     void ExecSQL(const QString& sql);
@@ -100,6 +107,7 @@ public:
     void StartTransaction();
     void CommitTransaction();
     void RollbackTransaction();
+    bool InTransaction() const { return FConnection.InTransaction(); }
 
     // Post or cancel an edit when there is one; begin one when there is a record and none is open. Never throw else.
     static void PostIfApplicable(TDataset& dataSet);
@@ -117,7 +125,9 @@ public:
     /// False for fields that the store step must leave alone: numbers given by the file, read-only fields, pictures,
     /// and `Rating` and `Release`, which follow from others.
     static bool IsFieldAssignable(const TFieldDef& field);
-    /// Puts a value of any kind into a field, converted to the field's kind; what does not convert becomes null.
+    /// A value of any kind as a field's kind has it; what does not convert becomes null.
+    static TVariant ToFieldValue(const TFieldDef& field, const TVariant& value);
+    /// Puts such a value into a field; nothing into one that is not assignable.
     static void AssignFieldValue(TDataset& dataSet, int field, const TVariant& value);
     /// The default of a field where `value` is null, zero, empty or false; else the value itself.
     static TVariant ApplyDefaultValue(const TVariant& value, const QString& fieldName);
@@ -140,11 +150,12 @@ public:
     std::vector<TSearchText> ReadSearchTexts(qint64 after, int count);
     /// The keys of up to `count` releases behind an ID, in the order of their IDs.
     std::vector<TReleaseKeys> ReadReleaseKeys(qint64 after, int count);
-    /// Whether it is noted which releases are written; off at first.
+    /// Whether the releases that are written are kept for TakeTouchedReleases; off at first.
     void NoteChanges(bool on);
     /// Notes a release of which something was or will be written in another way.
-    void TouchRelease(qint64 id) { NoteChange("Releases2", id); }
-    /// Releases of which something was written since they were last taken, at most so many; -1 for all.
+    void TouchRelease(qint64 id) { NoteChange("Releases2", id, false); }
+    /// Releases of which something was written since they were last taken, at most so many; -1 for all. None within a
+    /// transaction, whose end may undo them.
     std::vector<qint64> TakeTouchedReleases(int most = -1);
     bool HasTouchedReleases() const;
     /// Makes these the hits of foIsHit for the main list or for all tracks; gives the number of the search for the
@@ -160,13 +171,20 @@ private:
     TSQLiteConnection FConnection; // before the cursors, which use it
 
 public:
-    TListDataset qReleasesMain;          ///< all releases, under filter and sort
-    TListDataset qTracksAll;             ///< all tracks with their release; closed until it is needed
-    TDetailDataset qReleaseInfo;         ///< one release with its large pictures, by parameter
-    TDetailDataset qTracksDetail;        ///< tracks of the current release of qReleasesMain
-    TDetailDataset qMusiciansPerRelease; ///< credits of the current release
-    TDetailDataset qMusiciansPerTrack;   ///< credits of one track; its master is set while tracks are walked over
-    TDetailDataset qOtherPictures;       ///< further pictures of one release, by parameter
+    TListDataset qReleasesMain; ///< all releases, under filter and sort
+    TListDataset qTracksAll;    ///< all tracks with their release; closed until it is needed
+
+private:
+    TReleaseCursors FEdited; // for who edits
+    TReleaseCursors FRead;   // for who shows
+    TReleaseCursors FStored; // for AddAlbumReleaseToDB
+
+public:
+    TDetailDataset& qReleaseInfo;         ///< one release with its large pictures, by parameter
+    TDetailDataset& qTracksDetail;        ///< tracks of the current release of qReleasesMain
+    TDetailDataset& qMusiciansPerRelease; ///< credits of the current release
+    TDetailDataset& qMusiciansPerTrack;   ///< credits of one track, by parameter
+    TDetailDataset& qOtherPictures;       ///< further pictures of one release, by parameter
     TDetailDataset qFriends;
     TDetailDataset qLoans;
     TDetailDataset qStats; ///< one row of totals
@@ -174,8 +192,9 @@ public:
 Q_SIGNALS:
     /// Another collection was opened, or the open one was closed.
     void collectionChanged();
-    /// Something of a release was written; told once for many.
-    void releasesTouched();
+    /// Rows were written or taken back, by whatever way; told once for many, after it was done. The cursors of the
+    /// collection know it already.
+    void changed(const Kestrune::TChanges& changes);
 
 private:
     std::vector<TDataset*> AllCursors();
@@ -192,15 +211,20 @@ private:
     void SetRules();
     void StoreRelease(const TAlbumRelease& release, bool assignNewNo);
     qint64 StoreMainRow(const TAlbumRelease& release, bool assignNewNo);
-    void StoreLargePictures(const TAlbumRelease& release, qint64 id);
-    void StoreOtherPictures(const TAlbumRelease& release);
+    void StorePictures(const TAlbumRelease& release);
     void StoreTracks(const TAlbumRelease& release);
-    void StoreCredits(TDataset& cursor, const std::vector<TAlbumCredit>& credits);
-    /// Tracks and credits follow the main list (0), or stand on a release that it does not show.
-    void BindChildren(qint64 hidden);
-    void NoteChange(const char* table, qint64 row);
+    void SetReleaseRules(TReleaseCursors& cursors);
+    /// Tracks and credits follow the main list, or stand where they were put.
+    void FollowList(bool follow);
+    friend class TEditSession;
+    void BeginSession(qint64 release);
+    void EndSession();
+    void NoteChange(const char* table, qint64 row, bool cameOrWent);
+    void NoteRollback();
+    void TellLater();
+    void TellChanges();
+    void TakeBack();
     QByteArray ThumbnailOf(const QByteArray& largePicture) const;
-    void ReadTracks(TAlbumRelease& release);
 
     TPrompt& FPrompt;
     int FLockWait = 40;
@@ -208,8 +232,11 @@ private:
     bool FAddingReleases = false;
     qint64 FLastAddedReleaseID = 0;
     const TAlbumRelease* FReleaseInWork = nullptr;
-    std::unordered_set<qint64> FTouched, FTouchedTracks, FTouchedCredits;
-    bool FTouchTold = false;
+    bool FSession = false;
+    bool FKeepsTouched = false;
+    TChanges FTouched; // not yet taken
+    TChanges FUntold;  // not yet told
+    bool FTelling = false;
     qint64 FHitsNumber = 0;
 };
 

@@ -128,8 +128,12 @@ void TDataModuleMain::CreateNewDB(const QString& filepath, const QString& sql)
 
 void TDataModuleMain::CloseCursors()
 {
+    FSession = false;
     for (TDataset* cursor : AllCursors())
         cursor->Close();
+    for (TReleaseCursors* cursors : {&FRead, &FStored})
+        for (TDetailDataset* cursor : cursors->All())
+            cursor->Close();
 }
 
 void TDataModuleMain::Disconnect()
@@ -233,6 +237,9 @@ void TDataModuleMain::OpenCursors()
         step.Cursor.Open();
     }
     qStats.Open();
+    for (TReleaseCursors* cursors : {&FRead, &FStored})
+        for (TDetailDataset* cursor : cursors->All())
+            cursor->Open();
 }
 
 } // namespace Kestrune

@@ -32,18 +32,17 @@ std::vector<TAlbumCredit> ReadCredits(TDataset& cursor)
 }
 
 // Live, blank, hidden and instrumental marks and the rating of a track are not carried over.
-TAlbumTrack ReadTrack(const TDataset& cursor)
+TAlbumTrack ReadTrack(const TDataset& cursor, int row)
 {
-    const auto text = [&](const QString& name) { return VarToStr(cursor.Value(name)); };
-    const auto number = [&](const QString& name) {
-        return static_cast<int>(VarToInt64(cursor.Value(name)).toLongLong());
-    };
+    const auto value = [&](const QString& name) { return cursor.ValueAt(row, cursor.FieldIndex(name)); };
+    const auto text = [&](const QString& name) { return VarToStr(value(name)); };
+    const auto number = [&](const QString& name) { return static_cast<int>(VarToInt64(value(name)).toLongLong()); };
     TAlbumTrack track;
     track.TrackNo = number(u"TrackNo"_s);
     track.TrackName = text(u"TrackTitle"_s);
     track.TrackArtist = text(u"Artist"_s);
     track.TrackGenre = text(u"Genre"_s);
-    track.DurationSec = static_cast<int>(RoundHalfEven(cursor.Value(u"TrackLength"_s).toDouble() * 86400.0));
+    track.DurationSec = static_cast<int>(RoundHalfEven(value(u"TrackLength"_s).toDouble() * 86400.0));
     track.DiscNo = number(u"DiscNo"_s);
     track.BPM = number(u"BPM"_s);
     track.Bitrate = number(u"Bitrate"_s);
@@ -57,8 +56,8 @@ TAlbumTrack ReadTrack(const TDataset& cursor)
     track.Conductor = text(u"Conductor"_s);
     track.Orchestra = text(u"Orchestra"_s);
     track.Chorus = text(u"Chorus"_s);
-    track.IsRemix = VarToBool(cursor.Value(u"IsRemix"_s));
-    track.IsCover = VarToBool(cursor.Value(u"IsCover"_s));
+    track.IsRemix = VarToBool(value(u"IsRemix"_s));
+    track.IsCover = VarToBool(value(u"IsCover"_s));
     return track;
 }
 
@@ -78,28 +77,34 @@ QString OneCharacter(char32_t character) { return QString::fromUcs4(&character, 
 
 } // namespace
 
-TAlbumRelease TDataModuleMain::CurrentReleaseToAlbumRelease()
+TAlbumRelease TDataModuleMain::CurrentReleaseToAlbumRelease() { return ToAlbumRelease(FEdited); }
+
+TAlbumRelease TDataModuleMain::ToAlbumRelease(TReleaseCursors& cursors)
 {
     TAlbumRelease release;
-    for (int i = 0; i < static_cast<int>(qReleaseInfo.Fields().size()); ++i) {
-        const TFieldDef& field = qReleaseInfo.Fields()[static_cast<size_t>(i)];
+    for (int i = 0; i < static_cast<int>(cursors.Info.Fields().size()); ++i) {
+        const TFieldDef& field = cursors.Info.Fields()[static_cast<size_t>(i)];
         if (field.AutoIncrement || field.ReadOnly || field.Kind == fkBlob)
             continue;
-        if (const TVariant value = qReleaseInfo.Value(i); !VarIsNull(value))
+        if (const TVariant value = cursors.Info.Value(i); !VarIsNull(value))
             release.SetItem2(field.Name, value);
     }
     for (const TPictureSource& source : PictureSources) {
-        const TVariant bytes = qReleaseInfo.Value(QString::fromUtf16(source.Column));
+        const TVariant bytes = cursors.Info.Value(QString::fromUtf16(source.Column));
         if (!VarIsNull(bytes))
-            release.AddPicture(source.Type).LoadFromBytes(bytes.toByteArray());
+            release.AddPicture(source.Type).LoadStored(bytes.toByteArray());
     }
-    ReadTracks(release);
-    release.Credits = ReadCredits(qMusiciansPerRelease);
-    const int picture = qOtherPictures.FieldIndex(u"Picture"_s);
-    for (int row = 0; row < qOtherPictures.RecordCount(); ++row) {
-        const TVariant bytes = qOtherPictures.ValueAt(row, picture);
+    for (int row = 0; row < cursors.Tracks.RecordCount(); ++row) {
+        release.Tracks.push_back(ReadTrack(cursors.Tracks, row));
+        cursors.TrackCredits.SetParam(cursors.Tracks.KeyAt(row));
+        release.Tracks.back().Credits = ReadCredits(cursors.TrackCredits);
+    }
+    release.Credits = ReadCredits(cursors.Credits);
+    const int picture = cursors.Pictures.FieldIndex(u"Picture"_s);
+    for (int row = 0; row < cursors.Pictures.RecordCount(); ++row) {
+        const TVariant bytes = cursors.Pictures.ValueAt(row, picture);
         if (!VarIsNull(bytes))
-            release.AddPicture(cptOther).LoadFromBytes(bytes.toByteArray());
+            release.AddPicture(cptOther).LoadStored(bytes.toByteArray());
     }
     return release;
 }
@@ -145,18 +150,6 @@ std::vector<qint64> TDataModuleMain::ReleasesByTitle(const QString& beginning)
     }
     query.Reset();
     return ids;
-}
-
-void TDataModuleMain::ReadTracks(TAlbumRelease& release)
-{
-    qMusiciansPerTrack.SetMaster(&qTracksDetail);
-    for (int row = 0; row < qTracksDetail.RecordCount(); ++row) {
-        qTracksDetail.MoveTo(row);
-        TAlbumTrack track = ReadTrack(qTracksDetail);
-        track.Credits = ReadCredits(qMusiciansPerTrack);
-        release.Tracks.push_back(std::move(track));
-    }
-    qMusiciansPerTrack.SetMaster(nullptr);
 }
 
 } // namespace Kestrune

@@ -16,11 +16,10 @@ namespace {
 
 QString NowText() { return QDateTime::currentDateTime().toString(u"yyyy-MM-dd hh:mm:ss"_s); }
 
-void PostRatingAndTime(TDataset& cursor)
-{
-    cursor.SetValue(u"Rating_Calc"_s, cursor.Value(u"Rating_Calc"_s));
-    cursor.SetValue(u"LastModified"_s, NowText());
-}
+// `Rating` follows `Rating_Calc` when that is set, so a rating that somebody else gave meanwhile stays.
+void PostTime(TDataset& cursor) { cursor.SetValue(u"LastModified"_s, NowText()); }
+
+void SetAdded(TDataset& cursor) { cursor.SetValue(u"DateAdded"_s, NowText()); }
 
 bool IsZero(const TVariant& value)
 {
@@ -34,6 +33,8 @@ bool IsZero(const TVariant& value)
 
 void ClearZero(TDataset& cursor, const QString& field)
 {
+    if (!cursor.IsChanged(cursor.FieldIndex(field)))
+        return;
     if (const TVariant value = cursor.Value(field); !VarIsNull(value) && IsZero(value))
         cursor.SetValue(field, TVariant());
 }
@@ -94,6 +95,26 @@ constexpr TDefaultRow DefaultRows[] = {
     {"IsRare"_L1, [](const TDefaultValues& values) { return TVariant(values.IsRare); }},
 };
 
+void NewRelease(TDataset& cursor)
+{
+    cursor.SetValue(u"ReleaseName"_s, GetLanguageString(u"cSReleasesFieldReleaseName"_s));
+    SetAdded(cursor);
+}
+
+void PostRelease(TDataset& cursor)
+{
+    PostTime(cursor);
+    for (const QString& field : {u"ReleaseDate"_s, u"ReleaseYear"_s, u"DateAdded"_s})
+        ClearZero(cursor, field);
+}
+
+void NewTrack(TDataset& cursor, const TVariant& release)
+{
+    cursor.SetValue(u"ReleaseId"_s, release);
+    cursor.SetValue(u"TrackLength"_s, 0.0);
+    SetAdded(cursor);
+}
+
 bool CountsAsEmpty(const TVariant& value)
 {
     if (VarIsNullOrEmpty(value))
@@ -109,12 +130,18 @@ bool TDataModuleMain::IsFieldAssignable(const TFieldDef& field)
            field.Name != "Release"_L1;
 }
 
+TVariant TDataModuleMain::ToFieldValue(const TFieldDef& field, const TVariant& value)
+{
+    return VarIsNullOrEmpty(value) ? TVariant() : ConvertToKind(value, field.Kind);
+}
+
 void TDataModuleMain::AssignFieldValue(TDataset& dataSet, int field, const TVariant& value)
 {
-    if (field < 0 || !IsFieldAssignable(dataSet.Fields()[static_cast<size_t>(field)]))
+    if (field < 0)
         return;
-    const TFieldKind kind = dataSet.Fields()[static_cast<size_t>(field)].Kind;
-    dataSet.SetValue(field, VarIsNullOrEmpty(value) ? TVariant() : ConvertToKind(value, kind));
+    const TFieldDef& def = dataSet.Fields()[static_cast<size_t>(field)];
+    if (IsFieldAssignable(def))
+        dataSet.SetValue(field, ToFieldValue(def, value));
 }
 
 TVariant TDataModuleMain::ApplyDefaultValue(const TVariant& value, const QString& fieldName)
@@ -139,20 +166,25 @@ QByteArray TDataModuleMain::ThumbnailOf(const QByteArray& largePicture) const
 
 void TDataModuleMain::SetRules()
 {
-    qReleasesMain.AfterInsert = [](TDataset& cursor) {
-        cursor.SetValue(u"ReleaseName"_s, GetLanguageString(u"cSReleasesFieldReleaseName"_s));
-    };
-    qReleasesMain.BeforePost = [](TDataset& cursor) {
-        PostRatingAndTime(cursor);
-        for (const QString& field : {u"ReleaseDate"_s, u"ReleaseYear"_s, u"DateAdded"_s})
-            ClearZero(cursor, field);
-    };
-    qReleaseInfo.BeforePost = PostRatingAndTime;
+    qReleasesMain.AfterInsert = NewRelease;
+    qReleasesMain.BeforePost = PostRelease;
+    for (TReleaseCursors* cursors : {&FEdited, &FStored})
+        SetReleaseRules(*cursors);
     qReleaseInfo.AfterPost = [this](TDataset& cursor) {
         if (OnReleaseInfoAfterPost)
             OnReleaseInfoAfterPost(cursor);
     };
-    qReleaseInfo.OnFieldChanged = [this](TDataset& cursor, int field) {
+    qTracksAll.AfterInsert = [this](TDataset& cursor) {
+        NewTrack(cursor, FSession ? qReleaseInfo.Param() : TVariant(qReleasesMain.CurrentKey()));
+    };
+    qTracksAll.BeforePost = PostTime;
+}
+
+void TDataModuleMain::SetReleaseRules(TReleaseCursors& cursors)
+{
+    cursors.Info.AfterInsert = NewRelease;
+    cursors.Info.BeforePost = PostRelease;
+    cursors.Info.OnFieldChanged = [this](TDataset& cursor, int field) {
         if (field != cursor.FieldIndex(u"LargePicture"_s))
             return;
         const QByteArray thumb = ThumbnailOf(cursor.Value(field).toByteArray());
@@ -160,24 +192,17 @@ void TDataModuleMain::SetRules()
         if (!thumb.isEmpty() || !FReleaseInWork)
             cursor.SetValue(u"ThumbPicture"_s, thumb.isEmpty() ? TVariant() : TVariant(thumb));
     };
-
-    const auto newTrack = [this](TDataset& cursor) {
-        cursor.SetValue(u"ReleaseId"_s, qReleasesMain.CurrentKey());
-        cursor.SetValue(u"TrackLength"_s, 0.0);
+    cursors.Tracks.AfterInsert = [&tracks = cursors.Tracks](TDataset& cursor) { NewTrack(cursor, tracks.Param()); };
+    cursors.Tracks.BeforePost = PostTime;
+    const auto setParent = [](TDetailDataset& children, const QString& column) {
+        children.AfterInsert = [&children, column](TDataset& cursor) {
+            if (const TVariant parent = children.Param(); parent.toLongLong() > 0)
+                cursor.SetValue(column, parent);
+        };
     };
-    const auto childOfRelease = [this](TDataset& cursor) {
-        cursor.SetValue(u"ReleaseId"_s, qReleasesMain.CurrentKey());
-    };
-    for (TDataset* tracks : {static_cast<TDataset*>(&qTracksDetail), static_cast<TDataset*>(&qTracksAll)}) {
-        tracks->AfterInsert = newTrack;
-        tracks->BeforePost = PostRatingAndTime;
-    }
-    qMusiciansPerRelease.AfterInsert = childOfRelease;
-    qOtherPictures.AfterInsert = childOfRelease;
-    qMusiciansPerTrack.AfterInsert = [this](TDataset& cursor) {
-        if (const TDataset* master = qMusiciansPerTrack.Master())
-            cursor.SetValue(u"TrackId"_s, master->CurrentKey());
-    };
+    setParent(cursors.Credits, u"ReleaseId"_s);
+    setParent(cursors.Pictures, u"ReleaseId"_s);
+    setParent(cursors.TrackCredits, u"TrackId"_s);
 }
 
 } // namespace Kestrune

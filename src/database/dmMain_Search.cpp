@@ -67,50 +67,31 @@ std::vector<TReleaseKeys> TDataModuleMain::ReadReleaseKeys(qint64 after, int cou
     return keys;
 }
 
-void TDataModuleMain::NoteChange(const char* table, qint64 row)
-{
-    const QLatin1StringView name(table);
-    if (name == "Releases2"_L1)
-        FTouched.insert(row);
-    else if (name == "Tracks2"_L1)
-        FTouchedTracks.insert(row);
-    else if (name == "Musicians2"_L1)
-        FTouchedCredits.insert(row);
-    else
-        return;
-    if (!std::exchange(FTouchTold, true))
-        QMetaObject::invokeMethod(
-            this,
-            [this] {
-                FTouchTold = false;
-                Q_EMIT releasesTouched();
-            },
-            Qt::QueuedConnection);
-}
-
 bool TDataModuleMain::HasTouchedReleases() const
 {
-    return !FTouched.empty() || !FTouchedTracks.empty() || !FTouchedCredits.empty();
+    return !FTouched.Releases.empty() || !FTouched.Tracks.empty() || !FTouched.Credits.empty();
 }
 
 std::vector<qint64> TDataModuleMain::TakeTouchedReleases(int most)
 {
+    if (FConnection.InTransaction())
+        return {};
     // A row that is gone belongs to a release that was written with it, or is gone too.
     const auto resolve = [this](std::unordered_set<qint64>& rows, const QString& sql) {
         for (const qint64 row : rows)
             if (const qint64 release = HasData() ? FConnection.Scalar(sql, {row}).toLongLong() : 0; release > 0)
-                FTouched.insert(release);
+                FTouched.Releases.insert(release);
         rows.clear();
     };
-    if (FTouchedTracks.size() + FTouchedCredits.size() > 0) {
-        resolve(FTouchedTracks, u"SELECT ReleaseId FROM Tracks2 WHERE ID = ?"_s);
-        resolve(FTouchedCredits, u"SELECT ifnull(M.ReleaseId, T.ReleaseId) FROM Musicians2 M LEFT JOIN Tracks2 T"
-                                 " ON T.ID = M.TrackId WHERE M.ID = ?"_s);
+    if (FTouched.Tracks.size() + FTouched.Credits.size() > 0) {
+        resolve(FTouched.Tracks, u"SELECT ReleaseId FROM Tracks2 WHERE ID = ?"_s);
+        resolve(FTouched.Credits, u"SELECT ifnull(M.ReleaseId, T.ReleaseId) FROM Musicians2 M LEFT JOIN Tracks2 T"
+                                  " ON T.ID = M.TrackId WHERE M.ID = ?"_s);
     }
     std::vector<qint64> taken;
-    while (!FTouched.empty() && (most < 0 || taken.size() < static_cast<size_t>(most))) {
-        taken.push_back(*FTouched.begin());
-        FTouched.erase(FTouched.begin());
+    while (!FTouched.Releases.empty() && (most < 0 || taken.size() < static_cast<size_t>(most))) {
+        taken.push_back(*FTouched.Releases.begin());
+        FTouched.Releases.erase(FTouched.Releases.begin());
     }
     return taken;
 }
@@ -126,17 +107,6 @@ qint64 TDataModuleMain::SetHits(const std::vector<qint64>& releases, bool ofTrac
 qint64 TDataModuleMain::FirstTrackOf(qint64 release)
 {
     return FConnection.Scalar(u"SELECT min(ID) FROM Tracks2 WHERE ReleaseId = ?"_s, {release}).toLongLong();
-}
-
-void TDataModuleMain::NoteChanges(bool on)
-{
-    FTouched.clear();
-    FTouchedTracks.clear();
-    FTouchedCredits.clear();
-    if (on)
-        FConnection.OnChange = [this](const char* table, qint64 row) { NoteChange(table, row); };
-    else
-        FConnection.OnChange = nullptr;
 }
 
 } // namespace Kestrune

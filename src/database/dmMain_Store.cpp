@@ -3,6 +3,8 @@
 #include "uTHStrings.h"
 #include "uThreads.h"
 
+#include <QScopeGuard>
+
 #include <array>
 #include <span>
 
@@ -101,6 +103,16 @@ void FillTrack(TDataset& cursor, const TTrackFieldIndex& fields, const TAlbumTra
                     track.BPM != 0 ? TVariant(track.BPM) : TDataModuleMain::ApplyDefaultValue(TVariant(), u"BPM"_s));
 }
 
+void StoreCredits(TDataset& cursor, const std::vector<TAlbumCredit>& credits)
+{
+    for (const TAlbumCredit& credit : credits) {
+        cursor.Append();
+        cursor.SetValue(u"Musician"_s, TextOrNull(credit.Musician));
+        cursor.SetValue(u"Instrument"_s, TextOrNull(credit.Credit));
+        cursor.Post();
+    }
+}
+
 } // namespace
 
 void TDataModuleMain::AddAlbumReleaseToDB(const TAlbumRelease& release, bool assignNewNo)
@@ -110,53 +122,33 @@ void TDataModuleMain::AddAlbumReleaseToDB(const TAlbumRelease& release, bool ass
         throw EDatabaseError(GetLanguageString(u"cSNoCollectionOpen"_s));
     if (IsReadOnly())
         throw EDatabaseError(GetLanguageString(u"cSCollectionReadOnly"_s));
-    const qint64 before = qReleasesMain.CurrentKey();
-    const int count = qReleasesMain.RecordCount();
     FAddingReleases = true;
     FReleaseInWork = &release;
-    DisableControlsAll();
-    const auto finish = [this] {
-        for (TDetailDataset* cursor : {&qTracksDetail, &qMusiciansPerRelease, &qMusiciansPerTrack, &qOtherPictures})
-            cursor->Invalidate();
-        qMusiciansPerTrack.SetMaster(nullptr);
+    const auto finish = qScopeGuard([this] {
+        for (TDetailDataset* cursor : FStored.All())
+            cursor->Invalidate(); // also what was in work when it failed
         FReleaseInWork = nullptr;
-        EnableControlsAll();
         FAddingReleases = false;
-    };
-    try {
-        TSQLiteTransaction transaction(FConnection);
-        StoreRelease(release, assignNewNo);
-        transaction.Commit();
-        qReleasesMain.InvalidateRow(FLastAddedReleaseID);
-    } catch (...) {
-        for (TDataset* cursor : AllCursors())
-            CancelIfApplicable(*cursor);
-        if (qReleasesMain.RecordCount() > count)
-            qReleasesMain.ForgetKey(qReleasesMain.KeyAt(count));
-        qReleaseInfo.SetParam(before);
-        qReleaseInfo.First();
-        qReleasesMain.Locate(before);
-        finish();
-        throw;
-    }
-    finish();
+    });
+    TSQLiteTransaction transaction(FConnection);
+    StoreRelease(release, assignNewNo);
+    transaction.Commit();
+    qReleasesMain.TakeIn(FLastAddedReleaseID);
 }
 
 void TDataModuleMain::StoreRelease(const TAlbumRelease& release, bool assignNewNo)
 {
-    BindChildren(0);
-    const qint64 id = StoreMainRow(release, assignNewNo);
-    StoreLargePictures(release, id);
-    StoreOtherPictures(release);
-    StoreCredits(qMusiciansPerRelease, release.Credits);
+    FLastAddedReleaseID = StoreMainRow(release, assignNewNo);
+    FStored.SelectNew(FLastAddedReleaseID);
+    StorePictures(release);
+    StoreCredits(FStored.Credits, release.Credits);
     StoreTracks(release);
-    FLastAddedReleaseID = id;
 }
 
 qint64 TDataModuleMain::StoreMainRow(const TAlbumRelease& release, bool assignNewNo)
 {
-    TDataset& cursor = qReleasesMain;
-    CancelIfApplicable(cursor);
+    TDetailDataset& cursor = FStored.Info;
+    cursor.SetParamOfNew(TVariant());
     cursor.Append();
     for (int i = 0; i < static_cast<int>(cursor.Fields().size()); ++i) {
         const TVariant value = ApplyDefaultValue(TVariant(), cursor.Fields()[static_cast<size_t>(i)].Name);
@@ -173,39 +165,22 @@ qint64 TDataModuleMain::StoreMainRow(const TAlbumRelease& release, bool assignNe
     }
     if (assignNewNo || VarIsNull(cursor.Value(u"No"_s)))
         cursor.SetValue(u"No"_s, FConnection.Scalar(u"select ifnull(max(no)+1, 1) as No from releases2"_s));
+    // The thumbnails that came first: the large front picture makes its own.
     CopyPictures(release, cursor, ThumbColumns);
+    CopyPictures(release, cursor, LargeColumns);
     cursor.Post();
     return cursor.CurrentKey();
 }
 
-void TDataModuleMain::StoreLargePictures(const TAlbumRelease& release, qint64 id)
+void TDataModuleMain::StorePictures(const TAlbumRelease& release)
 {
-    qReleaseInfo.SetParam(id);
-    qReleaseInfo.First();
-    EditIfApplicable(qReleaseInfo);
-    CopyPictures(release, qReleaseInfo, LargeColumns);
-    PostIfApplicable(qReleaseInfo);
-}
-
-void TDataModuleMain::StoreOtherPictures(const TAlbumRelease& release)
-{
-    qOtherPictures.SetParam(qReleasesMain.CurrentKey());
     for (const auto& picture : release.Pictures) {
-        if (picture->PictureType() != cptOther || !picture->HasImage() || picture->Size().width() <= 1)
+        const bool dot = !picture->Size().isEmpty() && picture->Size().width() <= 1;
+        if (picture->PictureType() != cptOther || !picture->HasImage() || dot)
             continue;
-        qOtherPictures.Append();
-        qOtherPictures.SetValue(u"Picture"_s, picture->Bytes());
-        qOtherPictures.Post();
-    }
-}
-
-void TDataModuleMain::StoreCredits(TDataset& cursor, const std::vector<TAlbumCredit>& credits)
-{
-    for (const TAlbumCredit& credit : credits) {
-        cursor.Append();
-        cursor.SetValue(u"Musician"_s, TextOrNull(credit.Musician));
-        cursor.SetValue(u"Instrument"_s, TextOrNull(credit.Credit));
-        cursor.Post();
+        FStored.Pictures.Append();
+        FStored.Pictures.SetValue(u"Picture"_s, picture->Bytes());
+        FStored.Pictures.Post();
     }
 }
 
@@ -213,17 +188,18 @@ void TDataModuleMain::StoreTracks(const TAlbumRelease& release)
 {
     if (release.Tracks.empty())
         return;
-    qMusiciansPerTrack.SetMaster(&qTracksDetail);
-    const TTrackFieldIndex fields(qTracksDetail);
+    const TTrackFieldIndex fields(FStored.Tracks);
     const QString artist = VarToStr(release.GetItem2(u"Artist"_s));
     const QString genre = VarToStr(ApplyDefaultValue(release.GetItem2(u"Genre"_s), u"Genre"_s));
     for (const TAlbumTrack& track : release.Tracks) {
-        qTracksDetail.Append();
-        FillTrack(qTracksDetail, fields, track, artist, genre);
-        qTracksDetail.Post();
-        StoreCredits(qMusiciansPerTrack, track.Credits);
+        FStored.Tracks.Append();
+        FillTrack(FStored.Tracks, fields, track, artist, genre);
+        FStored.Tracks.Post();
+        if (track.Credits.empty())
+            continue;
+        FStored.TrackCredits.SetParamOfNew(FStored.Tracks.CurrentKey());
+        StoreCredits(FStored.TrackCredits, track.Credits);
     }
-    qMusiciansPerTrack.SetMaster(nullptr);
 }
 
 } // namespace Kestrune

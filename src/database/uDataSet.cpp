@@ -4,15 +4,19 @@
 #include "uTHStrings.h"
 
 #include <QDateTime>
+#include <QScopeGuard>
 #include <QStringList>
 
 #include <algorithm>
+#include <cmath>
 
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr double MostStars = 5.0;
 
 QString Quoted(const QString& name) { return u'"' + name + u'"'; }
 
@@ -63,6 +67,7 @@ QString TDataset::RowRefreshSQL() const { return SelectSQL() + u" WHERE %1 = :OL
 void TDataset::Close()
 {
     FState = dsInactive;
+    FEditKey = 0;
     FBuffer.clear();
     FChanged.clear();
     FRecNo = -1;
@@ -75,7 +80,12 @@ void TDataset::SetRecNo(int row)
         Q_EMIT currentChanged();
 }
 
-void TDataset::MoveTo(int row) { SetRecNo(row >= 0 && row < RecordCount() ? row : -1); }
+void TDataset::MoveTo(int row)
+{
+    if (FState == dsInsert || (FState == dsEdit && RowOfKey(FEditKey) != row))
+        Post();
+    SetRecNo(row >= 0 && row < RecordCount() ? row : -1);
+}
 
 bool TDataset::Next()
 {
@@ -93,7 +103,14 @@ bool TDataset::Locate(qint64 key)
     return row >= 0;
 }
 
-qint64 TDataset::CurrentKey() const { return FRecNo >= 0 && FState != dsInsert ? KeyAt(FRecNo) : 0; }
+qint64 TDataset::CurrentKey() const
+{
+    switch (FState) {
+    case dsInsert: return 0;
+    case dsEdit: return FEditKey;
+    default: return FRecNo >= 0 ? KeyAt(FRecNo) : 0;
+    }
+}
 
 TVariant TDataset::Computed(const TRecord& record, int field) const
 {
@@ -117,7 +134,7 @@ TVariant TDataset::Value(int field) const
     if (def.Expression.isEmpty())
         return Computed(FBuffer, field);
     if (def.Lazy && FState == dsEdit && !FChanged[static_cast<size_t>(field)])
-        return ReadBlob(FRecNo, field);
+        return ReadBlobOf(FEditKey, field);
     return FBuffer[static_cast<size_t>(field)];
 }
 
@@ -136,9 +153,10 @@ TVariant TDataset::ValueAt(int row, int field) const
     return def.Expression.isEmpty() ? Computed(record, field) : record[static_cast<size_t>(field)];
 }
 
-QByteArray TDataset::ReadBlob(int row, int field) const
+QByteArray TDataset::ReadBlob(int row, int field) const { return ReadBlobOf(KeyAt(row), field); }
+
+QByteArray TDataset::ReadBlobOf(qint64 key, int field) const
 {
-    const qint64 key = KeyAt(row);
     if (key == 0 || field < 0)
         return {};
     const TFieldDef& def = FDef.Fields[static_cast<size_t>(field)];
@@ -163,7 +181,9 @@ void TDataset::SetValue(int field, const TVariant& value)
         throw EDatabaseError(GetLanguageString(u"cSNoRecord"_s));
     if (field == FRatingCalcField) {
         const TVariant stars = VarToDouble(value);
-        SetValue(FRatingField, VarIsNull(stars) ? TVariant() : TVariant(RoundHalfEven(stars.toDouble() * 2.0)));
+        const bool none = VarIsNull(stars) || std::isnan(stars.toDouble());
+        SetValue(FRatingField,
+                 none ? TVariant() : TVariant(RoundHalfEven(std::clamp(stars.toDouble(), 0.0, MostStars) * 2.0)));
         return;
     }
     if (def.Expression.isEmpty())
@@ -193,6 +213,7 @@ void TDataset::Edit()
         return;
     if (FRecNo < 0)
         throw EDatabaseError(GetLanguageString(u"cSNoRecord"_s));
+    FEditKey = KeyAt(FRecNo);
     FBuffer = RecordAt(FRecNo);
     FBuffer.resize(FDef.Fields.size());
     FChanged.assign(FDef.Fields.size(), false);
@@ -222,6 +243,11 @@ void TDataset::Post()
         AfterPost(*this);
 }
 
+bool TDataset::IsChanged(int field) const
+{
+    return FState == dsInsert || (FState == dsEdit && field >= 0 && FChanged[static_cast<size_t>(field)]);
+}
+
 bool TDataset::IsWritten(size_t field) const
 {
     const TFieldDef& def = FDef.Fields[field];
@@ -244,27 +270,73 @@ const QString& TDataset::InsertSQL(const std::vector<bool>& columns)
     return sql;
 }
 
-void TDataset::InsertRecord()
+qint64 TDataset::WriteInsert(const TRecord& record)
 {
     // Columns without a value are left out, so that the file's own defaults stand.
     std::vector<bool> columns(FDef.Fields.size());
     std::vector<TVariant> values;
     for (size_t i = 0; i < FDef.Fields.size(); ++i) {
-        columns[i] = IsWritten(i) && !VarIsNull(FBuffer[i]);
+        columns[i] = IsWritten(i) && !VarIsNull(record[i]);
         if (columns[i])
-            values.push_back(FBuffer[i]);
+            values.push_back(record[i]);
     }
-    const QString& sql = InsertSQL(columns);
-    TSQLiteStatement& statement = FConnection.Cached(sql);
+    TSQLiteStatement& statement = FConnection.Cached(InsertSQL(columns));
     statement.BindAll(values);
     statement.Execute();
-    const qint64 key = FConnection.LastInsertRowId();
-    if (const int id = FieldIndex(u"ID"_s); id >= 0)
-        FBuffer[static_cast<size_t>(id)] = key;
+    return FConnection.LastInsertRowId();
+}
+
+void TDataset::WriteUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed)
+{
+    if (!TryUpdate(key, record, changed))
+        throw EDatabaseError(GetLanguageString(u"cSRecordGone"_s));
+}
+
+bool TDataset::TryUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed)
+{
+    QStringList terms;
+    std::vector<TVariant> values;
+    for (size_t i = 0; i < FDef.Fields.size(); ++i) {
+        if (!changed[i] || !IsWritten(i))
+            continue;
+        terms.append(Quoted(FDef.Fields[i].Name) + u"=?"_s);
+        values.push_back(record[i]);
+    }
+    if (terms.isEmpty())
+        return true;
+    values.push_back(key);
+    TSQLiteStatement& statement =
+        FConnection.Cached(u"UPDATE %1 SET %2 WHERE ID=?"_s.arg(FDef.Table, terms.join(u',')));
+    statement.BindAll(values);
+    statement.Execute();
+    return FConnection.RowsChanged() > 0;
+}
+
+void TDataset::WriteDeletes(const std::vector<qint64>& keys)
+{
+    TSQLiteTransaction transaction(FConnection);
+    for (const qint64 key : keys) {
+        TSQLiteStatement& statement = FConnection.Cached(u"DELETE FROM %1 WHERE ID=?"_s.arg(FDef.Table));
+        statement.Bind(1, key);
+        statement.Execute();
+    }
+    transaction.Commit();
+}
+
+void TDataset::DropPictures()
+{
     for (size_t i = 0; i < FDef.Fields.size(); ++i) {
         if (FDef.Fields[i].Lazy)
             FBuffer[i] = TVariant();
     }
+}
+
+void TDataset::InsertRecord()
+{
+    const qint64 key = WriteInsert(FBuffer);
+    if (const int id = FieldIndex(u"ID"_s); id >= 0)
+        FBuffer[static_cast<size_t>(id)] = key;
+    DropPictures();
     FState = dsBrowse;
     const int row = AppendRecord(key, std::move(FBuffer));
     FBuffer.clear();
@@ -277,32 +349,13 @@ void TDataset::InsertRecord()
 
 void TDataset::UpdateRecord()
 {
-    const qint64 key = KeyAt(FRecNo);
-    QStringList terms;
-    std::vector<TVariant> values;
-    for (size_t i = 0; i < FDef.Fields.size(); ++i) {
-        const TFieldDef& field = FDef.Fields[i];
-        if (!FChanged[i] || !IsWritten(i))
-            continue;
-        terms.append(Quoted(field.Name) + u"=?"_s);
-        values.push_back(FBuffer[i]);
-    }
-    if (!terms.isEmpty()) {
-        values.push_back(key);
-        TSQLiteStatement& statement =
-            FConnection.Cached(u"UPDATE %1 SET %2 WHERE ID=?"_s.arg(FDef.Table, terms.join(u',')));
-        statement.BindAll(values);
-        statement.Execute();
-    }
-    for (size_t i = 0; i < FDef.Fields.size(); ++i) {
-        if (FDef.Fields[i].Lazy)
-            FBuffer[i] = TVariant();
-    }
+    WriteUpdate(FEditKey, FBuffer, FChanged);
+    DropPictures();
     FState = dsBrowse;
-    StoreRecord(FRecNo, std::move(FBuffer));
+    StoreRecord(FEditKey, std::move(FBuffer));
     FBuffer.clear();
-    if (SignalsEnabled())
-        Q_EMIT recordChanged(FRecNo);
+    if (const int row = RowOfKey(FEditKey); row >= 0 && SignalsEnabled())
+        Q_EMIT recordChanged(row);
 }
 
 void TDataset::Delete()
@@ -311,24 +364,50 @@ void TDataset::Delete()
         Cancel();
         return;
     }
-    if (FRecNo >= 0)
-        DeleteKeys({KeyAt(FRecNo)});
+    if (const qint64 key = CurrentKey(); key != 0)
+        DeleteKeys({key});
 }
 
 void TDataset::DeleteKeys(const std::vector<qint64>& keys)
 {
-    Cancel();
+    // An edit of a record that goes is dropped, any other is posted.
+    if (FState == dsEdit && std::ranges::count(keys, FEditKey) > 0)
+        Cancel();
+    Post();
     FConnection.CheckFileIsThere();
-    TSQLiteTransaction transaction(FConnection);
-    for (const qint64 key : keys) {
-        TSQLiteStatement& statement = FConnection.Cached(u"DELETE FROM %1 WHERE ID=?"_s.arg(FDef.Table));
-        statement.Bind(1, key);
-        statement.Execute();
-    }
-    transaction.Commit();
+    WriteDeletes(keys);
     RemoveKeys(keys);
     FRecNo = std::min(FRecNo, RecordCount() - 1);
     NotifyReset();
+}
+
+int TDataset::UpdateKeys(const std::vector<qint64>& keys, const std::vector<std::pair<QString, TVariant>>& values,
+                         const std::function<bool(int done, int count)>& progress)
+{
+    if (values.empty() || !Active())
+        return 0;
+    Post();
+    // One edit of no record stands for all: what the rules make of the values does not depend on the record.
+    FBuffer.assign(FDef.Fields.size(), TVariant());
+    FChanged.assign(FDef.Fields.size(), false);
+    FEditKey = 0;
+    FState = dsEdit;
+    const auto end = qScopeGuard([this] { Cancel(); });
+    for (const auto& [field, value] : values)
+        SetValue(field, value);
+    if (BeforePost)
+        BeforePost(*this);
+    const auto count = static_cast<int>(keys.size());
+    int done = 0;
+    int found = 0;
+    TSQLiteTransaction transaction(FConnection);
+    for (const qint64 key : keys) {
+        found += TryUpdate(key, FBuffer, FChanged) ? 1 : 0;
+        if (++done % 100 == 0 && progress && !progress(done, count))
+            return 0;
+    }
+    transaction.Commit();
+    return found;
 }
 
 void TDataset::RefreshRow(qint64 key)
@@ -340,7 +419,7 @@ void TDataset::RefreshRow(qint64 key)
     statement.Bind(1, key);
     const bool found = statement.Step();
     if (found)
-        StoreRecord(row, ReadRecord(statement));
+        StoreRecord(key, ReadRecord(statement));
     statement.Reset();
     if (found && SignalsEnabled())
         Q_EMIT recordChanged(row);
@@ -350,6 +429,12 @@ void TDataset::EnableControls()
 {
     FControlsDisabled = std::max(0, FControlsDisabled - 1);
     NotifyReset();
+}
+
+void TDataset::NotifyChanged()
+{
+    if (Active() && SignalsEnabled())
+        Q_EMIT recordsChanged();
 }
 
 void TDataset::NotifyReset()

@@ -66,7 +66,8 @@ public:
     bool IsEmpty() const { return RecordCount() == 0; }
     /// Position of the current record, or -1.
     int RecNo() const { return FRecNo; }
-    /// Makes a row current; -1 or a row that is not there leaves none current. Cancels nothing: Post or Cancel first.
+    /// Makes a row current; -1 or a row that is not there leaves none current. An open edit is posted first, and where
+    /// that fails nothing moves.
     void MoveTo(int row);
     void First() { MoveTo(IsEmpty() ? -1 : 0); }
     /// True when it moved; at the last record it stays and gives false.
@@ -76,7 +77,7 @@ public:
     /// Row of a key, or -1; key of a row, or 0.
     virtual int RowOfKey(qint64 key) const = 0;
     virtual qint64 KeyAt(int row) const = 0;
-    /// Key of the current record; 0 when there is none.
+    /// Key of the current record, of the one in edit when there is one; 0 when there is none.
     qint64 CurrentKey() const;
 
     /// Value of the current record, of the edit when there is one. Null for a field that is not there.
@@ -87,7 +88,7 @@ public:
     /// A picture of a row, read when asked for.
     QByteArray ReadBlob(int row, int field) const;
 
-    /// Changes the record in edit; goes into edit state by itself when browsing.
+    /// Changes the record in edit; goes into edit state by itself when browsing. A rating is kept within 0 to 5.
     void SetValue(int field, const TVariant& value);
     void SetValue(const QString& field, const TVariant& value) { SetValue(FieldIndex(field), value); }
 
@@ -95,18 +96,30 @@ public:
     void Append();
     /// Copies the current record for changes; nothing happens when an edit is open.
     void Edit();
-    /// Writes the edit; nothing happens without one.
+    /// Writes what was changed in the edit and nothing else; nothing happens without one. Throws, and leaves the edit
+    /// open, when the record is gone meanwhile.
     void Post();
+    /// True for a field that was given a value in the present edit; for all fields of a new record.
+    bool IsChanged(int field) const;
     /// Drops the edit.
     void Cancel();
     /// Deletes the current record; the next one becomes current.
     void Delete();
     /// Deletes rows by key in one transaction.
     void DeleteKeys(const std::vector<qint64>& keys);
+    /// Gives records the same values in one transaction, by the rules that hold for an edit of each. `progress` is told
+    /// how many are done of all, and takes everything back by giving false. The number of records that were there;
+    /// what fails changes none.
+    int UpdateKeys(const std::vector<qint64>& keys, const std::vector<std::pair<QString, TVariant>>& values,
+                   const std::function<bool(int done, int count)>& progress);
     /// Reads one record again from the file.
     void RefreshRow(qint64 key);
     /// Drops what was read, so that it is read again when it is next looked at; an edit stays open.
     virtual void ForgetRecords() = 0;
+    /// What was written may have been undone: reads again which records there are. An edit stays open.
+    virtual void TakeBack() = 0;
+    /// Tells those who show records that their values may be others; the rows are the same.
+    void NotifyChanged();
 
     /// While it is above zero no signal is sent; the last EnableControls sends dataReset.
     void DisableControls() { ++FControlsDisabled; }
@@ -122,17 +135,24 @@ Q_SIGNALS:
     /// All rows may have changed.
     void dataReset();
     void recordChanged(int row);
+    /// The values of any records may have changed, the rows have not.
+    void recordsChanged();
     void recordInserted(int row);
     /// Another record is current, or none.
     void currentChanged();
 
 protected:
     virtual const TRecord& RecordAt(int row) const = 0;
-    virtual void StoreRecord(int row, TRecord record) = 0;
+    /// Takes over a record that was written, or drops it to read it anew.
+    virtual void StoreRecord(qint64 key, TRecord record) = 0;
     virtual int AppendRecord(qint64 key, TRecord record) = 0;
     virtual void RemoveKeys(const std::vector<qint64>& keys) = 0;
     /// Called before a new record is begun.
     virtual void PrepareAppend() {}
+    // The three ways in which records are written. The first gives the new key.
+    virtual qint64 WriteInsert(const TRecord& record);
+    virtual void WriteUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed);
+    virtual void WriteDeletes(const std::vector<qint64>& keys);
 
     TSQLiteConnection& Connection() const { return FConnection; }
     const TDatasetDef& Def() const { return FDef; }
@@ -146,8 +166,11 @@ protected:
 
 private:
     TVariant Computed(const TRecord& record, int field) const;
+    QByteArray ReadBlobOf(qint64 key, int field) const;
     bool IsWritten(size_t field) const;
     const QString& InsertSQL(const std::vector<bool>& columns);
+    bool TryUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed);
+    void DropPictures();
     void InsertRecord();
     void UpdateRecord();
 
@@ -161,13 +184,15 @@ private:
     TDatasetState FState = dsInactive;
     int FRecNo = -1;
     int FControlsDisabled = 0;
+    qint64 FEditKey = 0; // of the record in edit: the rows may be others by the time it is posted
     TRecord FBuffer;
     std::vector<bool> FChanged;
     std::map<std::vector<bool>, QString> FInsertSQL; // by the columns that have a value
 };
 
 /// A cursor that holds all its records: the children of one release, the friends, the loans. With a master it
-/// follows the key of the master's current record and reads only when it is looked at.
+/// follows the key of the master's current record and reads only when it is looked at; while one of its records is in
+/// edit it stays where it is.
 class TDetailDataset final : public TDataset {
     Q_OBJECT
 
@@ -180,24 +205,43 @@ public:
     int RecordCount() const override;
     int RowOfKey(qint64 key) const override;
     qint64 KeyAt(int row) const override;
-
-    /// The value of the one parameter; the records follow when they are next looked at.
-    void SetParam(const TVariant& value);
     void ForgetRecords() override;
+    void TakeBack() override;
+
+    /// The value of the one parameter; the records follow when they are next looked at. Another value posts an open
+    /// edit, the same one leaves everything as it is.
+    void SetParam(const TVariant& value);
+    /// The same for a parent that was just made: it has no records, so none are read.
+    void SetParamOfNew(const TVariant& value);
+    /// The value that the records have in common: new ones get it too.
+    TVariant Param() const;
     /// Drops what was read and an edit; it is read again when it is next looked at.
     void Invalidate();
     /// Follows the current record of another cursor, which must outlive the link; null unbinds.
     void SetMaster(TDataset* master);
     TDataset* Master() const { return FMaster; }
 
+    /// From now on edits are kept in memory: Post and Delete write nothing until ApplyUpdates. New records have
+    /// negative keys until then.
+    void SetCachedUpdates(bool cached);
+    bool HasUpdates() const { return !FUpdates.empty() || !FDeleted.empty(); }
+    /// Writes all kept edits in one transaction; where that fails nothing is written and all of them are kept.
+    void ApplyUpdates();
+    /// Drops all kept edits and an open one.
+    void CancelUpdates();
+
 protected:
     const TRecord& RecordAt(int row) const override;
-    void StoreRecord(int row, TRecord record) override;
+    void StoreRecord(qint64 key, TRecord record) override;
     int AppendRecord(qint64 key, TRecord record) override;
     void RemoveKeys(const std::vector<qint64>& keys) override;
-    void PrepareAppend() override { FollowMaster(); }
+    void PrepareAppend() override { EnsureLoaded(); }
+    qint64 WriteInsert(const TRecord& record) override;
+    void WriteUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed) override;
+    void WriteDeletes(const std::vector<qint64>& keys) override;
 
 private:
+    bool Editing() const { return State() == dsEdit || State() == dsInsert; }
     void FollowMaster() const;
     void EnsureLoaded() const;
     void Load() const;
@@ -208,6 +252,10 @@ private:
     QMetaObject::Connection FMasterLink;
     mutable std::vector<TRecord> FRecords;
     mutable bool FLoaded = false;
+    bool FCached = false;
+    std::map<qint64, std::vector<bool>> FUpdates; // key and changed fields of kept edits; new records below 0
+    std::vector<qint64> FDeleted;
+    qint64 FLastNewKey = 0;
 };
 
 /// One group of a grouped list: the rows that have the same value in the group's column, within the group above.
@@ -258,15 +306,16 @@ public:
     /// Columns that sort without their article.
     void SetArticleColumns(const QStringList& columns);
 
-    /// Drops a record from the list that was never committed.
-    void ForgetKey(qint64 key);
+    /// Takes in a record that was written past this cursor, at the end of the list.
+    void TakeIn(qint64 key);
     void ForgetRecords() override;
+    void TakeBack() override;
     /// Drops what is known of a record, so that it is read again when it is next looked at.
     void InvalidateRow(qint64 key) { FCache.remove(key); }
 
 protected:
     const TRecord& RecordAt(int row) const override;
-    void StoreRecord(int row, TRecord record) override;
+    void StoreRecord(qint64 key, TRecord record) override;
     int AppendRecord(qint64 key, TRecord record) override;
     void RemoveKeys(const std::vector<qint64>& keys) override;
 

@@ -22,6 +22,9 @@ void TDetailDataset::Close()
     TDataset::Close();
     FRecords.clear();
     FLoaded = false;
+    FCached = false;
+    FUpdates.clear();
+    FDeleted.clear();
     NotifyReset();
 }
 
@@ -30,6 +33,8 @@ void TDetailDataset::Refresh()
     if (!Active())
         return;
     Cancel();
+    if (HasUpdates())
+        return; // what is kept has no other place than these records
     const qint64 key = FLoaded ? CurrentKey() : 0;
     FollowMaster();
     Load();
@@ -64,8 +69,24 @@ qint64 TDetailDataset::KeyAt(int row) const
 
 void TDetailDataset::SetParam(const TVariant& value)
 {
+    if (value == FParam)
+        return;
+    Post();
     FParam = value;
     Invalidate();
+}
+
+void TDetailDataset::SetParamOfNew(const TVariant& value)
+{
+    SetParam(value);
+    FRecords.clear();
+    FLoaded = true;
+}
+
+TVariant TDetailDataset::Param() const
+{
+    FollowMaster();
+    return FParam;
 }
 
 void TDetailDataset::Invalidate()
@@ -73,14 +94,25 @@ void TDetailDataset::Invalidate()
     Cancel();
     FLoaded = false;
     FRecords.clear();
+    FUpdates.clear();
+    FDeleted.clear();
     SetRecNo(-1);
     NotifyReset();
 }
 
 void TDetailDataset::ForgetRecords()
 {
-    if (State() == dsBrowse)
+    if (!Editing() && !HasUpdates())
         FLoaded = false;
+}
+
+void TDetailDataset::TakeBack()
+{
+    if (Editing() || HasUpdates() || !FLoaded)
+        return;
+    FLoaded = false;
+    SetRecNo(std::min(RecNo(), RecordCount() - 1));
+    NotifyReset();
 }
 
 void TDetailDataset::SetMaster(TDataset* master)
@@ -91,15 +123,16 @@ void TDetailDataset::SetMaster(TDataset* master)
         return;
     SetParam(master->CurrentKey());
     FMasterLink = connect(master, &TDataset::currentChanged, this, [this] {
-        if (FParam != TVariant(FMaster->CurrentKey()))
+        if (!Editing() && FParam != TVariant(FMaster->CurrentKey()))
             SetParam(FMaster->CurrentKey());
     });
 }
 
 void TDetailDataset::FollowMaster() const
 {
-    // The master's signals are off while many releases are stored, so its key is asked for each time.
-    if (!FMaster || FParam == TVariant(FMaster->CurrentKey()))
+    // The master's signals are off while many releases are stored, so its key is asked for each time. What is in work
+    // belongs to the record on which it was begun.
+    if (!FMaster || Editing() || HasUpdates() || FParam == TVariant(FMaster->CurrentKey()))
         return;
     FParam = FMaster->CurrentKey();
     FLoaded = false;
@@ -109,10 +142,15 @@ void TDetailDataset::FollowMaster() const
 const TDataset::TRecord& TDetailDataset::RecordAt(int row) const
 {
     static const TRecord none;
+    EnsureLoaded();
     return row >= 0 && row < static_cast<int>(FRecords.size()) ? FRecords[static_cast<size_t>(row)] : none;
 }
 
-void TDetailDataset::StoreRecord(int row, TRecord record) { FRecords[static_cast<size_t>(row)] = std::move(record); }
+void TDetailDataset::StoreRecord(qint64 key, TRecord record)
+{
+    if (const int row = RowOfKey(key); row >= 0)
+        FRecords[static_cast<size_t>(row)] = std::move(record);
+}
 
 int TDetailDataset::AppendRecord(qint64, TRecord record)
 {
@@ -125,6 +163,77 @@ void TDetailDataset::RemoveKeys(const std::vector<qint64>& keys)
     const auto id = static_cast<size_t>(FieldIndex(u"ID"_s));
     std::erase_if(FRecords,
                   [&](const TRecord& record) { return std::ranges::count(keys, record[id].toLongLong()) > 0; });
+}
+
+void TDetailDataset::SetCachedUpdates(bool cached)
+{
+    Post();
+    if (!cached)
+        ApplyUpdates();
+    FCached = cached;
+}
+
+qint64 TDetailDataset::WriteInsert(const TRecord& record)
+{
+    if (!FCached)
+        return TDataset::WriteInsert(record);
+    FUpdates[--FLastNewKey] = {};
+    return FLastNewKey;
+}
+
+void TDetailDataset::WriteUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed)
+{
+    if (!FCached)
+        return TDataset::WriteUpdate(key, record, changed);
+    std::vector<bool>& kept = FUpdates[key];
+    kept.resize(changed.size());
+    for (size_t i = 0; i < changed.size(); ++i)
+        kept[i] = kept[i] || changed[i];
+}
+
+void TDetailDataset::WriteDeletes(const std::vector<qint64>& keys)
+{
+    if (!FCached)
+        return TDataset::WriteDeletes(keys);
+    for (const qint64 key : keys) {
+        FUpdates.erase(key);
+        if (key > 0)
+            FDeleted.push_back(key);
+    }
+}
+
+void TDetailDataset::ApplyUpdates()
+{
+    Post();
+    if (!HasUpdates())
+        return;
+    {
+        TSQLiteTransaction transaction(Connection());
+        if (!FDeleted.empty())
+            TDataset::WriteDeletes(FDeleted);
+        for (const TRecord& record : FRecords) {
+            const qint64 key = record[static_cast<size_t>(FieldIndex(u"ID"_s))].toLongLong();
+            const auto kept = FUpdates.find(key);
+            if (kept == FUpdates.end())
+                continue;
+            if (key < 0)
+                TDataset::WriteInsert(record);
+            else
+                TDataset::WriteUpdate(key, record, kept->second);
+        }
+        transaction.Commit();
+    }
+    FUpdates.clear();
+    FDeleted.clear();
+    Refresh();
+}
+
+void TDetailDataset::CancelUpdates()
+{
+    Cancel();
+    FUpdates.clear();
+    FDeleted.clear();
+    Refresh();
 }
 
 void TDetailDataset::EnsureLoaded() const

@@ -60,6 +60,7 @@ void TListDataset::ApplyFilter()
 {
     if (!Active())
         return;
+    Post(); // the record in work may leave the list
     const qint64 key = CurrentKey();
     ReadKeys();
     const auto found = std::ranges::find(FKeys, key);
@@ -335,7 +336,18 @@ void TListDataset::ForgetRecords()
     FKnownOrders.clear();
 }
 
-void TListDataset::StoreRecord(int row, TRecord record) { FCache.insert(KeyAt(row), new TRecord(std::move(record))); }
+void TListDataset::TakeBack()
+{
+    if (!Active())
+        return;
+    ForgetRecords();
+    if (State() == dsBrowse)
+        ApplyFilter();
+}
+
+// Not kept: the file fills in columns of its own and others may have written the rest, so the record is read anew when
+// it is next looked at.
+void TListDataset::StoreRecord(qint64 key, TRecord) { FCache.remove(key); }
 
 int TListDataset::AppendRecord(qint64 key, TRecord)
 {
@@ -353,7 +365,6 @@ int TListDataset::AppendRecord(qint64 key, TRecord)
         if (group->Level == 0)
             break;
     }
-    // Not kept: the file fills in columns of its own, so the record is read when it is looked at.
     return row;
 }
 
@@ -372,10 +383,11 @@ void TListDataset::RemoveKeys(const std::vector<qint64>& keys)
     ForgetRows();
 }
 
-void TListDataset::ForgetKey(qint64 key)
+void TListDataset::TakeIn(qint64 key)
 {
-    RemoveKeys({key});
-    SetRecNo(std::min(RecNo(), RecordCount() - 1));
+    const int row = AppendRecord(key, {});
+    if (SignalsEnabled())
+        Q_EMIT recordInserted(row);
 }
 
 } // namespace Kestrune

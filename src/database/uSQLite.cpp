@@ -334,6 +334,8 @@ TVariant TSQLiteConnection::Scalar(const QString& sql, const std::vector<TVarian
 
 qint64 TSQLiteConnection::LastInsertRowId() const { return sqlite3_last_insert_rowid(FConnection); }
 
+qint64 TSQLiteConnection::RowsChanged() const { return sqlite3_changes64(FConnection); }
+
 bool TSQLiteConnection::InTransaction() const { return FConnection && sqlite3_get_autocommit(FConnection) == 0; }
 
 void TSQLiteConnection::BackupTo(const QString& path)
@@ -397,10 +399,13 @@ TSQLiteTransaction::~TSQLiteTransaction()
         return;
     try {
         // A full disk may have rolled the transaction back already.
-        if (FNested)
+        if (FNested && FConnection.InTransaction()) {
             FConnection.Exec(u"ROLLBACK TO krn; RELEASE krn"_s);
-        else if (FConnection.InTransaction())
+            if (FConnection.OnRollback) // the engine tells of whole transactions only
+                FConnection.OnRollback();
+        } else if (FConnection.InTransaction()) {
             FConnection.Exec(u"ROLLBACK"_s);
+        }
     } catch (const EDatabaseError&) {
         DebugLog(u"[Database] rollback failed"_s);
     }

@@ -151,12 +151,16 @@ public:
     TVariant Scalar(const QString& sql, const std::vector<TVariant>& values = {});
 
     qint64 LastInsertRowId() const;
+    /// Rows that the last statement wrote.
+    qint64 RowsChanged() const;
     /// A number that is another one after any change of the file, by this connection or another.
     qint64 ChangeStamp();
     bool InTransaction() const;
     /// Called with the table and the row of every row that is written or deleted through this connection, while it is
-    /// done: it must not touch the connection.
-    std::function<void(const char* table, qint64 row)> OnChange;
+    /// done: it must not touch the connection. `cameOrWent`: the row is new or gone.
+    std::function<void(const char* table, qint64 row, bool cameOrWent)> OnChange;
+    /// Called when a transaction or a part of one was undone; it must not touch the connection either.
+    std::function<void()> OnRollback;
     /// Copies the whole database to a new file by the engine's backup interface. An existing file is not overwritten.
     void BackupTo(const QString& path);
     /// Gives the pages of the file map back to the system; they are mapped again when they are next looked at.

@@ -223,9 +223,16 @@ void TSQLiteConnection::RegisterFunctions()
                                nullptr, nullptr, nullptr);
     sqlite3_update_hook(
         FConnection,
-        [](void* self, int, const char*, const char* table, sqlite3_int64 row) {
+        [](void* self, int kind, const char*, const char* table, sqlite3_int64 row) {
             if (const auto& tell = static_cast<TSQLiteConnection*>(self)->OnChange)
-                tell(table, row);
+                tell(table, row, kind != SQLITE_UPDATE);
+        },
+        this);
+    sqlite3_rollback_hook(
+        FConnection,
+        [](void* self) {
+            if (const auto& tell = static_cast<TSQLiteConnection*>(self)->OnRollback)
+                tell();
         },
         this);
     sqlite3_create_collation_v2(FConnection, "KRN_NOCASE", SQLITE_UTF8, nullptr, CompareNoCase, nullptr);

@@ -102,7 +102,11 @@ public:
 
     ~TWriter() override
     {
-        Terminate();
+        {
+            // Under the mutex: between the writer's look at the flag and its sleep the call would wake nobody.
+            const std::lock_guard lock(FMutex);
+            Terminate();
+        }
         FWake.notify_all();
         WaitFor();
     }
@@ -198,8 +202,8 @@ TSearchIndex::TSearchIndex(TDataModuleMain& data, QString folder) : FData(data),
     FChangeTimer.setSingleShot(true);
     data.NoteChanges(true);
     connect(&FChangeTimer, &QTimer::timeout, this, &TSearchIndex::FollowChanges);
-    connect(&data, &TDataModuleMain::releasesTouched, this, [this] {
-        if (!FCollection.isEmpty() && !FChangeTimer.isActive())
+    connect(&data, &TDataModuleMain::changed, this, [this] {
+        if (!FCollection.isEmpty() && FData.HasTouchedReleases() && !FChangeTimer.isActive())
             FChangeTimer.start(ChangeDelay);
     });
 }
@@ -264,6 +268,7 @@ void TSearchIndex::Close()
     const bool complete = FReady && FWriter && !FWriter->Failed() && !FData.HasTouchedReleases() &&
                           FWriter->Waiting() == 0 && FData.HasData();
     FWriter.reset();
+    FBuildingNow.reset();
     if (complete) {
         try {
             // Brings all into the file itself, so that closing it changes nothing any more.
@@ -291,7 +296,12 @@ void TSearchIndex::Build()
         Q_EMIT built();
         return;
     }
-    FWriter = std::make_unique<TWriter>(path, true, [this](bool ok) { WriterDone(ok); });
+    // A word of this building that comes after the next close finds nobody.
+    FBuildingNow = std::make_shared<bool>(true);
+    FWriter = std::make_unique<TWriter>(path, true, [this, now = std::weak_ptr(FBuildingNow)](bool ok) {
+        if (now.lock())
+            WriterDone(ok);
+    });
     FWriter->Start();
     FReadTimer.start();
 }
@@ -314,6 +324,7 @@ void TSearchIndex::ReadSome()
         DebugLog(u"[Search] index: %1"_s.arg(failure.Text()));
         FReadTimer.stop();
         FBuilding = false;
+        FBuildingNow.reset();
         Q_EMIT built();
         return;
     }
@@ -327,6 +338,7 @@ void TSearchIndex::ReadSome()
 
 void TSearchIndex::WriterDone(bool ok)
 {
+    FBuildingNow.reset();
     FBuilding = false;
     FReady = ok;
     if (ok && FData.HasTouchedReleases())
@@ -334,14 +346,16 @@ void TSearchIndex::WriterDone(bool ok)
     Q_EMIT built();
 }
 
-void TSearchIndex::FollowChanges()
+bool TSearchIndex::FollowChanges()
 {
     if (!FData.HasData() || !FWriter || FWriter->Failed())
-        return;
-    if (FBuilding) { // what is read later is new anyway; the rest follows when the building has ended
+        return false;
+    // What is read later by a building is new anyway, and a transaction may still be undone: the rest follows later.
+    if (FBuilding || FData.InTransaction()) {
         FChangeTimer.start(ChangeDelay);
-        return;
+        return false;
     }
+    bool done = false;
     try {
         TWriter::TJob job;
         for (const qint64 id : FData.TakeTouchedReleases(ChangesPerStep)) {
@@ -350,11 +364,13 @@ void TSearchIndex::FollowChanges()
             job.Texts.push_back(there ? std::move(now.front()) : TSearchText{id, {}});
         }
         FWriter->Put(std::move(job));
+        done = true;
     } catch (const EDatabaseError& failure) {
         DebugLog(u"[Search] index: %1"_s.arg(failure.Text()));
     }
     if (FData.HasTouchedReleases())
         FChangeTimer.start(FollowInterval);
+    return done;
 }
 
 double TSearchIndex::Progress() const
@@ -373,8 +389,8 @@ std::optional<std::vector<qint64>> TSearchIndex::Find(const QString& words)
     if (match.isEmpty())
         return releases;
     if (FData.HasTouchedReleases()) { // the user finds what he has just typed
-        while (FData.HasTouchedReleases() && FWriter && !FWriter->Failed())
-            FollowChanges();
+        while (FData.HasTouchedReleases() && FWriter && !FWriter->Failed() && FollowChanges()) {
+        }
     }
     try {
         TSQLiteConnection index;

@@ -57,7 +57,8 @@ private:
 
     void Build();
     void ReadSome();
-    void FollowChanges();
+    /// False when nothing can be followed now.
+    bool FollowChanges();
     void WriterDone(bool ok);
     QString IndexPath() const;
     void RememberState(const QString& collection);
@@ -65,6 +66,7 @@ private:
     TDataModuleMain& FData;
     QString FFolder;
     QString FCollection;
+    std::shared_ptr<bool> FBuildingNow; // alive while a building may still tell of its end
     std::unique_ptr<TWriter> FWriter;
     QTimer FReadTimer;
     QTimer FChangeTimer;

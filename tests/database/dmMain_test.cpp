@@ -184,6 +184,7 @@ TEST_F(Collection, TracksAndCreditsFollowTheirRelease)
             .toInt(),
         2);
     EXPECT_EQ(Scalar(u"SELECT count(*) FROM Musicians2 WHERE ReleaseId = %1 AND TrackId IS NULL"_s.arg(id)).toInt(), 1);
+    FData.SelectRelease(id);
     EXPECT_EQ(FData.qTracksDetail.RecordCount(), 2);
 }
 
@@ -363,6 +364,41 @@ TEST_F(Collection, TheCurrentReleaseStaysUnderFilterAndSort)
     EXPECT_EQ(FData.qTracksDetail.Master(), &list);
 }
 
+TEST_F(Collection, RatingsStayWithinTheirBounds)
+{
+    const qint64 id = Add(Simple(u"A"_s, u"B"_s));
+    const std::pair<TVariant, int> cases[] = {{-1.0, 0}, {0.0, 0}, {2.25, 4}, {5.0, 10}, {7.5, 10}, {1e300, 10}};
+    for (const auto& [stars, stored] : cases) {
+        FData.qReleasesMain.Locate(id);
+        FData.qReleasesMain.SetValue(u"Rating_Calc"_s, stars);
+        FData.qReleasesMain.Post();
+        EXPECT_EQ(Column(id, u"Rating"_s).toInt(), stored) << stars.toDouble();
+    }
+}
+
+TEST_F(Collection, NewRowsSayInLocalTimeWhenTheyWereAdded)
+{
+    TAlbumRelease release = Simple(u"A"_s, u"B"_s);
+    release.Tracks.resize(1);
+    const qint64 id = Add(release);
+    EXPECT_EQ(Column(id, u"DateAdded"_s), Column(id, u"LastModified"_s));
+    EXPECT_EQ(Scalar(u"SELECT DateAdded IS LastModified FROM Tracks2"_s).toInt(), 1);
+}
+
+TEST_F(Collection, ACopyCarriesPicturesThatNobodyHereCanDecode)
+{
+    const QByteArray strange = "a format of the year 2050";
+    const qint64 id = Add(Simple(u"A"_s, u"B"_s));
+    FData.ExecSQL(
+        u"UPDATE Releases2 SET LargePictureBack = x'%1', ThumbPicture = x'%1' WHERE ID = %2;"
+        "INSERT INTO OtherPictures2(ReleaseId, Picture) VALUES (%2, x'%1')"_s.arg(QString::fromLatin1(strange.toHex()))
+            .arg(id));
+    const qint64 copy = Add(TDataModuleMain::ToAlbumRelease(FData.ReadRelease(id)));
+    EXPECT_EQ(Column(copy, u"LargePictureBack"_s).toByteArray(), strange);
+    EXPECT_EQ(Column(copy, u"ThumbPicture"_s).toByteArray(), strange);
+    EXPECT_EQ(Scalar(u"SELECT Picture FROM OtherPictures2 WHERE ReleaseId = %1"_s.arg(copy)).toByteArray(), strange);
+}
+
 TEST_F(Collection, PostWritesRatingBothWaysAndTheTime)
 {
     const qint64 id = Add(Simple(u"A"_s, u"B"_s));
@@ -438,7 +474,7 @@ TEST_F(Collection, AnEditThatFailsStaysOpen)
     EXPECT_EQ(Column(id, u"ReleaseName"_s).toString(), u"Mended"_s);
 }
 
-TEST_F(Collection, ListsReadRowsInBlocksAndFreshOnesAfterARefresh)
+TEST_F(Collection, ListsReadRowsInBlocksAndFreshOnesAfterAChange)
 {
     FData.DisableControlsAll();
     for (int i = 0; i < 150; ++i)
@@ -448,9 +484,14 @@ TEST_F(Collection, ListsReadRowsInBlocksAndFreshOnesAfterARefresh)
     for (int row = 0; row < 150; ++row)
         ASSERT_EQ(FData.qReleasesMain.ValueAt(row, name).toString(), QString::number(row));
     FData.ExecSQL(u"UPDATE Releases2 SET ReleaseName = 'changed' WHERE ID = 100"_s);
-    EXPECT_EQ(FData.qReleasesMain.ValueAt(99, name).toString(), u"99"_s);
+    EXPECT_EQ(FData.qReleasesMain.ValueAt(99, name).toString(), u"changed"_s) << "what was written here is known";
+    {
+        TSQLiteConnection other;
+        other.Open(FPath);
+        other.Exec(u"UPDATE Releases2 SET ReleaseName = 'elsewhere' WHERE ID = 100"_s);
+    }
     FData.qReleasesMain.RefreshRow(100);
-    EXPECT_EQ(FData.qReleasesMain.ValueAt(99, name).toString(), u"changed"_s);
+    EXPECT_EQ(FData.qReleasesMain.ValueAt(99, name).toString(), u"elsewhere"_s);
     EXPECT_TRUE(VarIsNull(FData.qReleasesMain.ValueAt(150, name)));
     EXPECT_TRUE(VarIsNull(FData.qReleasesMain.ValueAt(-1, name)));
 }
