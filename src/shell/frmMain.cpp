@@ -57,6 +57,7 @@ TKRNMainForm::TKRNMainForm(TDataModuleMain& data, TPrompt& prompt)
     FLetterTimer.setSingleShot(true);
     FLetterTimer.setInterval(0);
     connect(&FLetterTimer, &QTimer::timeout, this, &TKRNMainForm::FindLetterHits);
+    connect(&FData, &TDataModuleMain::changed, this, &TKRNMainForm::OnChanged);
     FActions.OnFailure = [this](const QString& sentence) { Q_EMIT barRaised(bkError, sentence, {}); };
     BindActions();
 }
@@ -359,8 +360,8 @@ void TKRNMainForm::RefreshDetail()
         FDetail = {};
     } else {
         try {
-            FData.SelectRelease(FFocused);
-            FDetail = BuildDetailData(FData);
+            FData.qReleasesMain.Locate(FFocused);
+            FDetail = BuildDetailData(FData, FFocused);
         } catch (const EDatabaseError& failure) {
             FDetail = {};
             ReportFailure(failure.Text());

@@ -345,6 +345,7 @@ private:
     void IndexBuilt();
     void RefreshDetail();
     void RefreshFocusedRow(TDataset& releaseInfo);
+    void OnChanged(const TChanges& changes);
     void FindLetterHits();
     void CountReleases();
     void StartCounting();
@@ -403,7 +404,7 @@ private:
     bool FCancelled = false;
 };
 
-/// The detail view of the release on which qReleaseInfo and the child cursors stand.
-TDetailData BuildDetailData(TDataModuleMain& data);
+/// The detail view of a release; without an ID when the file does not hold it.
+TDetailData BuildDetailData(TDataModuleMain& data, qint64 release);
 
 } // namespace Kestrune

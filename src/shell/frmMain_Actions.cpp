@@ -62,7 +62,9 @@ void TKRNMainForm::BindUpkeepActions()
         [this] {
             FData.RefreshAll();
             CountReleases();
+            StartCounting();
             RefreshDetail();
+            Q_EMIT figuresChanged();
         },
         hasData);
     FActions.Bind(

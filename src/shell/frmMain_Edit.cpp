@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frmMain.h"
 #include "uDefaults.h"
+#include "uEditSession.h"
 #include "uPrompt.h"
 #include "uTHStrings.h"
 #include "uWaitCursor.h"
@@ -61,28 +62,21 @@ std::vector<qint64> TKRNMainForm::ActiveKeys() const
 
 bool TKRNMainForm::EditField(bool ofTracks, qint64 id, const QString& field, const TVariant& value)
 {
-    TListDataset& list = ofTracks ? FData.qTracksAll : FData.qReleasesMain;
     if (IsEmptyTitle(field, value)) {
         Q_EMIT barRaised(bkError, GetLanguageString(u"cSNotSaved"_s), GetLanguageString(u"cSTitleNeeded"_s));
         return false;
     }
+    TListDataset& list = ofTracks ? FData.qTracksAll : FData.qReleasesMain;
     try {
         if (!list.Locate(id))
             return false;
         list.Edit();
         Assign(list, field, value);
         list.Post();
-        list.RefreshRow(id);
     } catch (const EDatabaseError& failure) {
         FData.CancelIfApplicable(list);
         Q_EMIT barRaised(bkError, GetLanguageString(u"cSNotSaved"_s), failure.Text());
         return false;
-    }
-    const qint64 release = ofTracks ? list.Value(u"ReleaseId"_s).toLongLong() : id;
-    if (release == FDetail.ID) {
-        FData.qReleaseInfo.Refresh();
-        FData.qTracksDetail.Refresh();
-        FDetailTimer.start();
     }
     return true;
 }
@@ -92,9 +86,7 @@ TVariant TKRNMainForm::DetailValue(const QString& field)
     if (FDetail.ID == 0)
         return {};
     try {
-        if (FData.qReleaseInfo.CurrentKey() != FDetail.ID)
-            FData.SelectRelease(FDetail.ID);
-        return FData.qReleaseInfo.Value(field);
+        return FData.ReadRelease(FDetail.ID).Info.Value(field);
     } catch (const EDatabaseError& failure) {
         ReportFailure(failure.Text());
         return {};
@@ -110,12 +102,11 @@ bool TKRNMainForm::EditDetail(const QString& field, const TVariant& value)
         return false;
     }
     try {
-        FData.SelectRelease(FDetail.ID);
-        FData.EditIfApplicable(FData.qReleaseInfo);
+        TEditSession session(FData, FDetail.ID);
+        FData.qReleaseInfo.Edit();
         Assign(FData.qReleaseInfo, field, value);
-        FData.qReleaseInfo.Post();
+        session.Post();
     } catch (const EDatabaseError& failure) {
-        FData.CancelIfApplicable(FData.qReleaseInfo);
         Q_EMIT barRaised(bkError, GetLanguageString(u"cSNotSaved"_s), failure.Text());
         return false;
     }
@@ -139,39 +130,41 @@ void TKRNMainForm::RefreshFocusedRow(TDataset& releaseInfo)
 
 int TKRNMainForm::ApplyChanges(const std::vector<qint64>& keys, const std::vector<std::pair<QString, TVariant>>& values)
 {
-    if (values.empty())
-        return 0;
     TListDataset& list = List();
-    const qint64 current = list.CurrentKey();
+    std::vector<std::pair<QString, TVariant>> assigned;
+    for (const auto& [field, value] : values)
+        if (const int index = list.FieldIndex(field); index >= 0 && !IsEmptyTitle(field, value))
+            assigned.emplace_back(field,
+                                  TDataModuleMain::ToFieldValue(list.Fields()[static_cast<size_t>(index)], value));
     int changed = 0;
-    list.DisableControls();
-    {
-        const auto enable = qScopeGuard([&] {
-            list.Locate(current);
-            list.EnableControls();
-        });
-        for (const qint64 key : keys) {
-            if (!list.Locate(key)) // passed over: it is gone
-                continue;
-            try {
-                list.Edit();
-                for (const auto& [field, value] : values)
-                    Assign(list, field, value);
-                list.Post();
-                ++changed;
-            } catch (const EDatabaseError& failure) {
-                FData.CancelIfApplicable(list);
-                Q_EMIT barRaised(bkError, GetLanguageString(u"cSMultiEditStopped"_s).arg(changed).arg(keys.size()),
-                                 failure.Text());
-                break;
-            }
-            list.InvalidateRow(key);
+    RunJob(GetLanguageString(u"cSactMultiEdit"_s), [&](const TJobProgress& progress) {
+        try {
+            changed = list.UpdateKeys(keys, assigned, progress);
+        } catch (const EDatabaseError& failure) {
+            Q_EMIT barRaised(bkError, GetLanguageString(u"cSMultiEditStopped"_s), failure.Text());
+            return;
         }
-    }
-    FData.qReleaseInfo.Refresh();
-    FData.qTracksDetail.Refresh();
-    RefreshDetail();
+        if (changed == 0 && FCancelled)
+            Q_EMIT barRaised(bkWarning, GetLanguageString(u"cSMultiEditStopped"_s), {});
+    });
     return changed;
+}
+
+void TKRNMainForm::OnChanged(const TChanges& changes)
+{
+    // A run tells at its end; until then what it adds concerns nothing that is shown.
+    if (changes.OnlyAdded && !changes.Undone)
+        return;
+    if (changes.Undone)
+        Q_EMIT thumbnailsChanged();
+    const bool ofChild = !changes.Tracks.empty() || !changes.Credits.empty() || !changes.Pictures.empty();
+    if (changes.Many || changes.Undone || ofChild || changes.Releases.contains(FDetail.ID))
+        FDetailTimer.start();
+    if (changes.Many || changes.Undone || changes.CameOrWent)
+        CountReleases();
+    if (changes.Many || changes.Undone || !changes.Tracks.empty())
+        StartCounting();
+    Q_EMIT figuresChanged();
 }
 
 void TKRNMainForm::RemoveSelected()
@@ -210,8 +203,7 @@ void TKRNMainForm::Duplicate()
     if (FFocused == 0)
         return;
     const TWaitCursor waiting;
-    FData.SelectRelease(FFocused);
-    FData.AddAlbumReleaseToDB(FData.CurrentReleaseToAlbumRelease(), true);
+    FData.AddAlbumReleaseToDB(TDataModuleMain::ToAlbumRelease(FData.ReadRelease(FFocused)), true);
     const qint64 copy = FData.LastAddedReleaseID();
     FData.qReleasesMain.ApplyFilter();
     FData.qTracksAll.Refresh();

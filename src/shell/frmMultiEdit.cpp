@@ -3,6 +3,7 @@
 
 #include "frmMain.h"
 #include "uDefaults.h"
+#include "uTHStrings.h"
 
 #include <algorithm>
 
@@ -32,28 +33,66 @@ void TMultiEditForm::LoadFromCustomGridTableView(const std::vector<QString>& sho
 void TMultiEditForm::actAdd()
 {
     const auto free = std::ranges::find_if(FFields, [this](const TFieldDef& field) {
-        return std::ranges::find(FList, field.Name, &std::pair<QString, TVariant>::first) == FList.end();
+        return std::ranges::find(FRows, field.Name, &TRow::Field) == FRows.end();
     });
     if (free != FFields.end())
-        FList.emplace_back(free->Name, TVariant());
+        FRows.push_back({free->Name, {}, false});
 }
 
 void TMultiEditForm::actRemove(int row)
 {
-    if (row >= 0 && row < static_cast<int>(FList.size()))
-        FList.erase(FList.begin() + row);
+    if (row >= 0 && row < static_cast<int>(FRows.size()))
+        FRows.erase(FRows.begin() + row);
 }
 
-void TMultiEditForm::SetField(int row, const QString& field) { FList[static_cast<size_t>(row)] = {field, TVariant()}; }
+void TMultiEditForm::SetField(int row, const QString& field) { FRows[static_cast<size_t>(row)] = {field, {}, false}; }
 
-void TMultiEditForm::SetValue(int row, const TVariant& value) { FList[static_cast<size_t>(row)].second = value; }
+void TMultiEditForm::SetValue(int row, const TVariant& value) { FRows[static_cast<size_t>(row)].Value = value; }
+
+void TMultiEditForm::SetClear(int row, bool clear) { FRows[static_cast<size_t>(row)].Clear = clear && CanClear(row); }
 
 const TFieldDef* TMultiEditForm::FieldOf(int row) const
 {
-    const auto field = std::ranges::find(FFields, FList[static_cast<size_t>(row)].first, &TFieldDef::Name);
+    const auto field = std::ranges::find(FFields, FRows[static_cast<size_t>(row)].Field, &TFieldDef::Name);
     return field == FFields.end() ? nullptr : &*field;
 }
 
-int TMultiEditForm::ApplyChanges() { return FForm.ApplyChanges(FKeys, FList); }
+bool TMultiEditForm::CanClear(int row) const
+{
+    const TFieldDef* field = FieldOf(row);
+    return field && !field->Required;
+}
+
+std::vector<std::pair<QString, TVariant>> TMultiEditForm::GetList() const
+{
+    std::vector<std::pair<QString, TVariant>> list;
+    for (const TRow& row : FRows) {
+        if (row.Clear)
+            list.emplace_back(row.Field, TVariant());
+        else if (!VarToStr(row.Value).trimmed().isEmpty())
+            list.emplace_back(row.Field, row.Value);
+    }
+    return list;
+}
+
+QString TMultiEditForm::Question() const
+{
+    QStringList set, cleared;
+    for (const auto& [name, value] : GetList()) {
+        const auto field = std::ranges::find(FFields, name, &TFieldDef::Name);
+        if (field != FFields.end())
+            (VarIsNull(value) ? cleared : set) << ColumnLabel(*field, Defaults(), FOfTracks);
+    }
+    QStringList sentences;
+    if (!set.isEmpty())
+        sentences << GetLanguageString(u"cSMultiEditSets"_s).arg(set.join(u", "_s));
+    if (!cleared.isEmpty())
+        sentences << GetLanguageString(u"cSMultiEditClears"_s).arg(cleared.join(u", "_s));
+    return sentences.isEmpty()
+               ? QString()
+               : GetLanguageString(u"cSMultiEditConfirm"_s).arg(RowCount()) + u'\n' + sentences.join(u'\n');
+}
+
+int TMultiEditForm::ApplyChanges() { return FForm.ApplyChanges(FKeys, GetList()); }
 
 } // namespace Kestrune

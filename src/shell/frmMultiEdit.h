@@ -25,16 +25,30 @@ public:
     bool OfTracks() const { return FOfTracks; }
     int RowCount() const { return static_cast<int>(FKeys.size()); }
 
-    /// Appends a row for the first field that has none yet.
+    /// What one field shall become.
+    struct TRow {
+        QString Field;
+        TVariant Value;
+        bool Clear = false; ///< the field is emptied; without it an empty value changes nothing
+    };
+
+    /// Appends a row for the first field that has none yet; there is none at first.
     void actAdd();
     void actRemove(int row);
-    /// The rows as pairs of field name and value.
-    const std::vector<std::pair<QString, TVariant>>& GetList() const { return FList; }
+    const std::vector<TRow>& Rows() const { return FRows; }
     void SetField(int row, const QString& field);
     void SetValue(int row, const TVariant& value);
+    void SetClear(int row, bool clear);
     const TFieldDef* FieldOf(int row) const;
+    /// False for fields that must have a value.
+    bool CanClear(int row) const;
+    /// What is written: pairs of field name and value.
+    std::vector<std::pair<QString, TVariant>> GetList() const;
+    /// The question before it is done, with the names of the fields and the number of rows; empty when there is nothing
+    /// to do.
+    QString Question() const;
 
-    /// Sets the values on all rows; the number that was changed.
+    /// Sets the values on all rows, in one piece and with progress; the number that was changed.
     int ApplyChanges();
 
 private:
@@ -42,7 +56,7 @@ private:
     bool FOfTracks;
     std::vector<qint64> FKeys;
     std::vector<TFieldDef> FFields;
-    std::vector<std::pair<QString, TVariant>> FList;
+    std::vector<TRow> FRows;
 };
 
 } // namespace Kestrune

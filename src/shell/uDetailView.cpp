@@ -52,19 +52,19 @@ const std::vector<TSectionDef>& SectionDefs()
     return defs;
 }
 
-std::vector<TDetailSection> Sections(TDataModuleMain& data)
+std::vector<TDetailSection> Sections(TDataModuleMain& data, const TDetailDataset& info)
 {
-    const QString currency = VarToStr(data.qReleaseInfo.Value(u"Currency"_s));
+    const QString currency = VarToStr(info.Value(u"Currency"_s));
     std::vector<TDetailSection> sections;
     for (const TSectionDef& def : SectionDefs()) {
         TDetailSection section{QString::fromUtf16(def.Id), GetLanguageString(QString::fromUtf16(def.TitleKey)), {}};
         for (const char16_t* column : def.Columns) {
             const QString name = QString::fromUtf16(column);
-            const int index = data.qReleaseInfo.FieldIndex(name);
-            const TFieldDef& field = data.qReleaseInfo.Fields()[static_cast<size_t>(index)];
+            const int index = info.FieldIndex(name);
+            const TFieldDef& field = info.Fields()[static_cast<size_t>(index)];
             if (!IsFieldShown(field, Defaults(), false))
                 continue;
-            const TVariant value = data.qReleaseInfo.Value(index);
+            const TVariant value = info.Value(index);
             const bool off = field.Kind == fkBoolean && !VarToBool(value);
             const QString shown = off ? QString() : FieldText(data, field, value, currency);
             section.Fields.push_back(
@@ -75,9 +75,8 @@ std::vector<TDetailSection> Sections(TDataModuleMain& data)
     return sections;
 }
 
-std::vector<TDetailTrackRow> TrackRows(TDataModuleMain& data, const QString& releaseArtist)
+std::vector<TDetailTrackRow> TrackRows(const TDetailDataset& tracks, const QString& releaseArtist)
 {
-    const TDetailDataset& tracks = data.qTracksDetail;
     const auto at = [&](int row, const QString& name) { return tracks.ValueAt(row, tracks.FieldIndex(name)); };
     std::vector<TDetailTrackRow> rows;
     for (int row = 0; row < tracks.RecordCount(); ++row) {
@@ -138,32 +137,33 @@ void AddDetailTracks(TDetailData& detail, const std::vector<TDetailTrackRow>& ro
             total > 0 ? u"%1 · %2"_s.arg(rows.size()).arg(LengthText(total)) : QString::number(rows.size());
 }
 
-TDetailData BuildDetailData(TDataModuleMain& data)
+TDetailData BuildDetailData(TDataModuleMain& data, qint64 release)
 {
+    const TReleaseCursors& cursors = data.ReadRelease(release);
+    const TDetailDataset& info = cursors.Info;
     TDetailData detail;
-    detail.ID = data.qReleaseInfo.CurrentKey();
+    detail.ID = info.CurrentKey();
     if (detail.ID == 0)
         return detail;
-    const auto text = [&](const QString& name) { return VarToStr(data.qReleaseInfo.Value(name)); };
+    const auto text = [&](const QString& name) { return VarToStr(info.Value(name)); };
     detail.Title = data.DisplayText(u"ReleaseName"_s, text(u"ReleaseName"_s));
     detail.Artist = data.DisplayText(u"Artist"_s, text(u"Artist"_s));
-    detail.Rating = data.qReleaseInfo.Value(u"Rating"_s).toInt();
-    detail.Cover = data.qReleaseInfo.Value(u"LargePicture"_s).toByteArray();
+    detail.Rating = info.Value(u"Rating"_s).toInt();
+    detail.Cover = info.Value(u"LargePicture"_s).toByteArray();
     if (detail.Cover.isEmpty())
-        detail.Cover = data.qReleaseInfo.Value(u"ThumbPicture"_s).toByteArray();
-    detail.Sections = Sections(data);
-    AddDetailTracks(detail, TrackRows(data, text(u"Artist"_s)));
-    for (int row = 0; row < data.qMusiciansPerRelease.RecordCount(); ++row)
-        detail.Credits.push_back(
-            {VarToStr(data.qMusiciansPerRelease.ValueAt(row, data.qMusiciansPerRelease.FieldIndex(u"Musician"_s))),
-             VarToStr(data.qMusiciansPerRelease.ValueAt(row, data.qMusiciansPerRelease.FieldIndex(u"Instrument"_s)))});
+        detail.Cover = info.Value(u"ThumbPicture"_s).toByteArray();
+    detail.Sections = Sections(data, info);
+    AddDetailTracks(detail, TrackRows(cursors.Tracks, text(u"Artist"_s)));
+    for (int row = 0; row < cursors.Credits.RecordCount(); ++row)
+        detail.Credits.push_back({VarToStr(cursors.Credits.ValueAt(row, cursors.Credits.FieldIndex(u"Musician"_s))),
+                                  VarToStr(cursors.Credits.ValueAt(row, cursors.Credits.FieldIndex(u"Instrument"_s)))});
     for (const QString& column : {u"LargePictureBack"_s, u"LargePictureMedia"_s}) {
-        if (const QByteArray bytes = data.qReleaseInfo.Value(column).toByteArray(); !bytes.isEmpty())
+        if (const QByteArray bytes = info.Value(column).toByteArray(); !bytes.isEmpty())
             detail.Pictures.push_back(bytes);
     }
-    for (int row = 0; row < data.qOtherPictures.RecordCount(); ++row)
+    for (int row = 0; row < cursors.Pictures.RecordCount(); ++row)
         detail.Pictures.push_back(
-            data.qOtherPictures.ValueAt(row, data.qOtherPictures.FieldIndex(u"Picture"_s)).toByteArray());
+            cursors.Pictures.ValueAt(row, cursors.Pictures.FieldIndex(u"Picture"_s)).toByteArray());
     return detail;
 }
 

@@ -30,6 +30,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -386,15 +387,25 @@ TEST_F(Scenario, MultiEditChangesTheSelectedRows)
     FocusCell(*Window().Table(), 1, u"Artist"_s);
     Press(u"Shift+Down"_s);
     InDialog("actMultiEdit", [](QDialog& dialog) {
+        dialog.accept();
+        ASSERT_TRUE(dialog.isVisible()) << "there is nothing to do yet";
+        Button(dialog, u"Add field"_s).click();
         Choose(*dialog.findChild<QComboBox*>(), u"Label"_s);
         LetDialogSettle();
         auto* editor = dialog.findChild<TFieldEditor*>();
         ASSERT_TRUE(editor);
         editor->Begin();
         QTest::keyClicks(editor->Input(), u"Blue Lamp"_s);
+        QTimer::singleShot(0, &dialog, [] {
+            auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(question);
+            EXPECT_EQ(question->text(), u"Change 2 items?\nSet: Label"_s);
+            question->button(QMessageBox::Yes)->click();
+        });
         dialog.accept();
     });
     EXPECT_EQ(InFile(u"SELECT group_concat(ID) FROM Releases2 WHERE Label = 'Blue Lamp'"_s), u"2,3"_s);
+    EXPECT_TRUE(State().endsWith(u"| 2"_s)) << "both are still selected";
 }
 
 TEST_F(Scenario, SQLShowsItsRowsAndWritesOnlyWhenAllowed)

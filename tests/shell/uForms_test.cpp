@@ -70,18 +70,28 @@ TEST_F(FormsTest, MultiEditSetsTheSameValuesByTheRulesOfTheCursor)
         EXPECT_FALSE(field.Name == u"ID"_s || field.Name == u"ThumbPicture"_s || field.Name == u"LastModified"_s ||
                      field.ReadOnly)
             << field.Name.toStdString();
+    EXPECT_TRUE(form.Rows().empty()) << "nothing that OK could do unasked";
+    EXPECT_TRUE(form.Question().isEmpty());
     form.actAdd();
     form.actAdd();
-    EXPECT_EQ(form.GetList()[0].first, u"Label"_s);
-    EXPECT_EQ(form.GetList()[1].first, u"Genre"_s);
+    EXPECT_EQ(form.Rows()[0].Field, u"Label"_s);
+    EXPECT_EQ(form.Rows()[1].Field, u"Genre"_s);
+    EXPECT_TRUE(form.GetList().empty()) << "an empty value changes nothing";
     form.SetValue(0, u"Blue Lamp"_s);
     form.SetField(1, u"Rating_Calc"_s);
     form.SetValue(1, 4.5);
     form.actAdd();
-    form.SetField(2, u"ReleaseYear"_s); // no value: empties it
+    form.SetField(2, u"ReleaseYear"_s);
+    form.SetClear(2, true);
     form.actAdd();
-    form.actRemove(3);
+    form.SetField(3, u"ReleaseName"_s);
+    form.SetClear(3, true);
+    EXPECT_FALSE(form.Rows()[3].Clear) << "a release has a name";
+    form.actAdd();
+    form.actRemove(4);
+    EXPECT_EQ(form.Question(), u"Change 2 items?\nSet: Label, Rating\nCleared: Release year"_s);
     EXPECT_EQ(form.ApplyChanges(), 2);
+    EXPECT_EQ(FForm.Selection(), two);
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2 WHERE Label = 'Blue Lamp' AND Rating = 9"
                                     " AND ReleaseYear IS NULL AND substr(LastModified, 1, 4) > '2020'"_s),
               2);
@@ -90,6 +100,28 @@ TEST_F(FormsTest, MultiEditSetsTheSameValuesByTheRulesOfTheCursor)
         2);
     EXPECT_EQ(FData.qReleasesMain.ValueAt(1, FData.qReleasesMain.FieldIndex(u"Label"_s)), TVariant(u"Blue Lamp"_s))
         << "the list shows it at once";
+}
+
+TEST_F(FormsTest, ACancelledMultiEditChangesNothing)
+{
+    OpenFilled();
+    FData.ExecSQL(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 300)"
+                  " INSERT INTO Releases2(ReleaseName) SELECT 'copy ' || i FROM n"_s);
+    FData.RefreshAll();
+    FForm.SetSelection(FData.qReleasesMain.Keys());
+    TMultiEditForm form(FForm);
+    form.LoadFromCustomGridTableView({u"Label"_s});
+    form.actAdd();
+    form.SetValue(0, u"Blue Lamp"_s);
+    int steps = 0;
+    QObject::connect(&FForm, &TKRNMainForm::jobProgressed, &FForm, [&](const QString&, int value, int) {
+        if (value >= 200 && ++steps == 1)
+            FForm.CancelJob();
+    });
+    EXPECT_EQ(form.ApplyChanges(), 0);
+    EXPECT_EQ(steps, 1);
+    EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2 WHERE Label = 'Blue Lamp'"_s), 0);
+    EXPECT_FALSE(FForm.Working());
 }
 
 TEST_F(FormsTest, MultiEditOfTracksChangesTracks)

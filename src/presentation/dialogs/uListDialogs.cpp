@@ -7,9 +7,11 @@
 #include "uDictionaries.h"
 #include "uFieldEditor.h"
 #include "uFieldText.h"
+#include "uMessageBoxes.h"
 #include "uRibbonButton.h"
 #include "uTHStrings.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
@@ -173,8 +175,7 @@ TMultiEditDialog::TMultiEditDialog(TMultiEditForm& edit, TDataModuleMain& dataMo
         Rebuild();
     });
     AddButtons(GetLanguageString(u"cSGuiOk"_s));
-    SetFirstSize({620, 420});
-    FEdit.actAdd();
+    SetFirstSize({680, 420});
     Rebuild();
 }
 
@@ -182,54 +183,71 @@ void TMultiEditDialog::Rebuild()
 {
     Empty(*FGrid);
     FEditors.clear();
-    for (int row = 0; row < static_cast<int>(FEdit.GetList().size()); ++row) {
-        const TFieldDef* field = FEdit.FieldOf(row);
-        if (!field)
-            continue;
-        auto* fields = new QComboBox(FRows);
-        fields->setAccessibleName(GetLanguageString(u"cSMultiEditField"_s));
-        for (const TFieldDef& def : FEdit.Fields())
-            fields->addItem(ColumnLabel(def, Defaults(), FEdit.OfTracks()), def.Name);
-        fields->setCurrentIndex(fields->findData(field->Name));
-        auto* editor = new TFieldEditor(FData, *field, FEdit.OfTracks(), FRows);
-        editor->SetValue(FEdit.GetList()[static_cast<size_t>(row)].second);
-        TRibbonButton* remove = MakeIconButton(u"x"_s, u"cSMultiEditRemove"_s, FRows);
-        connect(fields, &QComboBox::activated, this, [this, row, fields] {
-            FEdit.SetField(row, fields->currentData().toString());
-            Rebuild();
-        });
-        connect(editor, &TFieldEditor::edited, this, [this, row, editor] {
-            if (const std::optional<TVariant> value = editor->Value())
-                FEdit.SetValue(row, *value);
-            Tell(*FMessage, {});
-        });
-        connect(editor, &TFieldEditor::cancelled, this, &QDialog::reject);
-        connect(editor, &TFieldEditor::moved, this, [this](int direction) { focusNextPrevChild(direction > 0); });
-        connect(remove, &QToolButton::clicked, this, [this, row] {
-            FEdit.actRemove(row);
-            Rebuild();
-        });
-        FGrid->addWidget(fields, row, 0);
-        FGrid->addWidget(editor, row, 1);
-        FGrid->addWidget(remove, row, 2);
-        FEditors << editor;
-    }
+    for (int row = 0; row < static_cast<int>(FEdit.Rows().size()); ++row)
+        if (FEdit.FieldOf(row))
+            AddRow(row);
     FGrid->setColumnStretch(0, 2);
     FGrid->setColumnStretch(1, 3);
     if (!FEditors.isEmpty())
         FEditors.last()->Begin();
 }
 
+void TMultiEditDialog::AddRow(int row)
+{
+    const TFieldDef& field = *FEdit.FieldOf(row);
+    const TMultiEditForm::TRow& values = FEdit.Rows()[static_cast<size_t>(row)];
+    auto* fields = new QComboBox(FRows);
+    fields->setAccessibleName(GetLanguageString(u"cSMultiEditField"_s));
+    for (const TFieldDef& def : FEdit.Fields())
+        fields->addItem(ColumnLabel(def, Defaults(), FEdit.OfTracks()), def.Name);
+    fields->setCurrentIndex(fields->findData(field.Name));
+    auto* editor = new TFieldEditor(FData, field, FEdit.OfTracks(), FRows);
+    editor->SetValue(values.Value);
+    editor->setEnabled(!values.Clear);
+    auto* clear = new QCheckBox(GetLanguageString(u"cSMultiEditClear"_s), FRows);
+    clear->setChecked(values.Clear);
+    clear->setEnabled(FEdit.CanClear(row));
+    TRibbonButton* remove = MakeIconButton(u"x"_s, u"cSMultiEditRemove"_s, FRows);
+    connect(fields, &QComboBox::activated, this, [this, row, fields] {
+        FEdit.SetField(row, fields->currentData().toString());
+        Rebuild();
+    });
+    connect(editor, &TFieldEditor::edited, this, [this, row, editor] {
+        if (const std::optional<TVariant> value = editor->Value())
+            FEdit.SetValue(row, *value);
+        Tell(*FMessage, {});
+    });
+    connect(clear, &QCheckBox::toggled, this, [this, row, editor](bool on) {
+        FEdit.SetClear(row, on);
+        editor->setEnabled(!on);
+        Tell(*FMessage, {});
+    });
+    connect(editor, &TFieldEditor::cancelled, this, &QDialog::reject);
+    connect(editor, &TFieldEditor::moved, this, [this](int direction) { focusNextPrevChild(direction > 0); });
+    connect(remove, &QToolButton::clicked, this, [this, row] {
+        FEdit.actRemove(row);
+        Rebuild();
+    });
+    int column = 0;
+    for (QWidget* part : std::initializer_list<QWidget*>{fields, editor, clear, remove})
+        FGrid->addWidget(part, row, column++);
+    FEditors << editor;
+}
+
 void TMultiEditDialog::accept()
 {
     for (TFieldEditor* editor : std::as_const(FEditors)) {
-        if (editor->Value())
+        if (!editor->isEnabled() || editor->Value())
             continue;
         const QString caption = ColumnLabel(editor->Field(), Defaults(), FEdit.OfTracks());
         Tell(*FMessage, FieldRefusal(caption, editor->Field()));
         return editor->Begin();
     }
-    TDialog::accept();
+    const QString question = FEdit.Question();
+    if (question.isEmpty())
+        return Tell(*FMessage, GetLanguageString(u"cSMultiEditNothing"_s));
+    if (AskYesNo(this, question))
+        TDialog::accept();
 }
 
 TColumnsDialog::TColumnsDialog(TAlbumTable& table, QWidget* parent)

@@ -52,6 +52,7 @@ public:
 
 private:
     void Rebuild();
+    void AddRow(int row);
 
     TMultiEditForm& FEdit;
     TDataModuleMain& FData;

@@ -21,6 +21,10 @@ void TListModel::Start()
     connect(&FList, &TDataset::recordInserted, this, &TListModel::Reset);
     connect(&FList, &TDataset::recordChanged, this,
             [this](int row) { Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1)); });
+    connect(&FList, &TDataset::recordsChanged, this, [this] {
+        if (FRows > 0)
+            Q_EMIT dataChanged(index(0, 0), index(FRows - 1, columnCount() - 1));
+    });
     Reset();
 }
 
