@@ -6,6 +6,7 @@
 #include "uDefaults.h"
 #include "uIcons.h"
 #include "uMainWindow.h"
+#include "uMessageBoxes.h"
 #include "uSessionEnd.h"
 #include "uSplash.h"
 #include "uStartup.h"
@@ -16,6 +17,7 @@
 #include <QApplication>
 
 #include <algorithm>
+#include <cstdio>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -157,6 +159,11 @@ int main(int argc, char** argv)
         application.OnFailure = nullptr;
         SetDebugLogSink({});
     }
-    SaveSettings();
-    return code;
+    if (SaveSettings())
+        return code;
+    const QString sentence = GetLanguageString(QStringLiteral("cSSettingsNotSaved"));
+    std::fprintf(stderr, "kestrune: %s\n", qUtf8Printable(sentence));
+    if (!sessionEnd.Ending()) // nobody would be there to read it
+        ShowError(nullptr, sentence);
+    return 1;
 }

@@ -63,6 +63,7 @@ TSessionEnd::~TSessionEnd()
 
 void TSessionEnd::Close()
 {
+    FEnding = true;
     // Again until the event loop has ended with the last window: a job is stopped by the first try and ends a little
     // later, and during the start there is no window yet.
     QApplication::closeAllWindows();

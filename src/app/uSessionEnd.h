@@ -15,10 +15,13 @@ class TSessionEnd : public QObject {
 public:
     TSessionEnd();
     ~TSessionEnd() override;
+    /// True once the session or the process was asked to end.
+    bool Ending() const { return FEnding; }
 
 private:
     void Close();
 
+    bool FEnding = false;
     QSocketNotifier* FNotifier;
 };
 

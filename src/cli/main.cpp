@@ -37,6 +37,8 @@ int RunCommand(TCommand& command, const QStringList& arguments)
     const QCommandLineOption version({u"v"_s, u"version"_s}, u"show the version"_s);
     parser.addOption(help);
     parser.addOption(version);
+    const QCommandLineOption convert(u"convert"_s, u"convert a collection of the first format when it is opened"_s);
+    parser.addOption(convert);
     parser.addPositionalArgument(command.Name(), command.Summary());
     command.Describe(parser);
     if (!parser.parse(arguments))
@@ -49,6 +51,7 @@ int RunCommand(TCommand& command, const QStringList& arguments)
         PrintLine(u"kestrune-cli "_s + QCoreApplication::applicationVersion());
         return 0;
     }
+    TConsolePrompt::SetConverts(parser.isSet(convert));
     try {
         command.Run(parser);
         FlushOutput();

@@ -9,6 +9,12 @@ namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+constexpr int LockWait = 2000; // milliseconds; nothing else waits here
+
+} // namespace
+
 std::vector<std::unique_ptr<TCommand>> AllCommands()
 {
     std::vector<std::unique_ptr<TCommand>> commands;
@@ -28,6 +34,7 @@ std::vector<std::unique_ptr<TCommand>> AllCommands()
 
 TOpenCollection::TOpenCollection(const QString& path) : FData(std::make_unique<TDataModuleMain>(FPrompt))
 {
+    FData->SetLockWait(LockWait);
     if (!FData->ConnectToDB(path))
         throw ECommandError(u"%1: %2"_s.arg(path, FPrompt.Message()));
 }

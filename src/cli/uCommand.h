@@ -28,16 +28,18 @@ public:
     explicit ECommandError(const QString& text) : std::runtime_error(text.toStdString()) {}
 };
 
-/// Keeps what the gateway tells the user, so that it becomes the command's error. Questions are answered by No.
+/// Keeps what the gateway tells the user, so that it becomes the command's error. The only question that a command
+/// meets, whether a collection of the first format shall be converted, is answered by the option --convert.
 class TConsolePrompt final : public TPrompt {
 public:
     void ShowError(const QString& text) override { FMessage = text; }
     void ShowInformation(const QString&) override {}
     bool AskYesNo(const QString& text) override
     {
-        FMessage = text;
-        return false;
+        FMessage = FConverts ? QString() : text + QStringLiteral(" (--convert)");
+        return FConverts;
     }
+    static void SetConverts(bool converts) { FConverts = converts; }
     QString AskOpenFile(const TFileDialogRequest&) override { return {}; }
     QString AskSaveFile(const TFileDialogRequest&) override { return {}; }
     QString AskFolder(const QString&, const QString&) override { return {}; }
@@ -45,6 +47,7 @@ public:
 
 private:
     QString FMessage;
+    inline static bool FConverts = false;
 };
 
 /// One subcommand.

@@ -311,6 +311,17 @@ bool SaveSettings()
     return false;
 }
 
+void KeepSetting(const char* key)
+{
+    const auto row =
+        std::ranges::find_if(SettingRows, [&](const TSettingDef& def) { return qstrcmp(def.Key, key) == 0; });
+    Q_ASSERT(row != std::end(SettingRows));
+    if (ProcessStore())
+        VisitVariable(*row, Defaults(), [&](const auto& variable) {
+            WriteFrom(variable, QString::fromLatin1(row->Key), *row, *ProcessStore());
+        });
+}
+
 void ReloadSettings()
 {
     TDefaults settings = ReadSettings(*ProcessStore());

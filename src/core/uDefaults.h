@@ -137,6 +137,9 @@ void ApplyLanguage();
 /// Writes all settings to the store of the process and the store to its file; false when the file was not written.
 bool SaveSettings();
 
+/// Writes one setting by its key now: for those that the user sets and SaveSettings leaves alone.
+void KeepSetting(const char* key);
+
 /// Reads all settings of the store of the process again, as after a restored backup. What belongs to the installation
 /// stays.
 void ReloadSettings();

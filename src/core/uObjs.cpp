@@ -137,7 +137,10 @@ TVariant TAlbumRelease::GetItem2(const QString& key) const
 
 void TAlbumRelease::SetItem2(const QString& key, const TVariant& value)
 {
-    FItems.insert_or_assign(key.toLower(), value);
+    if (VarIsNull(value))
+        FItems.erase(key.toLower());
+    else
+        FItems.insert_or_assign(key.toLower(), value);
 }
 
 TCoverPicture* TAlbumRelease::GetPicByType(TCoverPictureType value) const

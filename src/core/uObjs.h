@@ -149,7 +149,8 @@ public:
 
     /// The value of a key, or null. Never makes an entry.
     TVariant GetItem2(const QString& key) const;
-    /// Adds or replaces the value of a key.
+    /// Adds or replaces the value of a key; null removes it, since what a source does not tell leaves the user's
+    /// default.
     void SetItem2(const QString& key, const TVariant& value);
     TVariant operator[](const QString& key) const { return GetItem2(key); }
     /// All entries by folded key.

@@ -2,12 +2,17 @@
 #include "uTHSettings.h"
 
 #include "uDebugLog.h"
+#include "uFilePath.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 #include <QStringDecoder>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace Kestrune {
 
@@ -29,6 +34,16 @@ bool IsReadableIni(const QString& path)
     const QSettings store(path, QSettings::IniFormat);
     store.allKeys();
     return store.status() == QSettings::NoError;
+}
+
+// Keys of services stand in it. Each save gives the new file the permissions of the old one, so it is made beforehand.
+void KeepPrivate(const QString& path)
+{
+    const int handle = ::open(TextToPath(path).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (handle < 0)
+        return;
+    ::fchmod(handle, S_IRUSR | S_IWUSR);
+    ::close(handle);
 }
 
 QString PutAside(const QString& path)
@@ -53,6 +68,8 @@ TTHIniSettings::TTHIniSettings(const QString& path)
             FBrokenFile = path;
         DebugLog(u"[Settings] unreadable settings file put aside as %1"_s.arg(FBrokenFile));
     }
+    if (!FKeepsBroken)
+        KeepPrivate(path);
     FStore = std::make_unique<QSettings>(FKeepsBroken ? QString() : path, QSettings::IniFormat);
     FStore->setAtomicSyncRequired(true);
 }

@@ -74,7 +74,7 @@ bool TXMLLanguage::Read(const TXmlDocument& document, const QString& language)
     FList.clear();
     FCurrentLanguage = language;
     FCurrentLanguageInThatLanguage = root.Attribute(u"name"_s).value_or(language);
-    FCodePage = IntAttribute(root, u"CodePage"_s, FCodePage);
+    FCodePage = IntAttribute(root, u"CodePage"_s, 0);
     FCurrentLocaleId = IntAttribute(root, u"LocaleId"_s, 0);
     FFontCharset = IntAttribute(root, u"Charset"_s, 1);
     FIsRightToLeft = root.Attribute(u"BiDiMode"_s).value_or(QString()).toLower() == "righttoleft"_L1;

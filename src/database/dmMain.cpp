@@ -7,6 +7,8 @@
 #include "uTHStrings.h"
 #include "uThreads.h"
 
+#include <QScopeGuard>
+
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
@@ -153,10 +155,12 @@ void TDataModuleMain::RefreshAll()
 {
     qReleasesMain.DisableControls();
     qTracksAll.DisableControls();
+    const auto enable = qScopeGuard([this] {
+        qTracksAll.EnableControls();
+        qReleasesMain.EnableControls();
+    });
     for (TDataset* cursor : AllCursors())
         cursor->Refresh();
-    qTracksAll.EnableControls();
-    qReleasesMain.EnableControls();
 }
 
 void TDataModuleMain::ApplyArticleSettings()

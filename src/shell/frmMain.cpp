@@ -19,6 +19,7 @@
 #include <QStandardPaths>
 
 #include <algorithm>
+#include <utility>
 
 namespace Kestrune {
 
@@ -75,8 +76,8 @@ void TKRNMainForm::FormCreate(const TMainFormHooks& hooks)
         {"first view", &TKRNMainForm::SelectFirstView},
     };
     for (const auto& [name, step] : steps) {
-        (this->*step)(hooks);
         DebugLog(u"main window: "_s + QString::fromLatin1(name));
+        Attempt([&] { (this->*step)(hooks); });
     }
     FActions.Update();
 }
@@ -118,8 +119,7 @@ void TKRNMainForm::SelectFirstView(const TMainFormHooks&)
     if (view < static_cast<int>(mvThumbs) || view > static_cast<int>(mvTracks))
         return;
     FView = static_cast<TMainView>(view);
-    if (TracksShown() && FData.HasData())
-        EnsureTracksOpen();
+    LeaveTracksThatCannotBeRead();
 }
 
 void TKRNMainForm::FormShow()
@@ -132,6 +132,8 @@ void TKRNMainForm::FormShow()
 
 void TKRNMainForm::WMAfterFormShow()
 {
+    for (const QString& reason : std::exchange(FFailuresAtStart, {}))
+        ReportFailure(reason);
     if (FStartChecks && !FServicesFailure.isEmpty())
         Q_EMIT barRaised(bkWarning, GetLanguageString(u"cSServicesBroken"_s), FServicesFailure);
     if (FStartChecks)
@@ -218,19 +220,31 @@ void TKRNMainForm::SetColumns(bool ofTracks, std::vector<TColumnState> columns)
     layout->Columns = std::move(columns);
 }
 
-void TKRNMainForm::EnsureTracksOpen()
+bool TKRNMainForm::EnsureTracksOpen()
 {
-    if (FData.qTracksAll.Active())
-        return;
+    if (!FData.HasData() || FData.qTracksAll.Active())
+        return true;
     const TWaitCursor waiting;
-    FData.qTracksAll.Open();
+    const bool opened = Attempt([this] { FData.qTracksAll.Open(); });
+    if (!opened)
+        FData.qTracksAll.Close(); // half open it would look empty
+    return opened;
+}
+
+// A damaged table must not cost the views that can still be shown.
+void TKRNMainForm::LeaveTracksThatCannotBeRead()
+{
+    if (TracksShown() && !EnsureTracksOpen())
+        FView = mvThumbs;
 }
 
 void TKRNMainForm::SetCurrentView(TMainView view)
 {
     const bool ofTracks = TracksShown();
-    if (view == mvTracks)
-        EnsureTracksOpen();
+    if (view == mvTracks && !EnsureTracksOpen()) {
+        Q_EMIT viewChanged(); // the button of the present view
+        return;
+    }
     FView = view;
     Defaults().CurrentView = static_cast<int>(view);
     Q_EMIT viewChanged();
@@ -316,8 +330,7 @@ void TKRNMainForm::AfterCollectionChange()
     FTrackSelection.clear();
     FFocusedTrack = 0;
     FSearchWaits = false;
-    if (TracksShown() && FData.HasData())
-        EnsureTracksOpen();
+    LeaveTracksThatCannotBeRead();
     FSelection.clear();
     FFocused = FData.qReleasesMain.CurrentKey();
     CountReleases();
@@ -423,6 +436,10 @@ TStatusFigures TKRNMainForm::StatusFigures() const
 
 void TKRNMainForm::ReportFailure(const QString& reason)
 {
+    if (!FFormShown) { // nobody could see it yet
+        FFailuresAtStart << reason;
+        return;
+    }
     if (reason != FReportedFailure)
         Q_EMIT barRaised(bkError, GetLanguageString(u"cSCollectionUnreadable"_s), reason);
     FReportedFailure = reason;
@@ -468,11 +485,22 @@ void TKRNMainForm::OpenImport()
     FActions.Update();
 }
 
+bool TKRNMainForm::Attempt(const std::function<void()>& work)
+{
+    try {
+        work();
+        return true;
+    } catch (const std::exception& failure) {
+        ReportFailure(QString::fromUtf8(failure.what()));
+        return false;
+    }
+}
+
 void TKRNMainForm::AfterAdding()
 {
     // The new releases take their place in the order, and tracks that are shown take in theirs.
-    FData.qReleasesMain.ApplyFilter();
-    FData.qTracksAll.Refresh();
+    Attempt([this] { FData.qReleasesMain.ApplyFilter(); });
+    Attempt([this] { FData.qTracksAll.Refresh(); });
     RefreshDetail();
     CountReleases();
     StartCounting();

@@ -330,7 +330,11 @@ private:
     void AfterAdding();
     bool OpenCollection(const QString& path);
     void AfterCollectionChange();
-    void EnsureTracksOpen();
+    /// False, and told, when they cannot be read.
+    bool EnsureTracksOpen();
+    void LeaveTracksThatCannotBeRead();
+    /// Runs what may fail; false when it did, which is told as a bar.
+    bool Attempt(const std::function<void()>& work);
     void ApplyFilters();
     void NewDatabase();
     void OpenDatabase();
@@ -362,6 +366,7 @@ private:
     bool FFormShown = false;
     bool FDebugMode = false;
     QString FReportedFailure;
+    QStringList FFailuresAtStart;
     QString FOpenFailure;
 
     TViewFilters FReleaseFilters;

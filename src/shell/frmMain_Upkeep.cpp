@@ -179,6 +179,7 @@ void TKRNMainForm::RestoreSettingsBackup()
 
 void TKRNMainForm::ApplySettings()
 {
+    KeepSetting("DefaultDBFolder");
     SetNetworkSettings(NetworkSettingsFrom(Defaults()));
     FData.ApplyArticleSettings();
     FData.qReleasesMain.ApplyFilter();

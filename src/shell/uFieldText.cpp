@@ -7,6 +7,7 @@
 
 #include <QDateTime>
 #include <QLocale>
+#include <QRegularExpression>
 
 #include <array>
 
@@ -22,15 +23,23 @@ QString FriendName(TDataModuleMain& data, qint64 id)
     return row < 0 ? QString() : VarToStr(data.qFriends.ValueAt(row, data.qFriends.FieldIndex(u"Name"_s)));
 }
 
+constexpr int FutureYears = 10; // for which releases may be announced
+
 bool IsMoney(const QString& column)
 {
     return column == "Price"_L1 || column == "PriceValue"_L1 || column == "SellingPrice"_L1;
 }
 
+// The short form of the locale with four digits of the year: records come from two centuries.
+QString DateFormat()
+{
+    static const QRegularExpression twoDigits(u"(?<!y)yy(?!y)"_s);
+    return QLocale().dateFormat(QLocale::ShortFormat).replace(twoDigits, u"yyyy"_s);
+}
+
 QString DateText(const TVariant& value)
 {
-    return value.typeId() == QMetaType::QDate ? QLocale().toString(value.toDate(), QLocale::ShortFormat)
-                                              : VarToStr(value);
+    return value.typeId() == QMetaType::QDate ? QLocale().toString(value.toDate(), DateFormat()) : VarToStr(value);
 }
 
 QString FloatText(const TFieldDef& field, const TVariant& value, const QString& currency)
@@ -74,10 +83,15 @@ std::optional<double> ParseLength(const QString& text)
 
 QDate ParseDate(const QString& text)
 {
-    QDate date = QLocale().toDate(text, QLocale::ShortFormat);
-    // Two digits of a year mean the nearest such year that is not far ahead.
-    if (date.isValid() && date.year() < 1950 && !text.contains(QString::number(date.year())))
-        date = date.addYears(100);
+    const QString ownFormat = DateFormat();
+    QDate date = QLocale().toDate(text, ownFormat);
+    if (!date.isValid()) {
+        date = QLocale().toDate(text, QString(ownFormat).replace(u"yyyy"_s, u"yy"_s));
+        // Two digits were typed: the latest such year that is not far ahead.
+        const int latest = QDate::currentDate().year() + FutureYears;
+        if (date.isValid())
+            date = date.addYears((latest - date.year()) / 100 * 100);
+    }
     for (const QString& format : {u"yyyy-M-d"_s, u"d.M.yyyy"_s, u"d/M/yyyy"_s})
         if (!date.isValid())
             date = QDate::fromString(text, format);

@@ -2,6 +2,7 @@
 // The command-line program as a user runs it: as a process of its own, with settings of its own.
 #include "uCliKit.h"
 #include "uImageBuilders.h"
+#include "uOldFiles.h"
 #include "uSQLite.h"
 
 #include <QJsonArray>
@@ -47,6 +48,17 @@ TEST_F(Cli, HelpAndVersionAtEveryLevel)
         EXPECT_EQ(result.Code, 0) << arguments.join(u' ').toStdString();
         EXPECT_TRUE(result.Out.contains(text)) << arguments.join(u' ').toStdString();
     }
+}
+
+TEST_F(Cli, TheFirstFormatIsConvertedWhenItIsAskedFor)
+{
+    Kit::MakeOldCollection(FPath, u"1000"_s);
+    const TCliResult refused = Run({u"info"_s, FPath});
+    EXPECT_EQ(refused.Code, 1);
+    EXPECT_TRUE(refused.Err.contains("--convert"));
+    const TCliResult converted = Run({u"info"_s, FPath, u"--convert"_s});
+    EXPECT_EQ(converted.Code, 0);
+    EXPECT_TRUE(converted.Out.contains("version\t3001"));
 }
 
 TEST_F(Cli, ExitCodesTellFailureFromWrongUsage)

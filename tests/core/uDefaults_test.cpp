@@ -64,6 +64,36 @@ TEST(Settings, EveryKeyIsNamedOnceAndComesBack)
     EXPECT_EQ(read.ArticlesList, settings.ArticlesList);
 }
 
+TEST(Settings, TheFileIsReadableByItsOwnerAlone)
+{
+    const Kit::TTempDir dir;
+    const QString path = dir.File(u"config/s.ini"_s);
+    constexpr auto others = QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther;
+    const QString old = dir.Write(u"old.ini"_s, "[General]\na=1\n");
+    QFile::setPermissions(old, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther);
+    for (const QString& file : {path, old}) {
+        TTHIniSettings store(file);
+        store.WriteString(u"Key"_s, {}, u"secret"_s);
+        ASSERT_TRUE(store.Flush());
+        EXPECT_EQ(QFile::permissions(file) & others, 0) << file.toStdString();
+        EXPECT_EQ(TTHIniSettings(file).ReadString(u"Key"_s, {}), u"secret"_s);
+    }
+}
+
+TEST(Settings, WhatTheUserSetsIsKeptThoughItIsNotAmongTheRest)
+{
+    const Kit::TTempDir dir;
+    const QString path = dir.File(u"s.ini"_s);
+    OpenSettingsStore(path);
+    Defaults() = MakeDefaults();
+    Defaults().DefaultDBFolder = u"/records"_s;
+    KeepSetting("DefaultDBFolder");
+    SaveSettings();
+    OpenSettingsStore({});
+    EXPECT_EQ(ReadSettings(TTHIniSettings(path)).DefaultDBFolder, u"/records"_s);
+    Defaults() = MakeDefaults();
+}
+
 TEST(Settings, RecentFilesThatAreGoneLeaveWhenWritten)
 {
     const Kit::TTempDir dir;

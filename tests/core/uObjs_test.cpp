@@ -46,6 +46,9 @@ TEST(AlbumRelease, KeysIgnoreCaseAndReadingMakesNoEntry)
 {
     TAlbumRelease release;
     EXPECT_TRUE(VarIsNull(release.GetItem2(u"Artist"_s)));
+    release.SetItem2(u"Artist"_s, u"gone"_s);
+    release.SetItem2(u"artist"_s, TVariant());
+    EXPECT_TRUE(release.Items().empty()) << "null is absence";
     EXPECT_TRUE(release.Items().empty());
     release.SetItem2(u"Artist"_s, u"A"_s);
     EXPECT_EQ(release[u"ARTIST"_s].toString(), u"A"_s);

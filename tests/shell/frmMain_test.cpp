@@ -7,6 +7,7 @@
 #include "uViewLayout.h"
 
 #include <QCoreApplication>
+#include <QLocale>
 
 #include <gtest/gtest.h>
 
@@ -43,6 +44,95 @@ TEST_F(MainForm, TitlesAreLocatedAsShownFromARowOnAndRound)
     EXPECT_EQ(FForm.LocateTitle(u"h"_s, 0), FData.qReleasesMain.RowOfKey(1));
     FForm.LetterClick(u"A"_s);
     EXPECT_EQ(FForm.LocateTitle(u"h"_s, 0), -1) << "filtered out";
+}
+
+TEST_F(MainForm, ADamagedTrackTableCostsTheTracksOnly)
+{
+    OpenFilled();
+    FData.Disconnect();
+    {
+        TSQLiteConnection file;
+        file.Open(FPath);
+        file.Exec(u"PRAGMA wal_checkpoint(TRUNCATE); PRAGMA journal_mode = DELETE"_s);
+        const qint64 size = file.Scalar(u"PRAGMA page_size"_s).toLongLong();
+        std::vector<qint64> pages; // of the table and of the index that lists can be read from
+        for (const QString& name : {u"Tracks2"_s, u"tracks2_index"_s})
+            pages.push_back(file.Scalar(u"SELECT rootpage FROM sqlite_master WHERE name = ?"_s, {name}).toLongLong());
+        file.Close();
+        QByteArray bytes = Kit::ReadAll(FPath);
+        for (const qint64 page : pages)
+            bytes.replace((page - 1) * size, size, QByteArray(size, '\x7F'));
+        Kit::WriteAll(FPath, bytes);
+    }
+    Defaults().CurrentView = static_cast<int>(mvTracks);
+    TKRNMainForm form(FData, FPrompt);
+    QStringList bars;
+    QObject::connect(&form, &TKRNMainForm::barRaised, &form,
+                     [&](TBarKind, const QString& bold, const QString&) { bars << bold; });
+    form.FormCreate({});
+    form.FormShow();
+    form.WMAfterFormShow();
+    EXPECT_EQ(form.CurrentView(), mvThumbs);
+    EXPECT_EQ(FData.qReleasesMain.RecordCount(), 4) << "the releases are there";
+    EXPECT_FALSE(bars.isEmpty()) << "and the user knows";
+    form.Actions().Trigger(u"actTracksView"_s);
+    EXPECT_EQ(form.CurrentView(), mvThumbs);
+    form.Actions().Trigger(u"actAlbumTableView"_s);
+    EXPECT_EQ(form.CurrentView(), mvAlbums);
+    int resets = 0;
+    form.Actions().Trigger(u"actRefresh"_s);
+    QObject::connect(&FData.qReleasesMain, &TDataset::dataReset, &form, [&] { ++resets; });
+    form.SortBy(u"Artist"_s, false);
+    EXPECT_GT(resets, 0) << "a refresh that failed has switched the lists on again";
+}
+
+TEST_F(MainForm, WhatIsEditedInOneListIsSeenInTheOther)
+{
+    OpenFilled();
+    FForm.WMAfterFormShow();
+    FForm.SetCurrentView(mvTracks);
+    const TListDataset& tracks = FData.qTracksAll;
+    const TListDataset& releases = FData.qReleasesMain;
+    const auto shown = [](const TListDataset& list, const QString& field) {
+        return list.ValueAt(0, list.FieldIndex(field));
+    };
+    ASSERT_EQ(shown(tracks, u"ReleaseName"_s), TVariant(u"Help"_s));
+    ASSERT_NEAR(shown(releases, u"TotalTracksLength"_s).toDouble(), 61 / 86400.0, 1e-9);
+    EXPECT_TRUE(FForm.EditField(false, releases.KeyAt(0), u"ReleaseName"_s, u"Help!"_s));
+    EXPECT_EQ(shown(tracks, u"ReleaseName"_s), TVariant(u"Help!"_s));
+    EXPECT_TRUE(FForm.EditField(true, tracks.KeyAt(0), u"TrackLength"_s, 0.5));
+    EXPECT_DOUBLE_EQ(shown(releases, u"TotalTracksLength"_s).toDouble(), 0.5);
+    WaitFor(&TKRNMainForm::figuresChanged);
+    while (FForm.StatusFigures().Tracks < 0)
+        WaitFor(&TKRNMainForm::figuresChanged);
+    EXPECT_NEAR(FForm.StatusFigures().TracksLength, 0.5 + 3 * 61 / 86400.0, 1e-9);
+}
+
+TEST(FieldTexts, DatesKeepTheirCenturyInEveryLocale)
+{
+    const TFieldDef field{u"DatePurchased"_s, fkDate, 0, {}, {}};
+    const QLocale before;
+    const char* locales[] = {"en_US", "en_GB", "de_DE", "fr_FR", "es_ES", "it_IT", "nl_NL", "pt_BR", "pl_PL", "cs_CZ",
+                             "sv_SE", "fi_FI", "da_DK", "nb_NO", "hu_HU", "ro_RO", "el_GR", "tr_TR", "ru_RU", "uk_UA",
+                             "bg_BG", "he_IL", "ar_EG", "fa_IR", "hi_IN", "th_TH", "ja_JP", "zh_CN", "ko_KR", "vi_VN"};
+    for (const char* name : locales) {
+        QLocale::setDefault(QLocale(QString::fromLatin1(name)));
+        for (const QDate& date : {QDate(1899, 12, 31), QDate(1949, 1, 2), QDate(1999, 12, 31), QDate(2000, 2, 29),
+                                  QDate(2026, 10, 11), QDate(2049, 6, 5)}) {
+            const QString shown = FieldEditText(field, date);
+            const auto read = ParseFieldText(field, shown);
+            EXPECT_TRUE(read && read->toDate() == date)
+                << name << " shows " << date.toString(Qt::ISODate).toStdString() << " as " << shown.toStdString();
+        }
+    }
+    QLocale::setDefault(QLocale(QStringLiteral("en_GB")));
+    const int now = QDate::currentDate().year();
+    for (const int year : {now, now - 50, now - 89, now + 9}) {
+        const auto read = ParseFieldText(field, u"05/06/%1"_s.arg(year % 100, 2, 10, QChar(u'0')));
+        ASSERT_TRUE(read);
+        EXPECT_EQ(read->toDate(), QDate(year, 6, 5)) << "two digits mean a year that is not far ahead";
+    }
+    QLocale::setDefault(before);
 }
 
 TEST(ViewLayout, ComesBackFromItsTextAndNothingElseDoes)
