@@ -39,7 +39,7 @@ public:
         TOpenCollection collection(path);
         TListDataset& list = OpenList(parser, collection.Data());
         const bool tracks = parser.isSet(u"tracks"_s);
-        TExportSource source(collection.Data(), list, tracks, Columns(parser, list, tracks),
+        TExportSource source(collection.Data(), list, Columns(parser, list, tracks),
                              *format == efHTML || *format == efPDF);
         WriteExport(source, *format, out, QFileInfo(path).completeBaseName(), {});
         PrintLine(u"%1 rows"_s.arg(source.RowCount()));
@@ -63,7 +63,7 @@ private:
             if (field < 0)
                 throw EUsageError(u"no column %1 to write"_s.arg(name.trimmed()));
             const TFieldDef& def = list.Fields()[static_cast<size_t>(field)];
-            columns.push_back({def.Name, ColumnLabel(def, Defaults(), tracks)});
+            columns.push_back({def.Name, ColumnLabel(def, Defaults())});
         }
         return columns;
     }

@@ -3,7 +3,7 @@
 
 #include "dmMain.h"
 #include "uCommand.h"
-#include "uSearch.h"
+#include "uViewFilters.h"
 
 namespace Kestrune {
 
@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const TSearchField& FieldByWord(const std::vector<TSearchField>& fields, const QString& word)
+TSearchField FieldByWord(const std::vector<TSearchField>& fields, const QString& word)
 {
     for (const TSearchField& field : fields) {
         if (field.Column.compare(word, Qt::CaseInsensitive) == 0 ||
@@ -34,20 +34,19 @@ std::vector<TSortItem> ParseSort(const QString& text, const TDataset& list)
     return sort;
 }
 
-void AddFilters(const QCommandLineParser& parser, TDataModuleMain& data, TListDataset& list, bool tracks)
+// The same filters as those of the window's view of the list.
+void AddFilters(const QCommandLineParser& parser, TDataModuleMain& data, TListDataset& list)
 {
-    const QString artistColumn = tracks ? u"ReleaseArtist"_s : u"Artist"_s;
+    TViewFilters filters(data, list);
     if (parser.isSet(u"search"_s)) {
         const QString by = parser.isSet(u"by"_s) ? parser.value(u"by"_s) : u"ReleaseName"_s;
-        const std::vector<TSearchField> fields = SearchFieldsOf(data, tracks);
-        list.Filter().Add(SearchCriterion(FieldByWord(fields, by), parser.value(u"search"_s)));
+        filters.SetKeyword(FieldByWord(filters.Fields(), by).Column, parser.value(u"search"_s));
     }
-    if (const QString letter = parser.value(u"letter"_s); !letter.isEmpty())
-        list.Filter().Add(letter == "#"_L1 ? NoLetterCriterion(artistColumn) : LetterCriterion(artistColumn, letter));
+    filters.SetLetter(parser.value(u"letter"_s));
     if (parser.isSet(u"status"_s)) {
-        if (tracks)
+        if (list.FieldIndex(u"Status"_s) < 0)
             throw EUsageError(u"tracks have no status"_s);
-        list.Filter().Add(StatusCriterion(parser.value(u"status"_s)));
+        filters.SetStatus(parser.value(u"status"_s));
     }
     list.SetFilterActive(!list.Filter().IsEmpty());
 }
@@ -83,7 +82,7 @@ TListDataset& OpenList(const QCommandLineParser& parser, TDataModuleMain& data)
     TListDataset& list = tracks ? data.qTracksAll : data.qReleasesMain;
     const std::vector<TSortItem> sort = ParseSort(parser.value(u"sort"_s), list);
     const QStringList groups = ParseGroups(parser.value(u"group"_s), list);
-    AddFilters(parser, data, list, tracks);
+    AddFilters(parser, data, list);
     if (!list.Active())
         list.Open();
     list.SetSort(sort);

@@ -158,9 +158,9 @@ public:
     /// transaction, whose end may undo them.
     std::vector<qint64> TakeTouchedReleases(int most = -1);
     bool HasTouchedReleases() const;
-    /// Makes these the hits of foIsHit for the main list or for all tracks; gives the number of the search for the
-    /// criterion's value.
-    qint64 SetHits(const std::vector<qint64>& releases, bool ofTracks);
+    /// Keeps the hits of a search for foIsHit; gives its number, which is the criterion's value.
+    qint64 AddHits(const std::vector<qint64>& releases);
+    void DropHits(qint64 number);
     /// A track of a release, the first by its ID; 0 without tracks.
     qint64 FirstTrackOf(qint64 release);
 

@@ -96,13 +96,13 @@ std::vector<qint64> TDataModuleMain::TakeTouchedReleases(int most)
     return taken;
 }
 
-qint64 TDataModuleMain::SetHits(const std::vector<qint64>& releases, bool ofTracks)
+qint64 TDataModuleMain::AddHits(const std::vector<qint64>& releases)
 {
-    // Even numbers belong to the main list, odd ones to the tracks.
-    FHitsNumber += 2;
-    FConnection.TextRules().Hits[ofTracks ? 1 : 0] = {releases.begin(), releases.end()};
-    return FHitsNumber + (ofTracks ? 1 : 0);
+    FConnection.TextRules().Hits[++FHitsNumber] = {releases.begin(), releases.end()};
+    return FHitsNumber;
 }
+
+void TDataModuleMain::DropHits(qint64 number) { FConnection.TextRules().Hits.erase(number); }
 
 qint64 TDataModuleMain::FirstTrackOf(qint64 release)
 {

@@ -163,12 +163,12 @@ constexpr TColumnDef OtherPictureColumnRows[] = {
     {"ReleaseId", fkInteger, 0, ""},
 };
 
-// The definition behind a column "Custom1" to "Custom10", or null.
-const TCustomFieldDef* CustomField(const QString& column, const TCustomFieldDefs& defs)
+const TCustomFieldDef* CustomField(const TFieldDef& field, const TDefaults& settings)
 {
-    bool ok = false;
-    const int number = column.startsWith("Custom"_L1) ? QStringView(column).sliced(6).toInt(&ok) : 0;
-    return ok && number >= 1 && number <= 10 ? &defs.Slots[static_cast<size_t>(number) - 1] : nullptr;
+    if (!field.Custom)
+        return nullptr;
+    const int number = QStringView(field.Name).sliced(6).toInt();
+    return number >= 1 && number <= 10 ? &(settings.*field.Custom).Slots[static_cast<size_t>(number) - 1] : nullptr;
 }
 
 } // namespace
@@ -180,18 +180,29 @@ std::span<const TColumnDef> LoanColumns() { return LoanColumnRows; }
 std::span<const TColumnDef> MusicianColumns() { return MusicianColumnRows; }
 std::span<const TColumnDef> OtherPictureColumns() { return OtherPictureColumnRows; }
 
-bool IsFieldShown(const TFieldDef& field, const TDefaults& settings, bool ofTracks)
+bool IsFieldShown(const TFieldDef& field, const TDefaults& settings)
 {
-    const TCustomFieldDef* custom = CustomField(field.Name, ofTracks ? settings.TrackFields : settings.ReleaseFields);
+    const TCustomFieldDef* custom = CustomField(field, settings);
     return !custom || (settings.CustomFieldsEnabled && custom->Enabled);
 }
 
-QString ColumnLabel(const TFieldDef& field, const TDefaults& settings, bool ofTracks)
+QString ColumnLabel(const TFieldDef& field, const TDefaults& settings)
 {
-    const TCustomFieldDef* custom = CustomField(field.Name, ofTracks ? settings.TrackFields : settings.ReleaseFields);
-    if (custom)
+    if (const TCustomFieldDef* custom = CustomField(field, settings))
         return custom->DisplayName;
     return field.LabelKey.isEmpty() ? field.Name : GetLanguageString(field.LabelKey);
+}
+
+TFieldKind ValueKindOf(const TFieldDef& field, const TDefaults& settings)
+{
+    const TCustomFieldDef* custom = CustomField(field, settings);
+    switch (custom ? custom->DataType : -1) {
+    case static_cast<int>(cftInteger): return fkInteger;
+    case static_cast<int>(cftFloat):
+    case static_cast<int>(cftCurrency): return fkFloat;
+    case static_cast<int>(cftBoolean): return fkBoolean;
+    default: return field.Kind;
+    }
 }
 
 } // namespace Kestrune

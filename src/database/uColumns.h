@@ -8,6 +8,7 @@
 namespace Kestrune {
 
 struct TDefaults;
+struct TCustomFieldDefs;
 
 /// What a field holds. Memos are texts of any length; blobs are pictures.
 enum class TFieldKind : quint8 { fkString, fkMemo, fkInteger, fkFloat, fkBoolean, fkDate, fkDateTime, fkBlob };
@@ -44,15 +45,20 @@ struct TFieldDef {
     bool ReadOnly = false;
     bool AutoIncrement = false;
     bool Required = false;
+    /// The user's own names and kinds of the columns Custom1 to Custom10; null for every other column.
+    TCustomFieldDefs TDefaults::*Custom = nullptr;
     bool Lazy = false; ///< a picture that a record does not hold: read by TDataset::ReadBlob
 
     bool IsText() const { return Kind == fkString || Kind == fkMemo; }
 };
 
 /// The caption of a field: its text in the current language, or the name the user gave to a custom field.
-QString ColumnLabel(const TFieldDef& field, const TDefaults& settings, bool ofTracks);
+QString ColumnLabel(const TFieldDef& field, const TDefaults& settings);
 
 /// False for custom fields that the user has not switched on.
-bool IsFieldShown(const TFieldDef& field, const TDefaults& settings, bool ofTracks);
+bool IsFieldShown(const TFieldDef& field, const TDefaults& settings);
+
+/// The kind of values that a field takes from the user: that of its column, or of the user's own field.
+TFieldKind ValueKindOf(const TFieldDef& field, const TDefaults& settings);
 
 } // namespace Kestrune

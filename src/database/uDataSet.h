@@ -29,6 +29,9 @@ struct TDatasetDef {
     QString Where;         ///< fixed condition, with ? for the parameter; empty for none
     QString OrderBy;       ///< fixed order; empty for the key
     std::vector<TFieldDef> Fields;
+    QString RowName;    ///< what one row is, as an element of an export names it: "Release"
+    QString TitleField; ///< by which a user knows a row
+    QString ReleaseKey; ///< field with the key of the release to which a row belongs; empty for none
 };
 
 /// A cursor over the collection: an ordered set of records of which one is current. It is the one way in which
@@ -46,6 +49,9 @@ public:
 
     const QString& Name() const { return FDef.Name; }
     const std::vector<TFieldDef>& Fields() const { return FDef.Fields; }
+    const QString& RowName() const { return FDef.RowName; }
+    const QString& TitleField() const { return FDef.TitleField; }
+    const QString& ReleaseKey() const { return FDef.ReleaseKey; }
     /// Index of a field, compared without case, or -1.
     int FieldIndex(const QString& name) const;
     /// The SELECT that reads whole records, without condition and order.

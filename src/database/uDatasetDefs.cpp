@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDatasetDefs.h"
 
+#include "uDefaults.h"
 #include "uReleaseCursors.h"
 
 namespace Kestrune {
@@ -9,7 +10,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-TFieldDef FieldOf(const TColumnDef& column, const QString& alias)
+using TCustom = TCustomFieldDefs TDefaults::*;
+
+TFieldDef FieldOf(const TColumnDef& column, const QString& alias, TCustom custom = nullptr)
 {
     TFieldDef field;
     field.Name = QString::fromLatin1(column.Name);
@@ -19,14 +22,16 @@ TFieldDef FieldOf(const TColumnDef& column, const QString& alias)
     field.Expression = u"%1.\"%2\""_s.arg(alias, field.Name);
     field.AutoIncrement = column.Flag == cfAutoIncrement;
     field.Required = column.Flag == cfRequired;
+    if (field.Name.startsWith("Custom"_L1))
+        field.Custom = custom;
     return field;
 }
 
-std::vector<TFieldDef> FieldsOf(std::span<const TColumnDef> columns, const QString& alias)
+std::vector<TFieldDef> FieldsOf(std::span<const TColumnDef> columns, const QString& alias, TCustom custom = nullptr)
 {
     std::vector<TFieldDef> fields;
     for (const TColumnDef& column : columns)
-        fields.push_back(FieldOf(column, alias));
+        fields.push_back(FieldOf(column, alias, custom));
     return fields;
 }
 
@@ -61,7 +66,10 @@ TDatasetDef ReleaseInfoDef()
                     u"Releases2 R LEFT JOIN Loans2 L ON L.ReleaseId = R.ID AND L.ReturnDate IS NULL"_s,
                     u"R.ID = ?"_s,
                     {},
-                    FieldsOf(ReleaseColumns(), u"R"_s)};
+                    FieldsOf(ReleaseColumns(), u"R"_s, &TDefaults::ReleaseFields),
+                    {},
+                    {},
+                    {}};
     def.Fields.push_back(QueryField(u"TotalTracksCount"_s, fkInteger, TracksCountSQL));
     def.Fields.push_back(
         QueryField(u"TotalDiscCount"_s, fkInteger, u"(SELECT max(DiscNo) FROM Tracks2 WHERE ReleaseId = R.ID)"_s));
@@ -80,7 +88,10 @@ TDatasetDef TracksDetailDef()
                     u"Tracks2 T"_s,
                     u"T.ReleaseId = ?"_s,
                     u"T.DiscNo, T.TrackNo, T.ID"_s,
-                    FieldsOf(TrackColumns(), u"T"_s)};
+                    FieldsOf(TrackColumns(), u"T"_s, &TDefaults::TrackFields),
+                    u"Track"_s,
+                    u"TrackTitle"_s,
+                    u"ReleaseId"_s};
     def.Fields.push_back(RatingCalcField(u"cSTracksFieldRating"_s));
     return def;
 }
@@ -89,16 +100,17 @@ TDatasetDef ChildDef(const QString& name, const QString& table, std::span<const 
                      const QString& parentColumn)
 {
     const QString where = parentColumn.isEmpty() ? QString() : u"C.%1 = ?"_s.arg(parentColumn);
-    return {name, table, u"C.ID"_s, table + u" C"_s, where, {}, FieldsOf(columns, u"C"_s)};
+    return {name, table, u"C.ID"_s, table + u" C"_s, where, {}, FieldsOf(columns, u"C"_s), {}, {}, {}};
 }
 
 } // namespace
 
 TDatasetDef ReleasesMainDef()
 {
-    TDatasetDef def{u"qReleasesMain"_s, u"Releases2"_s, u"R.ID"_s, u"Releases2 R"_s, {}, {}, {}};
+    TDatasetDef def{u"qReleasesMain"_s, u"Releases2"_s,   u"R.ID"_s, u"Releases2 R"_s, {}, {}, {},
+                    u"Release"_s,       u"ReleaseName"_s, u"ID"_s};
     for (const TColumnDef& column : ReleaseColumns()) {
-        TFieldDef field = FieldOf(column, u"R"_s);
+        TFieldDef field = FieldOf(column, u"R"_s, &TDefaults::ReleaseFields);
         if (field.Name.startsWith("LargePicture"_L1))
             continue;
         field.Lazy = field.Kind == fkBlob;
@@ -122,7 +134,10 @@ TDatasetDef TracksAllDef()
                     u"Tracks2 T LEFT JOIN Releases2 R ON R.ID = T.ReleaseId"_s,
                     {},
                     {},
-                    FieldsOf(TrackColumns(), u"T"_s)};
+                    FieldsOf(TrackColumns(), u"T"_s, &TDefaults::TrackFields),
+                    u"Track"_s,
+                    u"TrackTitle"_s,
+                    u"ReleaseId"_s};
     def.Fields.push_back(RatingCalcField(u"cSTracksFieldRating"_s));
     for (const TColumnDef& column : ReleaseColumns()) {
         static const QStringList joined{u"Artist"_s,    u"ReleaseName"_s, u"ReleaseYear"_s, u"ReleaseDate"_s,
@@ -148,7 +163,7 @@ TDatasetDef StatsDef()
     const auto number = [](const QString& name, TFieldKind kind, const QString& sql) {
         return QueryField(name, kind, u'(' + sql + u')');
     };
-    TDatasetDef def{u"qStats"_s, {}, u"S.ID"_s, u"(SELECT 1 AS ID) S"_s, {}, {}, {}};
+    TDatasetDef def{u"qStats"_s, {}, u"S.ID"_s, u"(SELECT 1 AS ID) S"_s, {}, {}, {}, {}, {}, {}};
     const QString discs = u"(SELECT max(ifnull(max(DiscNo), 1), 1) AS Discs FROM Tracks2 GROUP BY ReleaseId)"_s;
     def.Fields = {
         number(u"ReleaseCount"_s, fkInteger, u"SELECT count(*) FROM Releases2"_s),

@@ -8,7 +8,6 @@
 #include <QString>
 #include <QStringList>
 
-#include <array>
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -87,8 +86,8 @@ private:
 
 /// What the text functions of a connection need to know of the settings.
 struct TTextRules {
-    QStringList Articles;                           ///< left out by the function krn_article_key
-    std::array<std::unordered_set<qint64>, 2> Hits; ///< keys for which krn_hit is true, for even and odd searches
+    QStringList Articles;                                        ///< left out by the function krn_article_key
+    std::unordered_map<qint64, std::unordered_set<qint64>> Hits; ///< keys for which krn_hit is true, by search
 };
 
 /// How a file is opened. Immutable: nobody else writes it and it is read as it lies there, without locks or journal.

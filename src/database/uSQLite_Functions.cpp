@@ -203,8 +203,9 @@ void NoLetterFunction(sqlite3_context* context, int, sqlite3_value** values)
 void HitFunction(sqlite3_context* context, int, sqlite3_value** values)
 {
     const auto* rules = static_cast<const TTextRules*>(sqlite3_user_data(context));
-    const auto& hits = rules->Hits[static_cast<size_t>(sqlite3_value_int64(values[1]) & 1)];
-    sqlite3_result_int(context, hits.contains(sqlite3_value_int64(values[0])) ? 1 : 0);
+    const auto hits = rules->Hits.find(sqlite3_value_int64(values[1]));
+    const bool hit = hits != rules->Hits.end() && hits->second.contains(sqlite3_value_int64(values[0]));
+    sqlite3_result_int(context, hit ? 1 : 0);
 }
 
 } // namespace

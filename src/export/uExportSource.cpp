@@ -18,14 +18,15 @@ const QLatin1StringView CoverField("ThumbPicture");
 
 } // namespace
 
-TExportSource::TExportSource(TDataModuleMain& data, TListDataset& list, bool ofTracks,
-                             std::vector<TExportColumn> columns, bool thumbnails)
-    : FData(data), FList(list), FOfTracks(ofTracks)
+TExportSource::TExportSource(TDataModuleMain& data, TListDataset& list, std::vector<TExportColumn> columns,
+                             bool thumbnails)
+    : FData(data), FList(list)
 {
     for (TExportColumn& column : columns) {
         const bool cover = column.Field == CoverField;
         const int field = cover ? -1 : list.FieldIndex(column.Field);
-        if (cover ? (!thumbnails || ofTracks) : (field < 0 || list.Fields()[static_cast<size_t>(field)].Kind == fkBlob))
+        if (cover ? (!thumbnails || list.FieldIndex(CoverField) < 0)
+                  : (field < 0 || list.Fields()[static_cast<size_t>(field)].Kind == fkBlob))
             continue;
         if (field >= 0)
             FWalked.push_back(field);
@@ -35,6 +36,8 @@ TExportSource::TExportSource(TDataModuleMain& data, TListDataset& list, bool ofT
     if (const int currency = list.FieldIndex(u"Currency"_s); currency >= 0)
         FWalked.push_back(currency);
 }
+
+const QString& TExportSource::RowName() const { return FList.RowName(); }
 
 int TExportSource::RowCount() const { return FList.RecordCount(); }
 
@@ -58,8 +61,7 @@ std::vector<TExportColumn> TExportSource::GroupColumns() const
 {
     std::vector<TExportColumn> columns;
     for (const QString& name : FList.Grouping())
-        columns.push_back(
-            {name, ColumnLabel(FList.Fields()[static_cast<size_t>(FList.FieldIndex(name))], Defaults(), FOfTracks)});
+        columns.push_back({name, ColumnLabel(FList.Fields()[static_cast<size_t>(FList.FieldIndex(name))], Defaults())});
     return columns;
 }
 
@@ -76,7 +78,7 @@ std::vector<TExportGroup> TExportSource::GroupsAt(int row)
         const QString name = FList.Grouping().value(group.Level);
         const TFieldDef& field = FList.Fields()[static_cast<size_t>(FList.FieldIndex(name))];
         const QString value = FieldText(FData, field, group.Value);
-        found.push_back({group.Level, name, ColumnLabel(field, Defaults(), FOfTracks),
+        found.push_back({group.Level, name, ColumnLabel(field, Defaults()),
                          value.isEmpty() ? GetLanguageString(u"cSEmpty"_s) : value, group.Count});
     }
     return found;
@@ -126,7 +128,7 @@ std::pair<QString, QString> TExportSource::Names(int row) const
     const auto text = [&](const QString& name) {
         return TDataModuleMain::DisplayText(name, VarToStr(FList.ValueAt(row, FList.FieldIndex(name))));
     };
-    return {text(FOfTracks ? u"TrackTitle"_s : u"ReleaseName"_s), text(u"Artist"_s)};
+    return {text(FList.TitleField()), text(u"Artist"_s)};
 }
 
 } // namespace Kestrune

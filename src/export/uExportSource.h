@@ -35,13 +35,13 @@ struct TExportGroup {
 class TExportSource {
 public:
     /// Columns that the list does not have are left out; pictures only stay where `thumbnails` asks for them.
-    TExportSource(TDataModuleMain& data, TListDataset& list, bool ofTracks, std::vector<TExportColumn> columns,
-                  bool thumbnails);
+    TExportSource(TDataModuleMain& data, TListDataset& list, std::vector<TExportColumn> columns, bool thumbnails);
 
     const std::vector<TExportColumn>& Columns() const { return FColumns; }
     int ColumnCount() const { return static_cast<int>(FColumns.size()); }
     int RowCount() const;
-    bool OfTracks() const { return FOfTracks; }
+    /// What one row is, as the name of an element.
+    const QString& RowName() const;
     bool IsThumbnail(int column) const { return FFields[static_cast<size_t>(column)] < 0; }
     bool HasThumbnails() const;
     /// Field of a column; not for the cover.
@@ -70,7 +70,6 @@ public:
 private:
     TDataModuleMain& FData;
     TListDataset& FList;
-    bool FOfTracks;
     std::vector<TExportColumn> FColumns;
     std::vector<int> FFields; // of each column; -1 for the cover
     std::vector<int> FWalked; // fields that are read: those of the columns, then the currency

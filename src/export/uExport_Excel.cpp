@@ -139,7 +139,8 @@ bool WriteExcel(TExportSource& source, const QString& path, const QString& title
     const bool full = line >= MostSheetRows;
     if (line > 1 && columns > 0 && !source.IsGrouped())
         worksheet_autofilter(sheet, 0, 0, line - 1, static_cast<lxw_col_t>(columns - 1));
-    // Packing takes as long as the rows did; it touches nothing of ours, so that the event loop can be served meanwhile.
+    // Packing takes as long as the rows did; it touches nothing of ours, so that the event loop can be served
+    // meanwhile.
     auto packing = std::async(std::launch::async, [book] { return workbook_close(book); });
     while (packing.wait_for(PackingStep) != std::future_status::ready)
         if (whole && progress && !progress(source.RowCount(), source.RowCount()))

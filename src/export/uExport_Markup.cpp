@@ -125,7 +125,7 @@ bool WriteXML(TExportSource& source, QIODevice& file, const QString& title, cons
             xml.writeAttribute(u"value"_s, XmlText(group.Value));
             ++open;
         }
-        xml.writeStartElement(source.OfTracks() ? u"Track"_s : u"Release"_s);
+        xml.writeStartElement(source.RowName());
         for (int column = 0; column < source.ColumnCount(); ++column) {
             if (source.IsThumbnail(column))
                 continue;

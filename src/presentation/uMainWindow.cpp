@@ -396,7 +396,7 @@ TFieldEditor* TMainWindow::MakePaneEditor(const QString& column, QWidget* parent
     const TFieldDef& field = collection.qReleaseInfo.Fields()[static_cast<size_t>(index)];
     if (!TDataModuleMain::IsFieldAssignable(field) || field.Kind == fkDateTime)
         return nullptr;
-    auto* editor = new TFieldEditor(collection, field, false, parent);
+    auto* editor = new TFieldEditor(collection, field, parent);
     editor->SetValue(FForm.DetailValue(column));
     return editor;
 }

@@ -67,7 +67,7 @@ void TMainWindow::OpenSort()
 
 void TMainWindow::OpenFilterBuilder()
 {
-    TFilterDialog dialog(FForm.Data(), FForm.List().Fields(), FForm.TracksShown(), FForm.BuilderFilter(), this);
+    TFilterDialog dialog(FForm.Data(), FForm.List().Fields(), FForm.BuilderFilter(), this);
     if (dialog.exec() == QDialog::Accepted)
         FForm.SetBuilderFilter(dialog.Node());
 }
@@ -189,7 +189,7 @@ TExportSource TMainWindow::MakeSource(bool thumbnails)
         fields << u"Rating_Calc"_s << u"Genre"_s << u"Label"_s << u"CatalogNO"_s << u"CountryCode"_s;
     for (const QString& field : fields)
         columns.push_back({field, list.headerData(list.ColumnOf(field), Qt::Horizontal, FullCaptionRole).toString()});
-    return TExportSource(FForm.Data(), FForm.List(), FForm.TracksShown(), std::move(columns), thumbnails);
+    return TExportSource(FForm.Data(), FForm.List(), std::move(columns), thumbnails);
 }
 
 QString TMainWindow::ReportTitle() const { return QFileInfo(FForm.Data().CurrentFile()).completeBaseName(); }

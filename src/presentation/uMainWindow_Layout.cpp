@@ -111,7 +111,7 @@ void TMainWindow::SetUpTable(TAlbumTable& table)
 {
     TListModel& list = table.Groups().Source();
     TTableHeader* header = table.Header();
-    const bool ofTracks = list.OfTracks();
+    const bool ofTracks = &list == FTracksModel;
     list.SetEdit([this, ofTracks](qint64 id, const QString& field, const TVariant& value) {
         return FForm.EditField(ofTracks, id, field, value);
     });
@@ -125,7 +125,7 @@ void TMainWindow::SetUpTable(TAlbumTable& table)
     };
     header->FilterChoicesOf = [&list, ofTracks](int column) {
         const TFieldDef* field = list.FieldDefOf(column);
-        const TEditorKind kind = field ? EditorKindOf(*field, ofTracks) : ekText;
+        const TEditorKind kind = field ? EditorKindOf(*field) : ekText;
         QStringList choices;
         if (kind == ekList || kind == ekChoice)
             for (const TValueAndText& item : EditorItems(list.Data(), *field))

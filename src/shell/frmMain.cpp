@@ -42,8 +42,8 @@ constexpr qint64 CountStep = 50000; // tracks per turn of the event loop
 TKRNMainForm::TKRNMainForm(TDataModuleMain& data, TPrompt& prompt)
     : FData(data),
       FPrompt(prompt),
-      FReleaseFilters(data, data.qReleasesMain, false),
-      FTrackFilters(data, data.qTracksAll, true),
+      FReleaseFilters(data, data.qReleasesMain),
+      FTrackFilters(data, data.qTracksAll),
       FIndex(std::make_unique<TSearchIndex>(
           data, QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation) + u"/Kestrune"_s))
 {

@@ -409,7 +409,4 @@ private:
     bool FCancelled = false;
 };
 
-/// The detail view of a release; without an ID when the file does not hold it.
-TDetailData BuildDetailData(TDataModuleMain& data, qint64 release);
-
 } // namespace Kestrune

@@ -49,7 +49,7 @@ void TKRNMainForm::SearchEverything()
                          GetLanguageString(u"cSSearchIndexWaits"_s));
         return;
     }
-    Filters().SetEverything(words, FData.SetHits(*hits, TracksShown()));
+    Filters().SetEverything(words, *hits);
     ApplyFilters();
 }
 

@@ -21,7 +21,7 @@ void TMultiEditForm::LoadFromCustomGridTableView(const std::vector<QString>& sho
     for (const TFieldDef& field : FForm.List().Fields()) {
         const bool internal = field.LabelKey.isEmpty() && !field.Name.startsWith("Custom"_L1);
         const bool editable = TDataModuleMain::IsFieldAssignable(field) && field.Kind != fkDateTime && !internal;
-        if (editable && IsFieldShown(field, Defaults(), FOfTracks))
+        if (editable && IsFieldShown(field, Defaults()))
             FFields.push_back(field);
     }
     const auto place = [&](const TFieldDef& field) {
@@ -81,7 +81,7 @@ QString TMultiEditForm::Question() const
     for (const auto& [name, value] : GetList()) {
         const auto field = std::ranges::find(FFields, name, &TFieldDef::Name);
         if (field != FFields.end())
-            (VarIsNull(value) ? cleared : set) << ColumnLabel(*field, Defaults(), FOfTracks);
+            (VarIsNull(value) ? cleared : set) << ColumnLabel(*field, Defaults());
     }
     QStringList sentences;
     if (!set.isEmpty())

@@ -224,7 +224,7 @@ TEST_F(ViewFilters, ConditionsAreSaidInWords)
     TFilterNode node = AllOf({{u"ReleaseYear"_s, foGreater, 1970, u"1970"_s}});
     node.Groups.push_back(
         {flAny, true, {{u"Label"_s, foIsNull, {}, {}}, {u"Artist"_s, foContains, u"a"_s, u"a"_s}}, {}});
-    EXPECT_EQ(FilterSummary(FData, node, false).toStdString(),
+    EXPECT_EQ(FilterSummary(FData.qReleasesMain.Fields(), node).toStdString(),
               "Release year is more than 1970 and (not (Label is empty or Artist contains a))");
 }
 

@@ -36,20 +36,14 @@ bool NeedsValue(TFilterOp op) { return op != foIsNull && op != foIsNotNull; }
 
 } // namespace
 
-TFilterRow::TFilterRow(TDataModuleMain& dataModule, const std::vector<TFieldDef>& fields, bool ofTracks,
-                       QWidget* parent)
-    : QWidget(parent),
-      FData(dataModule),
-      FFields(fields),
-      FOfTracks(ofTracks),
-      FField(new QComboBox(this)),
-      FOp(new QComboBox(this))
+TFilterRow::TFilterRow(TDataModuleMain& dataModule, const std::vector<TFieldDef>& fields, QWidget* parent)
+    : QWidget(parent), FData(dataModule), FFields(fields), FField(new QComboBox(this)), FOp(new QComboBox(this))
 {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(6);
     for (const TFieldDef& field : fields)
-        FField->addItem(ColumnLabel(field, Defaults(), ofTracks));
+        FField->addItem(ColumnLabel(field, Defaults()));
     FField->setAccessibleName(GetLanguageString(u"cSMultiEditField"_s));
     FOp->setAccessibleName(GetLanguageString(u"cSFilterOperator"_s));
     TRibbonButton* remove = MakeIconButton(u"x"_s, u"cSFilterRemove"_s, this);
@@ -89,7 +83,7 @@ void TFilterRow::MakeValues()
         row->addWidget(FPeriod);
     } else if (NeedsValue(Op())) {
         const auto add = [&] {
-            auto* editor = new TFieldEditor(FData, Field(), FOfTracks, FValues);
+            auto* editor = new TFieldEditor(FData, Field(), FValues);
             connect(editor, &TFieldEditor::cancelled, window(), [this] { static_cast<QDialog*>(window())->reject(); });
             connect(editor, &TFieldEditor::moved, this, [this](int direction) { focusNextPrevChild(direction > 0); });
             row->addWidget(editor);
@@ -157,12 +151,11 @@ void TFilterRow::SetCriterion(const TFilterCriterion& criterion)
 
 void TFilterRow::Begin() { FField->setFocus(); }
 
-TFilterGroupBox::TFilterGroupBox(TDataModuleMain& dataModule, const std::vector<TFieldDef>& fields, bool ofTracks,
-                                 int depth, QWidget* parent)
+TFilterGroupBox::TFilterGroupBox(TDataModuleMain& dataModule, const std::vector<TFieldDef>& fields, int depth,
+                                 QWidget* parent)
     : QWidget(parent),
       FData(dataModule),
       FFields(fields),
-      FOfTracks(ofTracks),
       FDepth(depth),
       FLogic(new QComboBox(this)),
       FColumn(new QVBoxLayout(this))
@@ -195,7 +188,7 @@ TFilterGroupBox::TFilterGroupBox(TDataModuleMain& dataModule, const std::vector<
 
 TFilterRow* TFilterGroupBox::AddRow()
 {
-    auto* row = new TFilterRow(FData, FFields, FOfTracks, this);
+    auto* row = new TFilterRow(FData, FFields, this);
     connect(row, &TFilterRow::removeRequested, this, [this, row] {
         FRows.removeAll(row);
         row->hide();
@@ -209,7 +202,7 @@ TFilterRow* TFilterGroupBox::AddRow()
 
 TFilterGroupBox* TFilterGroupBox::AddGroup()
 {
-    auto* group = new TFilterGroupBox(FData, FFields, FOfTracks, FDepth + 1, this);
+    auto* group = new TFilterGroupBox(FData, FFields, FDepth + 1, this);
     connect(group, &TFilterGroupBox::removeRequested, this, [this, group] {
         FGroups.removeAll(group);
         group->hide();
@@ -262,25 +255,25 @@ void TFilterGroupBox::paintEvent(QPaintEvent*)
     painter.fillRect(QRectF(x, 2, 2, height() - 4), CurrentTheme().Outline);
 }
 
-TFilterDialog::TFilterDialog(TDataModuleMain& dataModule, std::vector<TFieldDef> fields, bool ofTracks,
-                             const TFilterNode& node, QWidget* parent)
+TFilterDialog::TFilterDialog(TDataModuleMain& dataModule, std::vector<TFieldDef> fields, const TFilterNode& node,
+                             QWidget* parent)
     : TDialog(u"TFilterDialog"_s, GetLanguageString(u"cSactAdvancedSearch"_s), parent)
 {
     for (TFieldDef& field : fields) {
         const bool custom = field.Name.startsWith("Custom"_L1);
         if (field.Kind != fkBlob && field.Name != "Rating"_L1 && (custom || !field.LabelKey.isEmpty()) &&
-            IsFieldShown(field, Defaults(), ofTracks))
+            IsFieldShown(field, Defaults()))
             FFields.push_back(std::move(field));
     }
     std::ranges::sort(FFields, [&](const TFieldDef& a, const TFieldDef& b) {
-        return ColumnLabel(a, Defaults(), ofTracks).localeAwareCompare(ColumnLabel(b, Defaults(), ofTracks)) < 0;
+        return ColumnLabel(a, Defaults()).localeAwareCompare(ColumnLabel(b, Defaults())) < 0;
     });
     auto* scroll = new QScrollArea(this);
     scroll->setFocusPolicy(Qt::NoFocus);
     auto* content = new QWidget(scroll);
     auto* column = new QVBoxLayout(content);
     column->setContentsMargins(4, 4, 4, 4);
-    FRoot = new TFilterGroupBox(dataModule, FFields, ofTracks, 0, content);
+    FRoot = new TFilterGroupBox(dataModule, FFields, 0, content);
     column->addWidget(FRoot);
     column->addStretch(1);
     scroll->setWidget(content);

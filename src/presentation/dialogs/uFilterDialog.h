@@ -22,7 +22,7 @@ class TFilterGroupBox;
 class TFilterRow : public QWidget {
     Q_OBJECT
 public:
-    TFilterRow(TDataModuleMain& dataModule, const std::vector<TFieldDef>& fields, bool ofTracks, QWidget* parent);
+    TFilterRow(TDataModuleMain& dataModule, const std::vector<TFieldDef>& fields, QWidget* parent);
 
     void SetCriterion(const TFilterCriterion& criterion);
     /// Nothing when the value is none of the field's kind.
@@ -41,7 +41,6 @@ private:
 
     TDataModuleMain& FData;
     const std::vector<TFieldDef>& FFields;
-    bool FOfTracks;
     QComboBox* FField;
     QComboBox* FOp;
     QWidget* FValues = nullptr;
@@ -54,8 +53,7 @@ private:
 class TFilterGroupBox : public QWidget {
     Q_OBJECT
 public:
-    TFilterGroupBox(TDataModuleMain& dataModule, const std::vector<TFieldDef>& fields, bool ofTracks, int depth,
-                    QWidget* parent);
+    TFilterGroupBox(TDataModuleMain& dataModule, const std::vector<TFieldDef>& fields, int depth, QWidget* parent);
 
     void SetNode(const TFilterNode& node);
     /// Nothing when a value within is none of its field's kind; the keyboard is then there.
@@ -72,7 +70,6 @@ protected:
 private:
     TDataModuleMain& FData;
     const std::vector<TFieldDef>& FFields;
-    bool FOfTracks;
     int FDepth;
     QComboBox* FLogic;
     QVBoxLayout* FColumn;
@@ -85,8 +82,7 @@ class TFilterDialog : public TDialog {
     Q_OBJECT
 public:
     /// The fields are those of a list cursor.
-    TFilterDialog(TDataModuleMain& dataModule, std::vector<TFieldDef> fields, bool ofTracks, const TFilterNode& node,
-                  QWidget* parent);
+    TFilterDialog(TDataModuleMain& dataModule, std::vector<TFieldDef> fields, const TFilterNode& node, QWidget* parent);
 
     const TFilterNode& Node() const { return FNode; }
     void accept() override;

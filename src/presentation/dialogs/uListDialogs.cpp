@@ -199,9 +199,9 @@ void TMultiEditDialog::AddRow(int row)
     auto* fields = new QComboBox(FRows);
     fields->setAccessibleName(GetLanguageString(u"cSMultiEditField"_s));
     for (const TFieldDef& def : FEdit.Fields())
-        fields->addItem(ColumnLabel(def, Defaults(), FEdit.OfTracks()), def.Name);
+        fields->addItem(ColumnLabel(def, Defaults()), def.Name);
     fields->setCurrentIndex(fields->findData(field.Name));
-    auto* editor = new TFieldEditor(FData, field, FEdit.OfTracks(), FRows);
+    auto* editor = new TFieldEditor(FData, field, FRows);
     editor->SetValue(values.Value);
     editor->setEnabled(!values.Clear);
     auto* clear = new QCheckBox(GetLanguageString(u"cSMultiEditClear"_s), FRows);
@@ -239,7 +239,7 @@ void TMultiEditDialog::accept()
     for (TFieldEditor* editor : std::as_const(FEditors)) {
         if (!editor->isEnabled() || editor->Value())
             continue;
-        const QString caption = ColumnLabel(editor->Field(), Defaults(), FEdit.OfTracks());
+        const QString caption = ColumnLabel(editor->Field(), Defaults());
         Tell(*FMessage, FieldRefusal(caption, editor->Field()));
         return editor->Begin();
     }

@@ -60,8 +60,8 @@ QString TidyTokens(const QString& text)
 
 } // namespace
 
-TFieldEditor::TFieldEditor(TDataModuleMain& dataModule, TFieldDef field, bool ofTracks, QWidget* parent)
-    : QWidget(parent), FData(dataModule), FField(std::move(field)), FKind(EditorKindOf(FField, ofTracks))
+TFieldEditor::TFieldEditor(TDataModuleMain& dataModule, TFieldDef field, QWidget* parent)
+    : QWidget(parent), FData(dataModule), FField(std::move(field)), FKind(EditorKindOf(FField))
 {
     auto* row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
@@ -86,7 +86,7 @@ TFieldEditor::TFieldEditor(TDataModuleMain& dataModule, TFieldDef field, bool of
     row->insertWidget(0, FInput, 1);
     FInput->installEventFilter(this);
     setFocusProxy(FInput);
-    FInput->setAccessibleName(ColumnLabel(FField, Defaults(), ofTracks));
+    FInput->setAccessibleName(ColumnLabel(FField, Defaults()));
 }
 
 void TFieldEditor::MakeList(bool free)

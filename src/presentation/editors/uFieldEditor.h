@@ -25,7 +25,7 @@ class TFieldEditor : public QWidget {
     Q_OBJECT
 public:
     /// The data module outlives the editor; lists of friends are read from it.
-    TFieldEditor(TDataModuleMain& dataModule, TFieldDef field, bool ofTracks, QWidget* parent = nullptr);
+    TFieldEditor(TDataModuleMain& dataModule, TFieldDef field, QWidget* parent = nullptr);
 
     const TFieldDef& Field() const { return FField; }
     TEditorKind Kind() const { return FKind; }

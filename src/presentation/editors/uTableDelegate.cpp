@@ -17,7 +17,7 @@ QWidget* TTableDelegate::createEditor(QWidget* parent, const QStyleOptionViewIte
     const TFieldDef* field = FModel.FieldDefOf(index.column());
     if (!field)
         return nullptr;
-    auto* editor = new TFieldEditor(FModel.Data(), *field, FModel.OfTracks(), parent);
+    auto* editor = new TFieldEditor(FModel.Data(), *field, parent);
     auto* self = const_cast<TTableDelegate*>(this); // Qt makes editors in a const call
     connect(editor, &TFieldEditor::committed, self, [self, editor] { self->Finish(editor, NoHint); });
     connect(editor, &TFieldEditor::moved, self,
@@ -59,7 +59,7 @@ void TTableDelegate::setModelData(QWidget* editor, QAbstractItemModel* model, co
     FRefused = true;
     QString sentence;
     if (!value) {
-        sentence = FieldRefusal(ColumnLabel(field->Field(), Defaults(), FModel.OfTracks()), field->Field());
+        sentence = FieldRefusal(ColumnLabel(field->Field(), Defaults()), field->Field());
         if (FTell)
             FTell(sentence);
     }

@@ -10,8 +10,8 @@ namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-TListModel::TListModel(TDataModuleMain& data, TListDataset& list, bool ofTracks, QObject* parent)
-    : QAbstractTableModel(parent), FData(data), FList(list), FOfTracks(ofTracks)
+TListModel::TListModel(TDataModuleMain& data, TListDataset& list, QObject* parent)
+    : QAbstractTableModel(parent), FData(data), FList(list)
 {}
 
 void TListModel::Start()
@@ -32,7 +32,7 @@ bool TListModel::IsColumn(const TFieldDef& field) const
 {
     const bool custom = field.Name.startsWith("Custom"_L1);
     // The stars stand for both ratings.
-    return !field.Lazy && IsFieldShown(field, Defaults(), FOfTracks) && (custom || !field.LabelKey.isEmpty()) &&
+    return !field.Lazy && IsFieldShown(field, Defaults()) && (custom || !field.LabelKey.isEmpty()) &&
            field.Name != "Rating"_L1;
 }
 
@@ -165,9 +165,9 @@ QVariant TListModel::headerData(int section, Qt::Orientation orientation, int ro
         return GetLanguageString(u"cSGuiHeadingYear"_s);
     if (role == Qt::DisplayRole && field->Name == "DiscCount"_L1)
         return GetLanguageString(u"cSGuiHeadingDiscs"_s);
-    if (FOfTracks && field->Name == "ReleaseArtist"_L1)
+    if (field->Name == "ReleaseArtist"_L1)
         return GetLanguageString(u"cSReleasesFieldArtist"_s);
-    return ColumnLabel(*field, Defaults(), FOfTracks);
+    return ColumnLabel(*field, Defaults());
 }
 
 } // namespace Kestrune

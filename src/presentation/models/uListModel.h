@@ -21,7 +21,7 @@ public:
     /// Stores a value that the user gave to a field; false when it was refused, which the user has been told.
     using TEdit = std::function<bool(qint64 id, const QString& field, const TVariant& value)>;
 
-    TListModel(TDataModuleMain& data, TListDataset& list, bool ofTracks, QObject* parent);
+    TListModel(TDataModuleMain& data, TListDataset& list, QObject* parent);
 
     int rowCount(const QModelIndex& parent = {}) const override;
     int columnCount(const QModelIndex& parent = {}) const override;
@@ -32,7 +32,6 @@ public:
 
     TDataModuleMain& Data() const { return FData; }
     TListDataset& List() const { return FList; }
-    bool OfTracks() const { return FOfTracks; }
 
     /// Column of a field; -1 when the list has no such field. The cover is the field "ThumbPicture".
     int ColumnOf(const QString& field) const;
@@ -73,7 +72,6 @@ private:
 
     TDataModuleMain& FData;
     TListDataset& FList;
-    bool FOfTracks;
     int FRows = 0;      // what the views have been told
     QList<int> FFields; // field of each column; -1 for the cover
     TEdit FEdit;

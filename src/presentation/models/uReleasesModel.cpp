@@ -18,8 +18,7 @@ const QLatin1StringView WantedStatus("Wanted item");
 
 } // namespace
 
-TReleasesModel::TReleasesModel(TDataModuleMain& data, QObject* parent)
-    : TListModel(data, data.qReleasesMain, false, parent)
+TReleasesModel::TReleasesModel(TDataModuleMain& data, QObject* parent) : TListModel(data, data.qReleasesMain, parent)
 {
     connect(&data.qLoans, &TDataset::dataReset, this, [this] {
         ReadLoans();
@@ -79,7 +78,7 @@ TCellKind TReleasesModel::KindOf(const TFieldDef& field) const
     return field.Name == "CountryCode"_L1 ? ckCountry : TListModel::KindOf(field);
 }
 
-TTracksModel::TTracksModel(TDataModuleMain& data, QObject* parent) : TListModel(data, data.qTracksAll, true, parent)
+TTracksModel::TTracksModel(TDataModuleMain& data, QObject* parent) : TListModel(data, data.qTracksAll, parent)
 {
     Start();
 }

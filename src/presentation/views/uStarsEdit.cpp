@@ -142,7 +142,8 @@ void TStarsEdit::paintEvent(QPaintEvent*)
     painter.setFont(ThemeFont(fsBody));
     painter.setPen(theme.Text2);
     if (FRating > 0)
-        painter.drawText(QRectF(StarsWidth(PaneStarSize) + 13, 0, 40, height()), Qt::AlignAbsolute | Qt::AlignLeft | Qt::AlignVCenter,
+        painter.drawText(QRectF(StarsWidth(PaneStarSize) + 13, 0, 40, height()),
+                         Qt::AlignAbsolute | Qt::AlignLeft | Qt::AlignVCenter,
                          locale().toString(FRating / 2.0, 'f', 1));
     if (hasFocus())
         DrawFocusRing(painter, rect(), RadiusControl, theme);

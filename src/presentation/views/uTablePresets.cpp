@@ -3,31 +3,13 @@
 
 #include "frmMain.h"
 #include "uAlbumTable.h"
+#include "uFieldTable.h"
 
 #include <algorithm>
 
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-struct TColumnWidth {
-    QLatin1StringView Field;
-    int Width;
-};
-
-// Widths that suit what usually stands in a column, in dip; others get the width of their heading.
-constexpr TColumnWidth UsualWidths[] = {
-    {"Artist"_L1, 170},    {"ReleaseName"_L1, 210},   {"ReleaseArtist"_L1, 160}, {"TrackTitle"_L1, 240},
-    {"Label"_L1, 120},     {"Genre"_L1, 104},         {"Composer"_L1, 160},      {"Composition"_L1, 180},
-    {"Conductor"_L1, 150}, {"Orchestra"_L1, 170},     {"Chorus"_L1, 150},        {"Rating_Calc"_L1, 88},
-    {"Status"_L1, 110},    {"Location"_L1, 104},      {"MediaType"_L1, 92},      {"CatalogNO"_L1, 104},
-    {"Barcode"_L1, 116},   {"FolderPath"_L1, 240},    {"Comments"_L1, 240},      {"Link"_L1, 180},
-    {"DateAdded"_L1, 140}, {"LastModified"_L1, 140},  {"FilePath"_L1, 240},      {"PurchaseStore"_L1, 140},
-    {"Condition"_L1, 110}, {"ConditionMedia"_L1, 110}};
-
-} // namespace
 
 const std::vector<TTableViewCustomizationConf>& TablePresets()
 {
@@ -92,9 +74,9 @@ void ShowColumns(TAlbumTable& table, const QStringList& columns)
             continue;
         header->setSectionHidden(column, false);
         header->moveSection(header->visualIndex(column), visual++);
-        const auto usual = std::ranges::find_if(UsualWidths, [&](const TColumnWidth& w) { return w.Field == field; });
+        const int usual = FieldInfoOf(field).Width;
         const int least = field == "ThumbPicture"_L1 ? 36 : header->CaptionWidth(column) + 12;
-        header->resizeSection(column, usual == std::end(UsualWidths) ? least : std::max(least, usual->Width));
+        header->resizeSection(column, std::max(least, usual));
     }
 }
 

@@ -20,8 +20,8 @@ struct TSearchField {
     std::vector<TValueAndText> Items; ///< what the list offers
 };
 
-/// The searchable columns of the main list or of all tracks, in the order of their fields.
-std::vector<TSearchField> SearchFieldsOf(TDataModuleMain& data, bool ofTracks);
+/// The searchable columns of a list, in the order of its fields.
+std::vector<TSearchField> SearchFieldsOf(TDataModuleMain& data, const TListDataset& list);
 
 /// Equality for a list-type field, given by value or shown text; for others the text anywhere in the field. `%` and
 /// `_` in the text are wildcards.

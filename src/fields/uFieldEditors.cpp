@@ -16,51 +16,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr TFieldEditorRow FieldEditorRows[] = {
-    {"Artist", {}},
-    {"ASIN", repASIN},
-    {"Barcode", ekText},
-    {"CatalogNO", ekText},
-    {"Channels", ekList},
-    {"Chorus", ekText},
-    {"Composer", ekText},
-    {"Composition", ekText},
-    {"Condition", ekList},
-    {"ConditionMedia", ekList},
-    {"Conductor", ekText},
-    {"CountryCode", ekChoice},
-    {"DataProvider", ekChoice},
-    {"DiscCount", ekNumber},
-    {"DiscogsId", repDiscogs},
-    {"Genre", ekList},
-    {"IsCompilation", ekChoice},
-    {"IsLive", ekChoice},
-    {"IsPromo", ekChoice},
-    {"IsRare", ekChoice},
-    {"IsReissue", ekChoice},
-    {"Label", {}},
-    {"Location", ekList},
-    {"MediaType", ekList},
-    {"MusicBrainzId", repMusicBrainz},
-    {"No", ekNumber},
-    {"Orchestra", ekText},
-    {"OwnerId", ekChoice},
-    {"Packaging", ekList},
-    {"PurchaseStore", ekText},
-    {"Quantity", ekNumber},
-    {"Rating_Calc", ekRating},
-    {"ReleaseName", {}},
-    {"ReleaseYear", ekNumber},
-    {"Spars", ekList},
-    {"Status", ekList},
-    {"TrackTitle", {}},
-};
-
-// Fields beside the table that are edited in a way of their own.
-constexpr std::pair<const char*, TEditorKind> FurtherEditors[] = {
-    {"Artists", ekTokens},       {"Genres", ekTokens},       {"FolderPath", repSelectFolder},
-    {"PurchasedFrom", ekChoice}, {"BorrowedFrom", ekChoice}, {"Instrument", ekList}};
-
 std::vector<TValueAndText> SameTexts(const QStringList& list)
 {
     std::vector<TValueAndText> items;
@@ -69,44 +24,15 @@ std::vector<TValueAndText> SameTexts(const QStringList& list)
     return items;
 }
 
-TEditorKind CustomEditor(const TFieldDef& field, bool ofTracks)
-{
-    const TCustomFieldDefs& defs = ofTracks ? Defaults().TrackFields : Defaults().ReleaseFields;
-    const int number = QStringView(field.Name).sliced(6).toInt();
-    if (number < 1 || number > 10)
-        return ekText;
-    switch (defs.Slots[static_cast<size_t>(number) - 1].DataType) {
-    case static_cast<int>(cftInteger):
-    case static_cast<int>(cftFloat):
-    case static_cast<int>(cftCurrency): return ekNumber;
-    case static_cast<int>(cftBoolean): return ekChoice;
-    default: return ekText;
-    }
-}
-
 } // namespace
 
-std::span<const TFieldEditorRow> FieldEditorTable() { return FieldEditorRows; }
-
-TEditorKind EditorKindOf(const TFieldDef& field, bool ofTracks)
+TEditorKind EditorKindOf(const TFieldDef& field)
 {
-    const auto same = [&](const char* name) {
-        return field.Name.compare(QLatin1StringView(name), Qt::CaseInsensitive) == 0;
-    };
-    const auto rows = FieldEditorTable();
-    const auto row = std::ranges::lower_bound(
-        rows, field.Name, [](const QString& a, const QString& b) { return a.compare(b, Qt::CaseInsensitive) < 0; },
-        [](const TFieldEditorRow& entry) { return QString::fromLatin1(entry.Field); });
-    if (row != rows.end() && same(row->Field) && row->Kind)
-        return *row->Kind;
-    for (const auto& [name, kind] : FurtherEditors)
-        if (same(name))
-            return kind;
-    if (field.Name.startsWith("Custom"_L1))
-        return CustomEditor(field, ofTracks);
+    if (const auto& editor = FieldInfoOf(field.Name).Editor)
+        return *editor;
     if (IsLengthField(field.Name))
         return ekLength;
-    switch (field.Kind) {
+    switch (ValueKindOf(field, Defaults())) {
     case fkMemo: return ekMemo;
     case fkInteger:
     case fkFloat: return ekNumber;
@@ -147,7 +73,7 @@ std::vector<TValueAndText> EditorItems(TDataModuleMain& data, const TFieldDef& f
         const int name = data.qFriends.FieldIndex(u"Name"_s);
         for (int row = 0; row < data.qFriends.RecordCount(); ++row)
             items.push_back({QString::number(data.qFriends.KeyAt(row)), VarToStr(data.qFriends.ValueAt(row, name))});
-    } else if (field.Kind == fkBoolean || EditorKindOf(field, false) == ekChoice) {
+    } else if (field.Kind == fkBoolean || EditorKindOf(field) == ekChoice) {
         items = {{u"1"_s, GetLanguageString(u"cSYes"_s)}, {u"0"_s, GetLanguageString(u"cSNo"_s)}};
     }
     return items;

@@ -8,6 +8,8 @@
 
 namespace Kestrune {
 
+class TDataModuleMain;
+
 /// One row of the detail pane: a caption, its value, and where a click on the value leads (empty for nowhere).
 struct TDetailField {
     QString Column;
@@ -67,6 +69,9 @@ struct TDetailTrackRow {
     QString Artist;      ///< empty where it is the release's own
     double Length = 0.0; ///< days
 };
+
+/// The detail view of a release; without an ID when the file does not hold it. Throws EDatabaseError.
+TDetailData BuildDetailData(TDataModuleMain& data, qint64 release);
 
 /// Puts tracks into the detail data, in their order, with a heading for each disc and side.
 void AddDetailTracks(TDetailData& detail, const std::vector<TDetailTrackRow>& rows);

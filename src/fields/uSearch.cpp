@@ -23,15 +23,14 @@ bool IsSearchable(const TFieldDef& field)
 
 } // namespace
 
-std::vector<TSearchField> SearchFieldsOf(TDataModuleMain& data, bool ofTracks)
+std::vector<TSearchField> SearchFieldsOf(TDataModuleMain& data, const TListDataset& list)
 {
     std::vector<TSearchField> fields;
-    const TListDataset& list = ofTracks ? data.qTracksAll : data.qReleasesMain;
     for (const TFieldDef& field : list.Fields()) {
-        if (!IsSearchable(field) || !IsFieldShown(field, Defaults(), ofTracks))
+        if (!IsSearchable(field) || !IsFieldShown(field, Defaults()))
             continue;
-        TSearchField entry{field.Name, ColumnLabel(field, Defaults(), ofTracks), false, {}};
-        if (const TEditorKind kind = EditorKindOf(field, ofTracks); kind == ekList || kind == ekChoice)
+        TSearchField entry{field.Name, ColumnLabel(field, Defaults()), false, {}};
+        if (const TEditorKind kind = EditorKindOf(field); kind == ekList || kind == ekChoice)
             entry.Items = EditorItems(data, field);
         entry.IsList = !entry.Items.empty();
         fields.push_back(std::move(entry));

@@ -18,9 +18,7 @@ bool TFilterSet::IsEmpty() const
            Builder.IsEmpty();
 }
 
-TViewFilters::TViewFilters(TDataModuleMain& data, TListDataset& list, bool ofTracks)
-    : FData(data), FList(list), FOfTracks(ofTracks)
-{}
+TViewFilters::TViewFilters(TDataModuleMain& data, TListDataset& list) : FData(data), FList(list) {}
 
 void TViewFilters::Drop(TFilterGroup::TId& id)
 {
@@ -66,12 +64,16 @@ void TViewFilters::SetKeyword(const QString& column, const QString& text)
     FKeywordFilter = FList.Filter().Add(SearchCriterion(*field, text));
 }
 
-void TViewFilters::SetEverything(const QString& words, qint64 search)
+void TViewFilters::SetEverything(const QString& words, const std::vector<qint64>& releases)
 {
     Drop(FEverythingFilter);
+    FData.DropHits(FHits);
+    FHits = 0;
     FSet.Everything = words;
-    if (!words.isEmpty())
-        FEverythingFilter = FList.Filter().Add({FOfTracks ? u"ReleaseId"_s : u"ID"_s, foIsHit, search, words});
+    if (words.isEmpty())
+        return;
+    FHits = FData.AddHits(releases);
+    FEverythingFilter = FList.Filter().Add({FList.ReleaseKey(), foIsHit, FHits, words});
 }
 
 bool TViewFilters::SetColumn(const QString& column, const QString& text)
@@ -84,7 +86,7 @@ bool TViewFilters::SetColumn(const QString& column, const QString& text)
     const int index = FList.FieldIndex(column);
     if (index < 0)
         return false;
-    const auto criterion = ColumnCriterion(FData, FList.Fields()[static_cast<size_t>(index)], FOfTracks, text);
+    const auto criterion = ColumnCriterion(FData, FList.Fields()[static_cast<size_t>(index)], text);
     if (!criterion)
         return false;
     FSet.Columns[column] = text;
@@ -110,7 +112,7 @@ void TViewFilters::Remove(TFilterChipKind kind, const QString& column)
         FSet.KeywordColumn.clear();
         FSet.KeywordText.clear();
         break;
-    case fckEverything: SetEverything({}, 0); break;
+    case fckEverything: SetEverything({}, {}); break;
     case fckColumn: SetColumn(column, {}); break;
     case fckBuilder: SetBuilder({}); break;
     }
@@ -122,6 +124,8 @@ void TViewFilters::Clear()
     FList.Filter().Clear();
     FStatusFilter = FQuickFilter = FKeywordFilter = FEverythingFilter = FBuilderFilter = 0;
     FColumnFilters.clear();
+    FData.DropHits(FHits);
+    FHits = 0;
     FSet = {};
     FSet.LetterField = letterField;
 }
@@ -158,10 +162,10 @@ std::vector<TFilterChip> TViewFilters::Chips() const
         chips.push_back({fckEverything, {}, GetLanguageString(u"cSGuiEverything"_s), FSet.Everything});
     for (const auto& [column, text] : FSet.Columns) {
         const TFieldDef& field = FList.Fields()[static_cast<size_t>(FList.FieldIndex(column))];
-        chips.push_back({fckColumn, column, ColumnLabel(field, Defaults(), FOfTracks), text});
+        chips.push_back({fckColumn, column, ColumnLabel(field, Defaults()), text});
     }
     if (FBuilderFilter != 0)
-        chips.push_back({fckBuilder, {}, {}, FilterSummary(FData, FSet.Builder, FOfTracks)});
+        chips.push_back({fckBuilder, {}, {}, FilterSummary(FList.Fields(), FSet.Builder)});
     return chips;
 }
 

@@ -46,7 +46,7 @@ std::optional<TFilterSet> FilterSetFromText(const QString& text);
 class TViewFilters {
 public:
     /// Both outlive it.
-    TViewFilters(TDataModuleMain& data, TListDataset& list, bool ofTracks);
+    TViewFilters(TDataModuleMain& data, TListDataset& list);
 
     const TFilterSet& Set() const { return FSet; }
     /// Puts a whole set in place of the present one.
@@ -58,8 +58,8 @@ public:
     void SetLetterField(int field);
     /// A column by its caption; the first one where there is none of that caption.
     void SetKeyword(const QString& column, const QString& text);
-    /// `search` is the number of its hits.
-    void SetEverything(const QString& words, qint64 search);
+    /// `releases` are those in which the words were found.
+    void SetEverything(const QString& words, const std::vector<qint64>& releases);
     /// Text of the filter row for a column; empty for none. False when the text is no condition for this column.
     bool SetColumn(const QString& column, const QString& text);
     void SetBuilder(const TFilterNode& node);
@@ -67,7 +67,7 @@ public:
     void Remove(TFilterChipKind kind, const QString& column = {});
     void Clear();
     std::vector<TFilterChip> Chips() const;
-    std::vector<TSearchField> Fields() const { return SearchFieldsOf(FData, FOfTracks); }
+    std::vector<TSearchField> Fields() const { return SearchFieldsOf(FData, FList); }
 
 private:
     void Drop(TFilterGroup::TId& id);
@@ -75,24 +75,23 @@ private:
 
     TDataModuleMain& FData;
     TListDataset& FList;
-    bool FOfTracks;
     TFilterSet FSet;
     TFilterGroup::TId FStatusFilter = 0;
     TFilterGroup::TId FQuickFilter = 0;
     TFilterGroup::TId FKeywordFilter = 0;
     TFilterGroup::TId FEverythingFilter = 0;
     TFilterGroup::TId FBuilderFilter = 0;
+    qint64 FHits = 0; // number of the search in everything
     std::map<QString, TFilterGroup::TId> FColumnFilters;
 };
 
 /// What a text of the filter row means for a column: "<", "<=", ">", ">=", "=", "<>" and "a..b" before or between
 /// values, "=" alone for empty and "<>" alone for not empty; a plain text is contained in texts and equals other
 /// values. Nothing when a value is none of the column's kind.
-std::optional<TFilterCriterion> ColumnCriterion(TDataModuleMain& data, const TFieldDef& field, bool ofTracks,
-                                                const QString& text);
+std::optional<TFilterCriterion> ColumnCriterion(TDataModuleMain& data, const TFieldDef& field, const QString& text);
 
-/// A tree of conditions in words: "Genre is Folk or Jazz, not (On loan)".
-QString FilterSummary(TDataModuleMain& data, const TFilterNode& node, bool ofTracks);
+/// A tree of conditions on these fields in words: "Genre is Folk or Jazz, not (On loan)".
+QString FilterSummary(const std::vector<TFieldDef>& fields, const TFilterNode& node);
 
 /// The words of an operator, as the filter builder offers it.
 QString FilterOpText(TFilterOp op);

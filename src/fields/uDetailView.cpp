@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDetailView.h"
 
-#include "frmMain.h"
+#include "dmMain.h"
 #include "uDefaults.h"
 #include "uFieldEditors.h"
 #include "uFieldText.h"
 #include "uTHStrings.h"
 
 #include <algorithm>
-#include <map>
 
 namespace Kestrune {
 
@@ -16,59 +15,22 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-struct TSectionDef {
-    const char16_t* Id;
-    const char16_t* TitleKey;
-    std::vector<const char16_t*> Columns;
-};
-
-const std::vector<TSectionDef>& SectionDefs()
-{
-    static const std::vector<TSectionDef> defs{
-        {u"General", u"cSSectionGeneral", {u"ReleaseYear",   u"ReleaseDate", u"OriginalReleaseYear",
-                                           u"MediaType",     u"DiscCount",   u"Genre",
-                                           u"Genres",        u"Label",       u"CatalogNO",
-                                           u"CountryCode",   u"Barcode",     u"Status",
-                                           u"Location",      u"No",          u"SeqNo",
-                                           u"Quantity",      u"Condition",   u"ConditionMedia",
-                                           u"Packaging",     u"MediaColor",  u"Channels",
-                                           u"Spars",         u"Sides",       u"Artists",
-                                           u"IsLive",        u"IsRare",      u"IsReissue",
-                                           u"IsCompilation", u"IsPromo",     u"IsSplit",
-                                           u"ASIN",          u"DiscogsID",   u"MusicBrainzID",
-                                           u"DataProvider",  u"Link",        u"BuyNowLink",
-                                           u"FolderPath",    u"DateAdded",   u"LastModified"}},
-        {u"Purchase",
-         u"cSSectionPurchase",
-         {u"Price", u"Currency", u"PriceValue", u"SellingPrice", u"DatePurchased", u"PurchaseStore", u"OwnerId",
-          u"PurchasedFrom", u"BorrowedFrom"}},
-        {u"Classical", u"cSSectionClassical", {u"Composer", u"Composition", u"Conductor", u"Orchestra", u"Chorus"}},
-        {u"Custom",
-         u"cSSectionCustom",
-         {u"Custom1", u"Custom2", u"Custom3", u"Custom4", u"Custom5", u"Custom6", u"Custom7", u"Custom8", u"Custom9",
-          u"Custom10"}},
-        {u"Comments", u"cSSectionComments", {u"Comments"}},
-    };
-    return defs;
-}
-
 std::vector<TDetailSection> Sections(TDataModuleMain& data, const TDetailDataset& info)
 {
     const QString currency = VarToStr(info.Value(u"Currency"_s));
     std::vector<TDetailSection> sections;
-    for (const TSectionDef& def : SectionDefs()) {
-        TDetailSection section{QString::fromUtf16(def.Id), GetLanguageString(QString::fromUtf16(def.TitleKey)), {}};
-        for (const char16_t* column : def.Columns) {
-            const QString name = QString::fromUtf16(column);
-            const int index = info.FieldIndex(name);
-            const TFieldDef& field = info.Fields()[static_cast<size_t>(index)];
-            if (!IsFieldShown(field, Defaults(), false))
+    for (const TFieldSection kind : {fsGeneral, fsPurchase, fsClassical, fsCustom, fsComments}) {
+        TDetailSection section{SectionId(kind), GetLanguageString(SectionTitleKey(kind)), {}};
+        for (const TFieldInfo& row : FieldTable()) {
+            const int index = row.Section == kind ? info.FieldIndex(QString::fromLatin1(row.Column)) : -1;
+            if (index < 0 || !IsFieldShown(info.Fields()[static_cast<size_t>(index)], Defaults()))
                 continue;
+            const TFieldDef& field = info.Fields()[static_cast<size_t>(index)];
             const TVariant value = info.Value(index);
             const bool off = field.Kind == fkBoolean && !VarToBool(value);
-            const QString shown = off ? QString() : FieldText(data, field, value, currency);
-            section.Fields.push_back(
-                {name, ColumnLabel(field, Defaults(), false), shown, LinkOfField(name, VarToStr(value))});
+            section.Fields.push_back({field.Name, ColumnLabel(field, Defaults()),
+                                      off ? QString() : FieldText(data, field, value, currency),
+                                      LinkOfField(field.Name, VarToStr(value))});
         }
         sections.push_back(std::move(section));
     }

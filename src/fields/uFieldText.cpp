@@ -2,6 +2,7 @@
 #include "uFieldText.h"
 
 #include "dmMain.h"
+#include "uDefaults.h"
 #include "uDictionaries.h"
 #include "uTHStrings.h"
 
@@ -172,7 +173,7 @@ std::optional<TVariant> ParseFieldText(const TFieldDef& field, const QString& te
     const QString trimmed = text.trimmed();
     if (trimmed.isEmpty())
         return TVariant();
-    switch (field.Kind) {
+    switch (ValueKindOf(field, Defaults())) {
     case fkInteger: {
         bool ok = false;
         qint64 number = QLocale().toLongLong(trimmed, &ok);

@@ -117,17 +117,11 @@ bool NodeFromJson(const QJsonObject& object, TFilterNode& node, int depth)
     return true;
 }
 
-const TFieldDef* FieldOfList(TDataModuleMain& data, const QString& column, bool ofTracks)
+QString CriterionText(const std::vector<TFieldDef>& fields, const TFilterCriterion& criterion)
 {
-    const TListDataset& list = ofTracks ? data.qTracksAll : data.qReleasesMain;
-    const int index = list.FieldIndex(column);
-    return index < 0 ? nullptr : &list.Fields()[static_cast<size_t>(index)];
-}
-
-QString CriterionText(TDataModuleMain& data, const TFilterCriterion& criterion, bool ofTracks)
-{
-    const TFieldDef* field = FieldOfList(data, criterion.Column, ofTracks);
-    const QString caption = field ? ColumnLabel(*field, Defaults(), ofTracks) : criterion.Column;
+    const auto field = std::ranges::find_if(
+        fields, [&](const TFieldDef& def) { return def.Name.compare(criterion.Column, Qt::CaseInsensitive) == 0; });
+    const QString caption = field == fields.end() ? criterion.Column : ColumnLabel(*field, Defaults());
     QStringList parts{caption, FilterOpText(criterion.Op)};
     if (criterion.Op == foInPeriod)
         parts << FilterPeriodText(static_cast<TFilterPeriod>(criterion.Value.toInt()));
@@ -146,9 +140,9 @@ constexpr TPrefix Prefixes[] = {{"<="_L1, foLessOrEqual}, {">="_L1, foGreaterOrE
                                 {"<"_L1, foLess},         {">"_L1, foGreater},         {"="_L1, foEquals}};
 
 // A value as the column holds it: by the shown text of a list first, else as typed.
-std::optional<TVariant> TypedValue(TDataModuleMain& data, const TFieldDef& field, bool ofTracks, const QString& text)
+std::optional<TVariant> TypedValue(TDataModuleMain& data, const TFieldDef& field, const QString& text)
 {
-    if (EditorKindOf(field, ofTracks) == ekChoice)
+    if (EditorKindOf(field) == ekChoice)
         for (const TValueAndText& item : EditorItems(data, field))
             if (item.Text.compare(text, Qt::CaseInsensitive) == 0)
                 return TVariant(item.Value);
@@ -201,8 +195,7 @@ std::optional<TFilterSet> FilterSetFromText(const QString& text)
     return set;
 }
 
-std::optional<TFilterCriterion> ColumnCriterion(TDataModuleMain& data, const TFieldDef& field, bool ofTracks,
-                                                const QString& text)
+std::optional<TFilterCriterion> ColumnCriterion(TDataModuleMain& data, const TFieldDef& field, const QString& text)
 {
     const QString trimmed = text.trimmed();
     const auto prefix = std::ranges::find_if(Prefixes, [&](const TPrefix& p) { return trimmed.startsWith(p.Text); });
@@ -210,24 +203,24 @@ std::optional<TFilterCriterion> ColumnCriterion(TDataModuleMain& data, const TFi
         const QString rest = trimmed.mid(prefix->Text.size()).trimmed();
         if (rest.isEmpty() && (prefix->Op == foEquals || prefix->Op == foNotEquals))
             return TFilterCriterion{field.Name, prefix->Op == foEquals ? foIsNull : foIsNotNull, {}, text};
-        const std::optional<TVariant> value = TypedValue(data, field, ofTracks, rest);
+        const std::optional<TVariant> value = TypedValue(data, field, rest);
         return value ? std::optional(TFilterCriterion{field.Name, prefix->Op, Stored(*value), text}) : std::nullopt;
     }
     if (const qsizetype dots = trimmed.indexOf(".."_L1); dots > 0 && !field.IsText()) {
-        const auto from = TypedValue(data, field, ofTracks, trimmed.left(dots));
-        const auto to = TypedValue(data, field, ofTracks, trimmed.mid(dots + 2));
+        const auto from = TypedValue(data, field, trimmed.left(dots));
+        const auto to = TypedValue(data, field, trimmed.mid(dots + 2));
         if (!from || !to)
             return {};
         return TFilterCriterion{field.Name, foBetween, QVariantList{Stored(*from), Stored(*to)}, text};
     }
-    const TEditorKind kind = EditorKindOf(field, ofTracks);
+    const TEditorKind kind = EditorKindOf(field);
     if (kind == ekChoice) {
-        const std::optional<TVariant> value = TypedValue(data, field, ofTracks, trimmed);
+        const std::optional<TVariant> value = TypedValue(data, field, trimmed);
         return value ? std::optional(TFilterCriterion{field.Name, foEquals, *value, text}) : std::nullopt;
     }
     if (field.IsText() || field.Kind == fkDateTime)
         return TFilterCriterion{field.Name, foContains, trimmed, text};
-    const std::optional<TVariant> value = TypedValue(data, field, ofTracks, trimmed);
+    const std::optional<TVariant> value = TypedValue(data, field, trimmed);
     return value ? std::optional(TFilterCriterion{field.Name, foEquals, Stored(*value), text}) : std::nullopt;
 }
 
@@ -287,14 +280,14 @@ std::vector<TFilterOp> FilterOpsOf(const TFieldDef& field)
     return ops;
 }
 
-QString FilterSummary(TDataModuleMain& data, const TFilterNode& node, bool ofTracks)
+QString FilterSummary(const std::vector<TFieldDef>& fields, const TFilterNode& node)
 {
     QStringList parts;
     for (const TFilterCriterion& criterion : node.Criteria)
-        parts << CriterionText(data, criterion, ofTracks);
+        parts << CriterionText(fields, criterion);
     for (const TFilterNode& group : node.Groups)
         if (!group.IsEmpty())
-            parts << u'(' + FilterSummary(data, group, ofTracks) + u')';
+            parts << u'(' + FilterSummary(fields, group) + u')';
     const QString word = GetLanguageString(node.Logic == flAny ? u"cSFilterOr"_s : u"cSFilterAnd"_s);
     const QString joined = parts.join(u' ' + word + u' ');
     return node.Negated ? GetLanguageString(u"cSFilterNot"_s).arg(joined) : joined;
