@@ -39,6 +39,14 @@ TTagBatch BatchOf(const TMP4Tag& tag);
 TTagBatch BatchOf(const TWAVTag& tag);
 TTagBatch BatchOf(const TWMATag& tag);
 
-bool EqualsNoCase(const QString& a, QStringView b);
+bool EqualsNoCase(QStringView a, QStringView b);
+
+/// For tables of names: those that EqualsNoCase takes for one have one hash.
+struct TNoCaseHash {
+    size_t operator()(QStringView name) const;
+};
+struct TNoCaseEqual {
+    bool operator()(QStringView a, QStringView b) const { return EqualsNoCase(a, b); }
+};
 
 } // namespace Kestrune
