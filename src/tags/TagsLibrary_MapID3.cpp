@@ -76,11 +76,10 @@ const std::unordered_map<std::string_view, QString>& ID3v2Map()
 // All values of the frame, each with its references resolved; what two of them say alike stands once.
 QString GenreOfFrame(const TID3v2Frame& frame)
 {
-    QStringList genres;
+    TDistinctTexts genres;
     for (const QString& value : frame.GetUnicodeTextMultiple())
-        if (QString genre = ResolveID3Genre(value); !genre.isEmpty() && !genres.contains(genre))
-            genres.append(std::move(genre));
-    return genres.join(u' ');
+        genres.Add(ResolveID3Genre(value));
+    return genres.Join();
 }
 
 void AddContent(TTagBatch& batch, const TID3v2Frame& frame, const QString& name)

@@ -6,6 +6,8 @@
 #include "uWAVTag.h"
 #include "uWMATag.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <cmath>
 #include <string_view>
@@ -224,7 +226,11 @@ void AddDerived(TTagBatch& batch, const QString& name, const QString& value, con
     batch.Add(name, value);
 }
 
-void AddWMAAttribute(TTagBatch& batch, const TTagField& field, bool hasTrackNumber)
+using TStatements = QSet<std::pair<QString, QString>>;
+
+// `stated` are the names and values so far: writers state an attribute once in the old object and again in the newer
+// ones.
+void AddWMAAttribute(TTagBatch& batch, TStatements& stated, const TTagField& field, bool hasTrackNumber)
 {
     static const QStringList skipped = {u"WMFSDKVersion"_s, u"WMFSDKNeeded"_s, u"IsVBR"_s, u"ASFLeakyBucketPairs"_s};
     if (skipped.contains(field.Name))
@@ -237,11 +243,9 @@ void AddWMAAttribute(TTagBatch& batch, const TTagField& field, bool hasTrackNumb
     const auto& map = WMAMap();
     const auto mapped = map.find(field.Name);
     const QString name = mapped == map.end() ? field.Name : mapped->second;
-    // Writers state an attribute once in the old object and again in the newer ones.
-    const bool again = std::ranges::any_of(batch.Items, [&](const TTagBatch::TItem& item) {
-        return item.Tag->Name == name && item.Tag->Value == field.Value;
-    });
-    if (again)
+    const qsizetype before = stated.size();
+    stated.insert({name, field.Value});
+    if (stated.size() == before)
         return;
     if (name == u"TRACKNUMBER"_s)
         batch.AddNumberOfTotal(field.Value, name, u"TOTALTRACKS"_s);
@@ -317,8 +321,9 @@ TTagBatch BatchOf(const TWMATag& tag)
     TTagBatch batch;
     const bool hasTrackNumber =
         std::ranges::find(tag.Attributes, u"WM/TrackNumber"_s, &TTagField::Name) != tag.Attributes.end();
+    TStatements stated;
     for (const TTagField& field : tag.Attributes)
-        AddWMAAttribute(batch, field, hasTrackNumber);
+        AddWMAAttribute(batch, stated, field, hasTrackNumber);
     batch.Pictures = tag.Pictures;
     return batch;
 }

@@ -220,6 +220,15 @@ QString NameOfNumber(QStringView digits)
 
 } // namespace
 
+void TDistinctTexts::Add(const QString& text)
+{
+    const qsizetype before = FSeen.size();
+    if (!text.isEmpty())
+        FSeen.insert(text);
+    if (FSeen.size() > before)
+        FTexts.append(text);
+}
+
 int ID3GenreCount() { return static_cast<int>(std::size(GenreNames)); }
 
 QString ID3GenreName(int number)
@@ -231,11 +240,7 @@ QString ResolveID3Genre(QStringView text)
 {
     if (IsNumber(text))
         return NameOfNumber(text);
-    QStringList results;
-    const auto add = [&](const QString& result) {
-        if (!result.isEmpty() && !results.contains(result))
-            results.append(result);
-    };
+    TDistinctTexts results;
     while (text.startsWith(u'(')) {
         if (text.startsWith(u"((")) {
             text = text.sliced(1);
@@ -246,11 +251,11 @@ QString ResolveID3Genre(QStringView text)
         if (end < 0 || (!inner.isEmpty() && !IsNumber(inner)))
             break;
         if (!inner.isEmpty())
-            add(NameOfNumber(inner));
+            results.Add(NameOfNumber(inner));
         text = text.sliced(end + 1);
     }
-    add(text.toString());
-    return results.join(u' ');
+    results.Add(text.toString());
+    return results.Join();
 }
 
 } // namespace Kestrune
