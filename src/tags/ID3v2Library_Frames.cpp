@@ -169,7 +169,7 @@ void TID3v2Frames::Load(QByteArray body, int majorVersion, bool tagUnsynchronise
     FTagUnsynchronised = tagUnsynchronised;
     FItems.reserve(24);
     TByteReader reader(FBody);
-    while (LoadFrame(reader)) {
+    while (FItems.size() + FFaults.size() < MostFields && LoadFrame(reader)) {
     }
     FPaddingSize = reader.Left();
 }

@@ -139,7 +139,7 @@ void AddUnmappedFrame(TTagBatch& batch, const TID3v2Frame& frame)
     } else if (frame.ID == TFrameID("POPM")) {
         if (const auto popularimeter = frame.GetPopularimeter())
             batch.Add(u"RATING"_s, QString::number(popularimeter->Rating));
-    } else if (frame.ID == TFrameID("APIC")) {
+    } else if (frame.ID == TFrameID("APIC") && batch.Pictures.size() < MostPictures) {
         if (auto picture = frame.GetUnicodeCoverPictureStream())
             batch.Pictures.push_back(std::move(*picture));
     }
@@ -149,7 +149,7 @@ void AddUnmappedFrame(TTagBatch& batch, const TID3v2Frame& frame)
 
 TTag* TTagBatch::Add(const QString& name, const QString& value)
 {
-    if (value.isEmpty())
+    if (value.isEmpty() || Items.size() >= MostFields)
         return nullptr;
     auto tag = std::make_unique<TTag>();
     tag->Name = name;

@@ -201,7 +201,7 @@ void AddAtom(TTagBatch& batch, const TMP4Atom& atom)
         batch.Add(mapped->second, isList ? atom.GetAsList() : atom.GetAsText());
     } else if (atom.Name == TFourCC("covr")) {
         for (const TMP4Data& data : atom.Data) {
-            if (data.Bytes.isEmpty())
+            if (data.Bytes.isEmpty() || batch.Pictures.size() >= MostPictures)
                 continue;
             TTagPicture& picture = batch.Pictures.emplace_back();
             picture.Data = data.Bytes;

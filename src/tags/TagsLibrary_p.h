@@ -20,7 +20,8 @@ struct TTagBatch {
     QStringList Dropped; ///< names that go without being supplied
     std::vector<TTagPicture> Pictures;
 
-    /// Stages a tag; all tags of its name in the lists make way for it. Null for an empty value.
+    /// Stages a tag; all tags of its name in the lists make way for it. Null for an empty value, and
+    /// when there are MostFields.
     TTag* Add(const QString& name, const QString& value);
     void Drop(const QString& name) { Dropped.append(name); }
     /// "3/12" becomes the number under one name and the total under another; without "/" only the number is there.

@@ -169,7 +169,7 @@ void TMP4Tag::ReadMeta(TByteSource& source, qint64 start, qint64 end)
 void TMP4Tag::ReadItems(TByteSource& source, qint64 start, qint64 end)
 {
     TMP4Walker walker(source, start, end);
-    for (TMP4Box box; walker.Next(box);)
+    for (TMP4Box box; Atoms.size() < MostFields && walker.Next(box);)
         if (ParseCoverArts || box.Name != TFourCC("covr"))
             ReadItem(box.Name, source.Read(box.Offset, box.End - box.Offset));
     Loaded = Loaded || !Atoms.empty();
@@ -180,7 +180,7 @@ void TMP4Tag::ReadItem(TFourCC name, QByteArrayView content)
     TMP4Atom atom;
     atom.Name = name;
     TByteReader reader(content);
-    while (reader.Left() >= 8) {
+    while (reader.Left() >= 8 && atom.Data.size() < MostFields) {
         const quint32 size = reader.U32BE();
         const TFourCC inner(reader.Bytes(4));
         if (size < 8)
@@ -212,7 +212,7 @@ void TMP4Tag::ReadXtra(QByteArrayView content)
         TByteReader entry(reader.Bytes(std::min<qint64>(size - 4, reader.Left())));
         const QString name = DecodeLatin1(entry.Bytes(entry.U32BE()));
         const quint32 count = entry.U32BE();
-        for (quint32 i = 0; i < count && !entry.Failed(); ++i) {
+        for (quint32 i = 0; i < count && !entry.Failed() && Xtra.size() < MostFields; ++i) {
             const quint32 length = entry.U32BE();
             const quint16 type = entry.U16BE();
             const QByteArrayView bytes = entry.Bytes(static_cast<qint64>(length) - 6);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uTagText.h"
 
+#include "uTagTypes.h"
+
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -150,7 +152,7 @@ QStringList DecodeTextList(QByteArrayView bytes, TTextEncoding encoding, bool ke
 {
     QStringList texts;
     bool bigEndian = StartOrder(bytes, encoding);
-    while (!bytes.isEmpty()) {
+    while (!bytes.isEmpty() && static_cast<size_t>(texts.size()) < MostFields) {
         const std::optional<QByteArrayView> piece = TakeTerminated(bytes, encoding);
         QString text = DecodeOne(piece.value_or(bytes), encoding, bigEndian);
         if (keepEmpty || !text.isEmpty())

@@ -37,8 +37,8 @@ QString DecodeFixedText(QByteArrayView bytes);
 /// `teUTF16BE` is big-endian and `teUTF16` is guessed from where the zero bytes stand.
 QString DecodeText(QByteArrayView bytes, TTextEncoding encoding);
 
-/// The texts of a list separated by NUL, empty ones left out unless told. A byte order mark holds for the texts after
-/// it.
+/// The texts of a list separated by NUL, the first MostFields of them, empty ones left out unless told. A byte order
+/// mark holds for the texts after it.
 QStringList DecodeTextList(QByteArrayView bytes, TTextEncoding encoding, bool keepEmpty = false);
 
 /// Cuts one text off the front of `bytes`, with its NUL. Gives nothing, and leaves `bytes` alone, without a NUL.

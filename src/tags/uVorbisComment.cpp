@@ -93,8 +93,9 @@ bool TVorbisComments::Parse(QByteArrayView bytes, bool parseCoverArts)
     Vendor = DecodeUTF8(reader.Bytes(reader.U32LE()));
     const quint32 count = reader.U32LE();
     // Each comment takes four bytes at least, whatever their number claims to be.
-    Fields.reserve(Fields.size() + static_cast<size_t>(std::min<qint64>(count, reader.Left() / 4)));
-    for (quint32 i = 0; i < count && !reader.Failed(); ++i) {
+    Fields.reserve(
+        std::min(Fields.size() + static_cast<size_t>(std::min<qint64>(count, reader.Left() / 4)), MostFields));
+    for (quint32 i = 0; i < count && !reader.Failed() && Fields.size() < MostFields; ++i) {
         const quint32 length = reader.U32LE();
         const QByteArrayView comment = reader.Bytes(length);
         if (!reader.Failed())
@@ -115,7 +116,7 @@ void TVorbisComments::AddComment(QByteArrayView comment, bool parseCoverArts)
         Fields.push_back({name, DecodeUTF8(value)});
         return;
     }
-    if (!parseCoverArts)
+    if (!parseCoverArts || Pictures.size() >= MostPictures)
         return;
     if (auto picture = PictureOfComment(upper, value))
         Pictures.push_back(std::move(*picture));

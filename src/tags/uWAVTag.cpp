@@ -13,7 +13,7 @@ namespace {
 
 void AddField(std::vector<TTagField>& fields, const QString& name, const QString& value)
 {
-    if (!value.isEmpty())
+    if (!value.isEmpty() && fields.size() < MostFields)
         fields.push_back({name, value});
 }
 
@@ -62,7 +62,7 @@ int TWAVTag::Load(TByteSource& source)
 void TWAVTag::ReadInfoList(QByteArrayView bytes)
 {
     TByteReader reader(bytes);
-    while (reader.Left() >= 8) {
+    while (reader.Left() >= 8 && Frames.size() < MostFields) {
         const QString name = DecodeLatin1(reader.Bytes(4));
         const quint32 size = reader.U32LE();
         AddField(Frames, name, DecodeRiffText(reader.Bytes(std::min<qint64>(size, reader.Left()))));

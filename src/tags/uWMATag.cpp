@@ -178,12 +178,12 @@ void TWMATag::ReadMetadata(QByteArrayView bytes)
 void TWMATag::AddAttribute(const QString& name, quint16 type, QByteArrayView value)
 {
     if (type == AsfTypeBytes) {
-        if (name == u"WM/Picture"_s && ParseCoverArts)
+        if (name == u"WM/Picture"_s && ParseCoverArts && Pictures.size() < MostPictures)
             AddPicture(value);
         return;
     }
     const QString text = type == AsfTypeText ? TextOfBytes(value) : NumberOfBytes(value);
-    if (!name.isEmpty() && !text.isEmpty())
+    if (!name.isEmpty() && !text.isEmpty() && Attributes.size() < MostFields)
         Attributes.push_back({name, text});
 }
 
