@@ -14,7 +14,8 @@ namespace {
 
 constexpr qint64 PageHeaderSize = 27;
 constexpr qint64 LargestPage = 27 + 255 + 255 * 255;
-constexpr int MostHeaderPages = 65536; // some 4 GiB of header; a file of empty pages must not keep us busy
+constexpr int MostHeaderPages = 16384;  // 64 MiB in the usual pages; a file of empty pages must not keep us busy
+constexpr int MostHeaderPackets = 1024; // likewise one of empty packets
 
 struct TOggPage {
     qint64 Offset = 0; ///< of the page
@@ -27,11 +28,9 @@ struct TOggPage {
     QByteArray Lacing;
 };
 
-std::optional<TOggPage> ReadPage(TByteSource& source, qint64 offset)
+// The fixed part of a page's header: its lacing and the places that follow from it are left out.
+std::optional<TOggPage> ParsePage(TByteReader& reader)
 {
-    char bytes[PageHeaderSize + 255];
-    const qint64 count = source.ReadAt(offset, bytes, sizeof bytes);
-    TByteReader reader(QByteArrayView(bytes, std::max<qint64>(count, 0)));
     if (reader.Bytes(4) != "OggS" || reader.U8() != 0)
         return std::nullopt;
     TOggPage page;
@@ -41,14 +40,25 @@ std::optional<TOggPage> ReadPage(TByteSource& source, qint64 offset)
     page.Granule = static_cast<qint64>(reader.U64LE());
     page.Serial = reader.U32LE();
     reader.Skip(8); // sequence number and checksum
-    page.Lacing = reader.Bytes(reader.U8()).toByteArray();
+    return reader.Failed() ? std::nullopt : std::optional(page);
+}
+
+std::optional<TOggPage> ReadPage(TByteSource& source, qint64 offset)
+{
+    char bytes[PageHeaderSize + 255];
+    const qint64 count = source.ReadAt(offset, bytes, sizeof bytes);
+    TByteReader reader(QByteArrayView(bytes, std::max<qint64>(count, 0)));
+    auto page = ParsePage(reader);
+    if (!page)
+        return std::nullopt;
+    page->Lacing = reader.Bytes(reader.U8()).toByteArray();
     if (reader.Failed())
         return std::nullopt;
-    page.Offset = offset;
-    page.Body = offset + reader.Position();
-    page.End = page.Body;
-    for (const char size : page.Lacing)
-        page.End += static_cast<quint8>(size);
+    page->Offset = offset;
+    page->Body = offset + reader.Position();
+    page->End = page->Body;
+    for (const char size : page->Lacing)
+        page->End += static_cast<quint8>(size);
     return page;
 }
 
@@ -133,9 +143,11 @@ qint64 LastGranule(TByteSource& source, quint32 serial)
         // The last page is mostly in the tail that is in memory anyway; a page reaches back 64 KiB at most.
         const qint64 step = end == source.Size() ? TFileSource::TailSize : LargestPage;
         const qint64 start = std::max(limit, end - step);
-        const QByteArray bytes = source.Read(start, end - start + 3);
+        const QByteArray bytes = source.Read(start, end - start + PageHeaderSize);
         for (qsizetype at = bytes.lastIndexOf("OggS"); at >= 0; at = at > 0 ? bytes.lastIndexOf("OggS", at - 1) : -1) {
-            const auto page = ReadPage(source, start + at);
+            // A file may be full of marks: each is looked at where it lies in memory already.
+            TByteReader header(QByteArrayView(bytes).sliced(at));
+            const auto page = ParsePage(header);
             if (page && page->Serial == serial && page->Granule > 0)
                 return page->Granule;
         }
@@ -187,7 +199,8 @@ int TOpusTag::Load(TByteSource& source)
     const auto first = packets.Next();
     if (!first || !ReadIdentification(*first))
         return TagResultCorrupt;
-    for (auto packet = packets.Next(); packet && ReadHeader(*packet); packet = packets.Next()) {
+    int most = MostHeaderPackets;
+    for (auto packet = packets.Next(); packet && ReadHeader(*packet) && --most > 0; packet = packets.Next()) {
     }
     ReadTimes(source, packets.Position());
     return Loaded ? TagResultOk : TagResultNoTag;
