@@ -11,8 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// All frames of a tag together may inflate to this much: a small file must not fill the memory.
-constexpr qint64 InflateBudget = 64 * 1024 * 1024;
+// All frames of a tag together may inflate to this much: a small file must neither fill the memory nor keep us busy.
+constexpr qint64 InflateBudget = 12 * 1024 * 1024;
 
 bool IsIDCharacter(char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); }
 
