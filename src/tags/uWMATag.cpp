@@ -29,6 +29,7 @@ constexpr qint64 ObjectHeaderSize = 24; // identifier and size
 
 constexpr quint16 AsfTypeText = 0;
 constexpr quint16 AsfTypeBytes = 1;
+constexpr quint16 AsfTypeGuid = 6;
 
 QString TextOfBytes(QByteArrayView bytes)
 {
@@ -182,7 +183,9 @@ void TWMATag::AddAttribute(const QString& name, quint16 type, QByteArrayView val
             AddPicture(value);
         return;
     }
-    const QString text = type == AsfTypeText ? TextOfBytes(value) : NumberOfBytes(value);
+    const QString text = type == AsfTypeText   ? TextOfBytes(value)
+                         : type == AsfTypeGuid ? GuidText(value)
+                                               : NumberOfBytes(value);
     if (!name.isEmpty() && !text.isEmpty() && Attributes.size() < MostFields)
         Attributes.push_back({name, text});
 }
