@@ -2,6 +2,7 @@
 #pragma once
 
 #include "TagsLibrary.h"
+#include "uTagNames.h"
 
 #include <QStringList>
 
@@ -26,7 +27,8 @@ struct TTagBatch {
     void Drop(const QString& name) { Dropped.append(name); }
     /// "3/12" becomes the number under one name and the total under another; without "/" only the number is there.
     void AddNumberOfTotal(const QString& value, const QString& numberName, const QString& totalName);
-    /// Fields of a format that names them itself: kept under their names, "TRACKNUMBER" and "TRACK" are split.
+    /// Fields of a format that names them itself: kept under their names, "TRACKNUMBER" and "TRACK" are split,
+    /// and the texts of "TIPL" and of "TMCL" become lines of one.
     void AddFields(const std::vector<TTagField>& fields);
 };
 
@@ -39,15 +41,5 @@ TTagBatch BatchOf(const TOpusTag& tag);
 TTagBatch BatchOf(const TMP4Tag& tag);
 TTagBatch BatchOf(const TWAVTag& tag);
 TTagBatch BatchOf(const TWMATag& tag);
-
-bool EqualsNoCase(QStringView a, QStringView b);
-
-/// For tables of names: those that EqualsNoCase takes for one have one hash.
-struct TNoCaseHash {
-    size_t operator()(QStringView name) const;
-};
-struct TNoCaseEqual {
-    bool operator()(QStringView a, QStringView b) const { return EqualsNoCase(a, b); }
-};
 
 } // namespace Kestrune
