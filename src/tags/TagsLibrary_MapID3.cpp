@@ -173,7 +173,16 @@ void TTagBatch::AddNumberOfTotal(const QString& value, const QString& numberName
 void TTagBatch::AddFields(const std::vector<TTagField>& fields)
 {
     Items.reserve(Items.size() + fields.size());
+    TTag* lists[2] = {nullptr, nullptr}; // of people: all texts of one are the lines of one tag
     for (const TTagField& field : fields) {
+        const int list = EqualsNoCase(field.Name, u"TIPL") ? 0 : EqualsNoCase(field.Name, u"TMCL") ? 1 : -1;
+        if (list >= 0) {
+            if (lists[list] && !field.Value.isEmpty())
+                lists[list]->Value += u'\n' + field.Value;
+            else if (!lists[list])
+                lists[list] = Add(field.Name, field.Value);
+            continue;
+        }
         const bool isTrack = EqualsNoCase(field.Name, u"TRACKNUMBER") || EqualsNoCase(field.Name, u"TRACK");
         if (isTrack && field.Value.contains(u'/')) {
             Drop(field.Name);

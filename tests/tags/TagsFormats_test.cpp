@@ -74,9 +74,11 @@ TEST(TagsFormats, APEv2)
 {
     const QByteArray ape =
         ApeTag({ApeItem("Title", "T\xC3\xADtle"), ApeItem("Track", "3/12"), ApeItem("Binary", "x", 2),
-                ApeItem("Artist", QByteArray("A\0B", 3)), ApeItem("Link", "http://a", 4)});
-    const QStringList lines = {u"Artist=A"_s,       u"Artist=B"_s,      u"Link=http://a"_s,
-                               u"TOTALTRACKS=12"_s, u"TRACKNUMBER=3"_s, u"Title=T\u00EDtle"_s};
+                ApeItem("Artist", QByteArray("A\0B", 3)), ApeItem("Link", "http://a", 4),
+                ApeItem("TMCL", QByteArray("cello=C\0viola=D", 15))});
+    const QStringList lines = {
+        u"Artist=A"_s,       u"Artist=B"_s,      u"Link=http://a"_s,   u"TMCL=cello=C\nviola=D"_s,
+        u"TOTALTRACKS=12"_s, u"TRACKNUMBER=3"_s, u"Title=T\u00EDtle"_s};
     QStringList withId3v1 = lines + QStringList{u"GENRE=Rock"_s};
     withId3v1.sort();
     const QByteArray v1 = Id3v1({"Weaker", "Weaker", {}, {}, {}, 9, 17});
@@ -143,6 +145,11 @@ TEST(TagsFormats, WaveTexts)
          Info(RiffChunk("INAM", QByteArray("abcd\0", 5)) + QByteArray(1, '\0') + RiffChunk("IPRD", "Al")),
          {u"ALBUM=Al"_s, u"TITLE=abcd"_s}},
         {"size beyond the list", "a.wav", Info("INAM" + LE32(0xFFFFFFF0) + "abc"), {u"TITLE=abc"_s}},
+        {"two lists",
+         "a.wav",
+         Riff("WAVE", RiffChunk("LIST", "INFO" + RiffChunk("INAM", "T")) +
+                          RiffChunk("LIST", "INFO" + RiffChunk("INAM", "U") + RiffChunk("IART", "A"))),
+         {u"ARTIST=A"_s, u"TITLE=T"_s}},
         {"over the ID3v2 chunk",
          "a.wav",
          Info(RiffChunk("INAM", "T")) + RiffChunk("id3 ", Id3v2(3, Id3Frame(3, "TIT2", Id3Text(0, "weaker")) +
@@ -192,6 +199,13 @@ TEST(TagsFormats, MP4)
                  Items("trkn", 0, QByteArray("\0\0\0\3\0\0\0\0", 8))),
          {u"Label=L"_s, u"TRACKNUMBER=3"_s}},
         {"Xtra", "a.m4a", Mp4File({}, rating), {u"Mood=calm"_s, u"SharedUserRating=129"_s}},
+        {"two item lists and two Xtra atoms",
+         "a.m4a",
+         Mp4File(Items("aART", 1, "A") + Mp4FreeForm("N", "v"),
+                 Mp4Atom("meta", BE32(0) + Mp4Atom("ilst", Items("aART", 1, "B") + Mp4FreeForm("N", "w") +
+                                                               Mp4FreeForm("M", "x"))) +
+                     rating + rating),
+         {u"ALBUMARTIST=A"_s, u"M=x"_s, u"Mood=calm"_s, u"N=v"_s, u"SharedUserRating=129"_s}},
         {"an atom that claims 4 GiB",
          "a.m4a",
          Mp4File(Items("aART", 1, "A") + BE32(0xFFFFFFF0) + "desc" + Mp4Data(1, "D")),
@@ -219,7 +233,16 @@ TEST(TagsFormats, WindowsMedia)
         {"left out", "a.wma", AsfOne(u"WMFSDKVersion"_s, 0, wide(u"9"_s)), {}},
         {"own name", "a.wma", AsfOne(u"My Field"_s, 2, LE32(1)), {u"My Field=1"_s}},
         {"rating", "a.wma", AsfOne(u"WM/SharedUserRating"_s, 3, LE32(99)), {u"RATING=255"_s}},
-        {"stated twice", "a.wma", AsfOne(u"WM/Year"_s, 0, wide(u"2001"_s)) + QByteArray(), {u"YEAR=2001"_s}},
+        {"stated twice",
+         "a.wma",
+         AsfFile(AsfExtended({AsfAttribute(u"WM/TrackNumber"_s, 0, wide(u"3/12"_s))}, 1) +
+                 AsfMetadata(u"WM/TrackNumber"_s, 0, wide(u"3/12"_s))),
+         {u"TOTALTRACKS=12"_s, u"TRACKNUMBER=3"_s}},
+        {"identifier",
+         "a.wma",
+         AsfFile(AsfMetadata(u"Id"_s, 6, LE32(0x01234567) + LE16(0x89AB) + LE16(0xCDEF) + "abcdefgh")),
+         {u"Id={01234567-89ab-cdef-6162-636465666768}"_s}},
+        {"identifier cut off", "a.wma", AsfFile(AsfMetadata(u"Id"_s, 6, "short")), {}},
         {"count lies",
          "a.wma",
          AsfFile(AsfExtended({AsfAttribute(u"WM/Year"_s, 0, wide(u"2001"_s))}, 60000)),
@@ -265,6 +288,26 @@ TEST(TagsFormats, PicturesOfEveryFormat)
     EXPECT_EQ(tags.CoverArts()[0]->Description, u"b.jpg"_s);
     EXPECT_EQ(tags.CoverArts()[0]->CoverType, 4);
     EXPECT_EQ(tags.CoverArts()[0]->Stream.size(), 2);
+}
+
+TEST(TagsFormats, PicturesOfNoBytesAreNone)
+{
+    const QByteArray block = FlacPicture(3, "image/png", "x", {});
+    const std::pair<const char*, QByteArray> cases[] = {
+        {"a.mp3", Id3v2(3, Id3Frame(3, "APIC", Id3Picture("image/png", 3, "x", {})))},
+        {"b.mp3", Id3v2(2, Id3Frame(2, "PIC", QByteArray("\0PNG\3x\0", 7)))},
+        {"a.flac", "fLaC" + FlacBlock(0, FlacStreamInfo(44100, 2, 16, 44100)) + FlacBlock(6, block, true)},
+        {"a.ogg", OggVorbis({"METADATA_BLOCK_PICTURE=" + block.toBase64(), "COVERART="})},
+        {"a.ape", ApeTag({ApeItem("Cover Art (Front)", QByteArray("x\0", 2), 2)})},
+        {"a.m4a", Mp4File(Items("covr", 13, {}))},
+        {"a.wma", AsfFile(AsfMetadata(u"WM/Picture"_s, 1, AsfPicture(3, u"image/png"_s, u"x"_s, {})))},
+    };
+    const TTempDir dir;
+    for (const auto& [name, bytes] : cases) {
+        TTags tags;
+        ASSERT_EQ(LoadAll(tags, dir.Write(QString::fromUtf8(name), bytes)), 0);
+        EXPECT_EQ(tags.CoverArtCount(), 0) << name;
+    }
 }
 
 TEST(TagsFormats, AttributesOfEveryFormat)

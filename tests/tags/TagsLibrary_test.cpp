@@ -96,6 +96,12 @@ TEST(Tags, MergesAndMapsAsThePriorityTells)
          Flac({"TRACK=3/12", "DISCNUMBER=1/2"}),
          {u"TRACKNUMBER=3"_s, u"TOTALTRACKS=12"_s, u"DISCNUMBER=1/2"_s}},
         {"TRACK without total in FLAC", Flac({"TRACK=3"}), {u"TRACK=3"_s}},
+        {"lists of people in FLAC",
+         Flac({"TIPL=mix=Ann", "ARTIST=A", "TMCL=cello=Cid", "tipl=engineer=Bob"}),
+         {u"TIPL=mix=Ann\nengineer=Bob"_s, u"ARTIST=A"_s, u"TMCL=cello=Cid"_s}},
+        {"of a second comment block only the new names",
+         Flac({"TITLE=F", "ARTIST=A", "ARTIST=B"}, FlacBlock(4, VorbisComments({"title=F", "MOOD=x", "MOOD=y"}))),
+         {u"TITLE=F"_s, u"ARTIST=A"_s, u"ARTIST=B"_s, u"MOOD=x"_s, u"MOOD=y"_s}},
         {"totals of several values", Id3v2(4, numbers), {u"TRACKNUMBER=1"_s, u"TRACKNUMBER=3"_s, u"TOTALTRACKS=4"_s}},
         {"a split total takes the place of one",
          Flac({"TOTALTRACKS=9", "TRACKNUMBER=3/12"}),
@@ -148,6 +154,7 @@ TEST(Tags, TagsOfVeryManyValuesAreMergedInLinearTime)
         {"genres", "a.mp3", text("TCON", numbers), "GENRE", 1},
         {"genre references", "a.mp3", text("TCON", references), "GENRE", 1},
         {"attributes", "a.wma", AsfFile(AsfExtended({list(50000, attribute)}, 50000)), "49999", 1},
+        {"comments beyond all reason", "a.flac", Flac(QList<QByteArray>(100000, "A=b")), "A", 65536},
         {"two tags of the same names", "a.mp3", Id3v2(4, list(50000, user)) + ApeTag(items), "name77", 1},
     };
     const TTempDir dir;
@@ -285,8 +292,10 @@ TEST(Tags, AttributesComeFromTheReaderThatKnows)
 {
     const TTempDir dir;
     TTags tags;
-    tags.LoadFromFile(dir.Write(u"a.aiff"_s, Aiff("AIFF", AiffComm(2, 66150 + 100, 16, 44100))));
-    EXPECT_EQ(tags.SourceAudioAttributes().PlayTime(), 2); // whole seconds
+    for (const auto& [samples, seconds] : {std::pair(66250u, 2), {22050u, 0}, {66150u, 2}, {110250u, 2}}) {
+        tags.LoadFromFile(dir.Write(u"a.aiff"_s, Aiff("AIFF", AiffComm(2, samples, 16, 44100))));
+        EXPECT_EQ(tags.SourceAudioAttributes().PlayTime(), seconds) << samples << ": whole ones, a half to the even";
+    }
     EXPECT_EQ(tags.SourceAudioAttributes().Channels(), 2);
     EXPECT_EQ(tags.SourceAudioAttributes().BitRate(), 1411200);
     tags.LoadFromFile(dir.Write(u"a.mp3"_s, MpegFrames(100)));
