@@ -328,10 +328,27 @@ TEST(TagsFormats, AttributesOfEveryFormat)
     const QByteArray dsd =
         WavPackBlock(352800, 0, 1000, (stereo & 0x1803) | 12u << 23 | 0x80000000, QByteArray("\x0E\x01\x02\0", 4));
     const QByteArray ape = ApeTag({ApeItem("Title", QByteArray(5000, 'x'))});
+    const auto mp4 = [](const char* entry, int channels, int rate, const char* box, const QByteArray& hex) {
+        return Mp4File({}, {}, false, Mp4SampleEntry(entry, channels, rate, Mp4Atom(box, QByteArray::fromHex(hex))));
+    };
+    const auto aac = [](const char* hex) {
+        return Mp4File({}, {}, false, Mp4SampleEntry("mp4a", 2, 22050, Mp4Esds(QByteArray::fromHex(hex))));
+    };
     const TCase cases[] = {
         {"Vorbis", "a.ogg", OggVorbis({}), {2, 44100, 0, 2.0, 88200, 96000}},
         {"Opus", "a.opus", OggOpus({}), {2, 48000, 0, 1.0, 48000, -1}},
         {"MP4", "a.m4a", Mp4File({}), {2, 44100, 16, 1.0, 44100, 64000}},
+        {"AC-3 in MP4", "a.m4a", mp4("ac-3", 2, 48000, "dac3", "10 3d c0"), {6, 48000, 16, 1.0, 48000, 384000}},
+        {"AC-3 of an unknown rate", "a.m4a", mp4("ac-3", 2, 48000, "dac3", "d0 3d c0"), {2, 48000, 16, 1.0, 48000, -1}},
+        {"E-AC-3 in MP4", "a.m4a", mp4("ec-3", 2, 0, "dec3", "0c 00 20 0f 00"), {6, 48000, 16, 1.0, 48000, 384000}},
+        {"FLAC in MP4",
+         "a.m4a",
+         mp4("fLaC", 2, 48000, "dfLa", (BE32(0) + FlacBlock(0, FlacStreamInfo(96000, 6, 24, 96000), true)).toHex()),
+         {6, 96000, 24, 1.0, 96000, -1}},
+        {"AAC with band replication behind", "a.m4a", aac("13 88 56 e5 a0"), {1, 44100, 16, 1.0, 44100, 64000}},
+        {"AAC with parametric stereo behind", "a.m4a", aac("13 88 56 e5 a5 48 80"), {2, 44100, 16, 1.0, 44100, 64000}},
+        {"AAC with the mark and no replication", "a.m4a", aac("13 88 56 e5 00"), {1, 22050, 16, 1.0, 22050, 64000}},
+        {"AAC with band replication before", "a.m4a", aac("2b 8a 08 00"), {1, 44100, 16, 1.0, 44100, 64000}},
         {"Windows Media", "a.wma", AsfFile({}), {2, 44100, 16, 2.5, 110250, 64000}},
         {"WavPack", "a.wv", WavPackBlock(44100, 0, 44100, stereo, sound) + ape, {2, 44100, 16, 1.0, 44100, 80256}},
         {"WavPack without total", "a.wv", unknown, {2, 44100, 16, 2.0, 88200, 80256}},
