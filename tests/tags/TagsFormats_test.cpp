@@ -337,6 +337,11 @@ TEST(TagsFormats, AttributesOfEveryFormat)
     const TCase cases[] = {
         {"Vorbis", "a.ogg", OggVorbis({}), {2, 44100, 0, 2.0, 88200, 96000}},
         {"Opus", "a.opus", OggOpus({}), {2, 48000, 0, 1.0, 48000, -1}},
+        {"Opus from the middle of a stream",
+         "a.opus",
+         OggOpus({}).chopped(1000 + 4 + 27) + OggPage(0, 480000, 7, QByteArray("\xFC", 1) + sound) +
+             OggPage(OggLast, 528312 - 960, 7, sound),
+         {2, 48000, 0, 1.0, 48000, -1}},
         {"MP4", "a.m4a", Mp4File({}), {2, 44100, 16, 1.0, 44100, 64000}},
         {"AC-3 in MP4", "a.m4a", mp4("ac-3", 2, 48000, "dac3", "10 3d c0"), {6, 48000, 16, 1.0, 48000, 384000}},
         {"AC-3 of an unknown rate", "a.m4a", mp4("ac-3", 2, 48000, "dac3", "d0 3d c0"), {2, 48000, 16, 1.0, 48000, -1}},
