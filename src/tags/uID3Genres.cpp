@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uID3Genres.h"
 
+#include "uTagTypes.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -223,7 +225,7 @@ QString NameOfNumber(QStringView digits)
 void TDistinctTexts::Add(const QString& text)
 {
     const qsizetype before = FSeen.size();
-    if (!text.isEmpty())
+    if (!text.isEmpty() && static_cast<size_t>(before) < MostFields)
         FSeen.insert(text);
     if (FSeen.size() > before)
         FTexts.append(text);

@@ -7,7 +7,7 @@
 
 namespace Kestrune {
 
-/// Texts in their order, each once; empty ones are none. A tag may hold a hundred thousand of them.
+/// Texts in their order, each once; empty ones are none. The first MostFields of them are kept.
 class TDistinctTexts {
 public:
     void Add(const QString& text);

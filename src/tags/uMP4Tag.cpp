@@ -14,6 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int MostItemLists = 64; // there should be one
 constexpr quint32 MP4TypeUtf8 = 1;
 constexpr quint32 MP4TypeUtf16 = 2;
 constexpr quint32 MP4TypePicture[] = {12, 13, 14, 27}; // GIF, JPEG, PNG, BMP
@@ -154,6 +155,8 @@ void TMP4Tag::ReadUserData(TByteSource& source, qint64 start, qint64 end)
 void TMP4Tag::ReadMeta(TByteSource& source, qint64 start, qint64 end)
 {
     // Four bytes of version and flags come first, but not in QuickTime's own files.
+    if (++FItemLists > MostItemLists)
+        return;
     const bool bare = source.Read(start + 4, 4) == "hdlr";
     if (const auto list = FindMP4Box(source, start + (bare ? 0 : 4), end, "ilst"))
         ReadItems(source, list->Offset, list->End);

@@ -92,6 +92,7 @@ private:
     TMP4Fragments FFragments;
     qint64 FSoundSize = 0; // of all media data
     bool FHasTrack = false;
+    int FItemLists = 0;
 };
 
 } // namespace Kestrune
