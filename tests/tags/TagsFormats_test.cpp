@@ -68,6 +68,14 @@ QByteArray AsfOne(const QString& name, quint16 type, const QByteArray& value)
     return AsfFile(AsfExtended({AsfAttribute(name, type, value)}, 1));
 }
 
+QByteArray SeedOf(const char* fileName)
+{
+    for (const TTagSeed& seed : TagSeeds())
+        if (qstrcmp(seed.FileName, fileName) == 0)
+            return seed.Bytes;
+    return {};
+}
+
 } // namespace
 
 TEST(TagsFormats, APEv2)
@@ -342,6 +350,7 @@ TEST(TagsFormats, AttributesOfEveryFormat)
          OggOpus({}).chopped(1000 + 4 + 27) + OggPage(0, 480000, 7, QByteArray("\xFC", 1) + sound) +
              OggPage(OggLast, 528312 - 960, 7, sound),
          {2, 48000, 0, 1.0, 48000, -1}},
+        {"Vorbis from the middle of a stream", "a.ogg", SeedOf("b.ogg"), {2, 44100, 0, 1.0, 44100, 96000}},
         {"MP4", "a.m4a", Mp4File({}), {2, 44100, 16, 1.0, 44100, 64000}},
         {"AC-3 in MP4", "a.m4a", mp4("ac-3", 2, 48000, "dac3", "10 3d c0"), {6, 48000, 16, 1.0, 48000, 384000}},
         {"AC-3 of an unknown rate", "a.m4a", mp4("ac-3", 2, 48000, "dac3", "d0 3d c0"), {2, 48000, 16, 1.0, 48000, -1}},
