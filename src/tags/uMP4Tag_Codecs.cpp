@@ -158,7 +158,8 @@ int AC3Channels(quint32 mode, quint32 lowFrequencies)
 // A "dac3" atom (ETSI TS 102 366, annex F.4).
 void ReadAC3(QByteArrayView bytes, TAudioAttributes& audio)
 {
-    constexpr int kilobits[] = {32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384, 448, 512, 576, 640};
+    constexpr qint64 kilobits[] = {32,  40,  48,  56,  64,  80,  96,  112, 128, 160,
+                                   192, 224, 256, 320, 384, 448, 512, 576, 640};
     TBitReader bits(bytes);
     const quint32 rate = bits.Take(2);
     bits.Take(5 + 3); // stream identification, kind of service

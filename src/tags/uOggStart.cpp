@@ -73,7 +73,7 @@ TVorbisModes::TVorbisModes(QByteArrayView identification, QByteArrayView setup)
 // before it modes of 41 bits, most of them 0, before which their number stands.
 void TVorbisModes::ReadModes(QByteArrayView setup)
 {
-    constexpr int modeBits = 1 + 16 + 16 + 8;
+    constexpr qsizetype modeBits = 1 + 16 + 16 + 8;
     constexpr int countBits = 6;
     constexpr int mostModes = 64;
     if (!setup.startsWith("\x05vorbis"))
