@@ -254,9 +254,13 @@ void TTags::Apply(TTagBatch& batch)
 // Two tags may hold tens of thousands of names each: they are looked up, never compared each with each.
 void TTags::MakeWayFor(const TTagBatch& batch)
 {
-    if (FTags.empty())
+    constexpr size_t few = 1000; // comparisons; a table costs more than these
+    if (FTags.size() * (batch.Items.size() + static_cast<size_t>(batch.Dropped.size())) <= few) {
+        std::erase_if(FTags, [&](const auto& tag) { return batch.Supplies(tag->Name); });
         return;
+    }
     std::unordered_set<QStringView, TNoCaseHash, TNoCaseEqual> names;
+    names.reserve(batch.Items.size());
     for (const QString& name : batch.Dropped)
         names.insert(name);
     for (const TTagBatch::TItem& item : batch.Items)

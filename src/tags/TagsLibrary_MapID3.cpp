@@ -5,6 +5,7 @@
 #include "uFlacTag.h"
 #include "uID3Genres.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace Kestrune {
@@ -146,6 +147,13 @@ void AddUnmappedFrame(TTagBatch& batch, const TID3v2Frame& frame)
 }
 
 } // namespace
+
+bool TTagBatch::Supplies(QStringView name) const
+{
+    return std::ranges::any_of(
+               Items, [&](const TItem& item) { return !item.IsTotal && EqualsNoCase(item.Tag->Name, name); }) ||
+           std::ranges::any_of(Dropped, [&](const QString& dropped) { return EqualsNoCase(dropped, name); });
+}
 
 TTag* TTagBatch::Add(const QString& name, const QString& value)
 {

@@ -6,8 +6,6 @@
 #include "uWAVTag.h"
 #include "uWMATag.h"
 
-#include <QSet>
-
 #include <algorithm>
 #include <cmath>
 #include <string_view>
@@ -226,7 +224,7 @@ void AddDerived(TTagBatch& batch, const QString& name, const QString& value, con
     batch.Add(name, value);
 }
 
-using TStatements = QSet<std::pair<QString, QString>>;
+using TStatements = TSeen<std::pair<QString, QString>>;
 
 // `stated` are the names and values so far: writers state an attribute once in the old object and again in the newer
 // ones.
@@ -243,9 +241,7 @@ void AddWMAAttribute(TTagBatch& batch, TStatements& stated, const TTagField& fie
     const auto& map = WMAMap();
     const auto mapped = map.find(field.Name);
     const QString name = mapped == map.end() ? field.Name : mapped->second;
-    const qsizetype before = stated.size();
-    stated.insert({name, field.Value});
-    if (stated.size() == before)
+    if (!stated.Add({name, field.Value}))
         return;
     if (name == u"TRACKNUMBER"_s)
         batch.AddNumberOfTotal(field.Value, name, u"TOTALTRACKS"_s);

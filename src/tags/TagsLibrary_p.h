@@ -21,6 +21,8 @@ struct TTagBatch {
     QStringList Dropped; ///< names that go without being supplied
     std::vector<TTagPicture> Pictures;
 
+    /// Whether tags of that name make way.
+    bool Supplies(QStringView name) const;
     /// Stages a tag; all tags of its name in the lists make way for it. Null for an empty value, and
     /// when there are MostFields.
     TTag* Add(const QString& name, const QString& value);

@@ -224,10 +224,7 @@ QString NameOfNumber(QStringView digits)
 
 void TDistinctTexts::Add(const QString& text)
 {
-    const qsizetype before = FSeen.size();
-    if (!text.isEmpty() && static_cast<size_t>(before) < MostFields)
-        FSeen.insert(text);
-    if (FSeen.size() > before)
+    if (!text.isEmpty() && static_cast<size_t>(FTexts.size()) < MostFields && FSeen.Add(text))
         FTexts.append(text);
 }
 

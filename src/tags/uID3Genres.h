@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <QSet>
+#include "uTagNames.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -16,7 +17,7 @@ public:
 
 private:
     QStringList FTexts;
-    QSet<QString> FSeen;
+    TSeen<QString> FSeen;
 };
 
 /// Number of known genres: the published table of ID3v1 with its later additions, "Blues" (0) to "Psybient" (191).

@@ -35,14 +35,16 @@ qint64 WalkToGranule(TByteSource& source, qint64 position, quint32 serial,
         position = page->End;
         if (page->Serial != serial)
             continue;
-        qint64 at = page->Body;
+        const QByteArray body = source.Read(page->Body, page->End - page->Body);
+        qsizetype at = 0;
         bool inside = page->Continued;
         known = known && inside;
         for (const char lace : page->Lacing) {
             const auto size = static_cast<quint8>(lace);
             if (!inside) {
-                head[1] = 0;
-                known = size > 0 && source.ReadAt(at, head, std::min<qint64>(size, 2)) > 0;
+                known = size > 0 && at < body.size();
+                head[0] = known ? body[at] : '\0';
+                head[1] = size > 1 && at + 1 < body.size() ? body[at + 1] : '\0';
             }
             at += size;
             inside = size == 255;

@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <QSet>
 #include <QString>
 #include <QStringView>
+#include <QVarLengthArray>
 
+#include <algorithm>
 #include <unordered_set>
 
 namespace Kestrune {
@@ -17,6 +20,33 @@ struct TNoCaseHash {
 };
 struct TNoCaseEqual {
     bool operator()(QStringView a, QStringView b) const { return EqualsNoCase(a, b); }
+};
+
+/// Tells whether a value was met before. A few are compared one by one, which is quicker for nearly all tags; more go
+/// to a table.
+template <typename T>
+class TSeen {
+public:
+    /// Notes the value; false when it was noted before.
+    bool Add(const T& value)
+    {
+        if (FTable.isEmpty()) {
+            if (std::ranges::find(FFew, value) != FFew.end())
+                return false;
+            FFew.append(value);
+            if (FFew.size() == Few)
+                FTable = QSet<T>(FFew.begin(), FFew.end());
+            return true;
+        }
+        const qsizetype before = FTable.size();
+        FTable.insert(value);
+        return FTable.size() > before;
+    }
+
+private:
+    static constexpr qsizetype Few = 16;
+    QVarLengthArray<T, Few> FFew;
+    QSet<T> FTable;
 };
 
 /// Names that the earlier parts of a tag have stated. A part that should be there once, as a comment block or a list of
