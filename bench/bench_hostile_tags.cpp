@@ -149,7 +149,7 @@ std::vector<TCase> ID3Cases()
                     FlacOf(Comments(20000, [](int i) { return "n" + QByteArray::number(i) + "=v"; })) +
                     ApeOfNames(20000);
          }},
-        {"MPEG headers without frames", "a.mp3", [] { return Repeat("\xFF\xFB\x90"); }},
+        {"MPEG headers without frames", "a.mp3", [] { return Repeat("\xFF\xFB\x92"); }},
     };
 }
 
@@ -246,7 +246,7 @@ std::vector<TCase> OtherCases()
          [=] {
              return AsfOf([=](int i) { return AsfAttribute(u"WM/TrackNumber"_s, 0, Utf16(u"1/%1"_s.arg(i), false)); });
          }},
-        {"WMA objects", "a.wma", [] { return AsfFile(Repeat(AsfObject("00", {}))); }},
+        {"WMA objects", "a.wma", [] { return AsfFile(Repeat(AsfObject("00112233445566778899aabbccddeeff", {}))); }},
         {"WavPack block marks", "a.wv",
          [] { return WavPackBlock(0xFFFFFFFF, 0, 1, 0x1801 | 9u << 23, "x") + Repeat("wvpk"); }},
         {"Musepack packets", "a.mpc", [] { return "MPCK" + Repeat(QByteArray("XX\3", 3)); }},
