@@ -25,7 +25,7 @@ void PrintHelp(const std::vector<std::unique_ptr<TCommand>>& commands)
 
 int Fail(const QString& sentence, int code)
 {
-    std::fprintf(stderr, "kestrune-cli: %s\n", qUtf8Printable(sentence));
+    PrintError(sentence);
     return code;
 }
 
@@ -56,6 +56,8 @@ int RunCommand(TCommand& command, const QStringList& arguments)
         command.Run(parser);
         FlushOutput();
         return 0;
+    } catch (const EToldError&) {
+        return 1;
     } catch (const EUsageError& error) {
         return Fail(QString::fromUtf8(error.what()), 2);
     } catch (const std::exception& error) {

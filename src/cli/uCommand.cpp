@@ -65,14 +65,25 @@ void FlushOutput()
         throw ECommandError(u"standard output cannot be written"_s);
 }
 
-QString OneLine(const QString& text)
+void PrintError(const QString& sentence)
 {
-    constexpr qsizetype longest = 500;
-    QString line = text.left(longest);
-    for (QChar& c : line) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "kestrune-cli: %s\n", qUtf8Printable(Printable(sentence)));
+}
+
+QString Printable(QString text)
+{
+    for (QChar& c : text) {
         if (c.category() == QChar::Other_Control || c == QChar::LineSeparator || c == QChar::ParagraphSeparator)
             c = u' ';
     }
+    return text;
+}
+
+QString OneLine(const QString& text)
+{
+    constexpr qsizetype longest = 500;
+    const QString line = Printable(text.left(longest));
     return text.size() > longest ? line + u'…' : line;
 }
 

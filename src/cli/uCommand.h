@@ -50,6 +50,9 @@ private:
     inline static bool FConverts = false;
 };
 
+/// Exit code 1 when standard error has told why already.
+class EToldError : public std::exception {};
+
 /// One subcommand.
 class TCommand {
 public:
@@ -96,6 +99,10 @@ QStringList Arguments(const QCommandLineParser& parser, int least, int most = -1
 void PrintLine(const QString& line);
 /// Hands what was printed on at once.
 void FlushOutput();
+/// A sentence on standard error, behind what was printed.
+void PrintError(const QString& sentence);
+/// Control characters become blanks: they belong to no terminal.
+QString Printable(QString text);
 /// A text for one cell of a line: control characters become blanks, and what is very long is cut.
 QString OneLine(const QString& text);
 void PrintJson(const QJsonDocument& document, QJsonDocument::JsonFormat format = QJsonDocument::Indented);

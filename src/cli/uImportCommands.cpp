@@ -36,7 +36,7 @@ public:
         QObject::connect(&run, &TImportRun::fileFailed, &run, [this, print](const QString& file, const QString& why) {
             Add(file, why);
             if (print)
-                std::fprintf(stderr, "%s: %s\n", qUtf8Printable(file), qUtf8Printable(why));
+                std::fprintf(stderr, "%s: %s\n", qUtf8Printable(Printable(file)), qUtf8Printable(Printable(why)));
         });
     }
     void Add(const QString& file, const QString& sentence)

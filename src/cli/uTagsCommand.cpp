@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "TagsLibrary.h"
+#include "uByteReader.h"
 #include "uCommand.h"
+#include "uFilePath.h"
 
 #include <QCryptographicHash>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonObject>
+
+#include <filesystem>
 
 namespace Kestrune {
 
@@ -81,41 +84,91 @@ public:
     void Run(const QCommandLineParser& parser) override
     {
         const QStringList files = Arguments(parser, 1);
-        QJsonArray array;
-        bool missing = false;
-        for (const QString& file : files) {
+        const bool isJson = parser.isSet(u"json"_s);
+        int failures = 0;
+        for (qsizetype i = 0; i < files.size(); ++i) {
+            const QString reason = ReasonAgainst(files[i]);
+            if (!reason.isEmpty()) {
+                PrintError(u"%1: %2"_s.arg(files[i], reason));
+                ++failures;
+            }
             // Read as the folder import reads.
             TTags tags;
             tags.ParseWavPackAudioAttributes = true;
             tags.ParseMusePackAudioAttributes = true;
             tags.ParseMonkeyAudioAttributes = true;
-            const int result = tags.LoadFromFile(file);
-            missing = missing || result != 0;
-            if (parser.isSet(u"json"_s))
-                array.append(QJsonObject{{u"file"_s, file},
-                                         {u"result"_s, result},
-                                         {u"loaded"_s, tags.Loaded()},
-                                         {u"tags"_s, TagsToJson(tags)},
-                                         {u"covers"_s, CoversToJson(tags)},
-                                         {u"audio"_s, AudioToJson(tags.SourceAudioAttributes())}});
-            else
-                PrintText(file, tags);
+            const int result = tags.LoadFromFile(files[i]);
+            if (isJson)
+                PrintLine((i == 0 ? u"["_s : u""_s) + FileToJson(files[i], result, tags) +
+                          (i + 1 < files.size() ? u","_s : u"]"_s));
+            else if (reason.isEmpty())
+                PrintText(files[i], tags);
+            FlushOutput(); // each file as it goes: there may be a whole library of them
         }
-        if (parser.isSet(u"json"_s))
-            PrintJson(QJsonDocument(array));
-        else if (missing)
-            throw ECommandError(u"not every file was there"_s);
+        if (failures > 0)
+            throw EToldError();
     }
 
 private:
+    static QString ReasonAgainst(const QString& file)
+    {
+        if (TFileSource::Open(TextToPath(file)))
+            return {};
+        std::error_code error;
+        return std::filesystem::exists(TextToPath(file), error) ? u"cannot be read"_s : u"there is no such file"_s;
+    }
+
+    static QString FileToJson(const QString& file, int result, const TTags& tags)
+    {
+        const QJsonObject object{{u"file"_s, file},
+                                 {u"result"_s, result},
+                                 {u"loaded"_s, tags.Loaded()},
+                                 {u"tags"_s, TagsToJson(tags)},
+                                 {u"covers"_s, CoversToJson(tags)},
+                                 {u"audio"_s, AudioToJson(tags.SourceAudioAttributes())}};
+        QString text = QString::fromUtf8(QJsonDocument(object).toJson()).trimmed();
+        // The control characters above the letters may stand in JSON as they are, but not on a terminal.
+        for (char16_t c = 0x7F; c < 0xA0; ++c)
+            text.replace(QChar(c), u"\\u%1"_s.arg(static_cast<uint>(c), 4, 16, QChar(u'0')));
+        return text;
+    }
+
+    // What tells tags of one name apart, in brackets.
+    static QString TagLabel(const TTag& tag)
+    {
+        QStringList parts{tag.Language, tag.Description == tag.Name ? QString() : tag.Description,
+                          ExtName(tag.ExtTagType)};
+        parts.removeAll(QString());
+        return parts.isEmpty() ? tag.Name : u"%1 [%2]"_s.arg(tag.Name, parts.join(u", "_s));
+    }
+
+    static QString CoverText(const TCoverArt& cover)
+    {
+        const QString type = CoverTypeText(cover.CoverType);
+        const QString text =
+            u"%1, %2, %3 bytes"_s
+                .arg(type.isEmpty() ? u"type %1"_s.arg(cover.CoverType) : type, FormatName(cover.PictureFormat))
+                .arg(cover.Stream.size());
+        return cover.Description.isEmpty() ? text : text + u", "_s + cover.Description;
+    }
+
+    // A value of several lines goes on below itself.
+    static void PrintValue(const QString& label, const QString& value)
+    {
+        QString start = u"  "_s + Printable(label);
+        for (const QString& line : value.split(u'\n')) {
+            PrintLine(start + u'\t' + Printable(line));
+            start = u"  "_s;
+        }
+    }
+
     static void PrintText(const QString& file, const TTags& tags)
     {
-        PrintLine(file);
+        PrintLine(Printable(file));
         for (const auto& tag : tags.Tags())
-            PrintLine(u"  %1\t%2"_s.arg(tag->Name, tag->Value));
+            PrintValue(TagLabel(*tag), tag->Value);
         for (const auto& cover : tags.CoverArts())
-            PrintLine(
-                u"  %1\t%2, %3 bytes"_s.arg(cover->Name, FormatName(cover->PictureFormat)).arg(cover->Stream.size()));
+            PrintLine(u"  "_s + Printable(cover->Name) + u'\t' + Printable(CoverText(*cover)));
         const TSourceAudioAttributes& audio = tags.SourceAudioAttributes();
         PrintLine(u"  %1 s, %2 Hz, %3 channels, %4 bit/s"_s.arg(audio.PlayTime(), 0, 'f', 3)
                       .arg(audio.SamplesPerSec())

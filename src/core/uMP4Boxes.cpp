@@ -5,13 +5,22 @@
 
 namespace Kestrune {
 
+QByteArrayView TMP4Walker::Header()
+{
+    constexpr qint64 most = 16;
+    if (FPosition < FBufferStart || FPosition + most > FBufferStart + FBufferSize) {
+        FBufferStart = FPosition;
+        FBufferSize = std::max<qint64>(FSource.ReadAt(FPosition, FBuffer.data(), std::ssize(FBuffer)), 0);
+    }
+    const qint64 at = FPosition - FBufferStart;
+    return {FBuffer.data() + at, std::min(most, FBufferSize - at)};
+}
+
 bool TMP4Walker::Next(TMP4Box& box)
 {
     if (FPosition < 0 || FPosition > FEnd - 8 || FBudget-- <= 0)
         return false;
-    char bytes[16];
-    const qint64 count = FSource.ReadAt(FPosition, bytes, 16);
-    TByteReader reader(QByteArrayView(bytes, std::max<qint64>(count, 0)));
+    TByteReader reader(Header());
     quint64 size = reader.U32BE();
     box.Name = TFourCC(reader.Bytes(4));
     qint64 header = 8;

@@ -4,6 +4,7 @@
 #include "uByteReader.h"
 #include "uFourCC.h"
 
+#include <array>
 #include <optional>
 
 namespace Kestrune {
@@ -23,10 +24,16 @@ public:
     bool Next(TMP4Box& box);
 
 private:
+    QByteArrayView Header();
+
     TByteSource& FSource;
     qint64 FPosition;
     qint64 FEnd;
     int FBudget = 20000;
+    // What was read ahead: small atoms that follow each other cost one read for many.
+    std::array<char, 512> FBuffer;
+    qint64 FBufferStart = 0;
+    qint64 FBufferSize = 0;
 };
 
 /// The first atom of that name between two positions.

@@ -87,7 +87,7 @@ public:
     quint64 GetPlayCount() const;
     /// A POPM frame; nothing when it holds no rating.
     std::optional<TID3v2Popularimeter> GetPopularimeter() const;
-    /// An APIC frame. Nothing when its fields are cut off; a picture of no bytes is one.
+    /// An APIC frame. Nothing when its fields are cut off or no bytes of the picture are there.
     std::optional<TTagPicture> GetUnicodeCoverPictureStream() const;
     /// Pairs of role and person of a TIPL or TMCL frame.
     TID3v2Pairs GetUnicodeListFrame() const;

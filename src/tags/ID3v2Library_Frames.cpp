@@ -11,8 +11,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// All frames of a tag together may inflate to this much: a small file must not fill the memory.
-constexpr qint64 InflateBudget = 64 * 1024 * 1024;
+// All frames of a tag together may inflate to this much: a small file must neither fill the memory nor keep us busy.
+constexpr qint64 InflateBudget = 12 * 1024 * 1024;
 
 bool IsIDCharacter(char c) { return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); }
 
@@ -169,7 +169,7 @@ void TID3v2Frames::Load(QByteArray body, int majorVersion, bool tagUnsynchronise
     FTagUnsynchronised = tagUnsynchronised;
     FItems.reserve(24);
     TByteReader reader(FBody);
-    while (LoadFrame(reader)) {
+    while (FItems.size() + FFaults.size() < MostFields && LoadFrame(reader)) {
     }
     FPaddingSize = reader.Left();
 }

@@ -193,7 +193,7 @@ std::optional<TTagPicture> TID3v2Frame::GetUnicodeCoverPictureStream() const
     picture.CoverType = static_cast<quint8>(content[0]);
     content = content.sliced(1);
     const auto description = TakeTerminated(content, *encoding);
-    if (!description)
+    if (!description || content.isEmpty())
         return std::nullopt;
     picture.Description = DecodeText(*description, *encoding);
     picture.Data = content.toByteArray();

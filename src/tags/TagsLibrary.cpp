@@ -19,16 +19,48 @@
 #include "uWMATag.h"
 
 #include <algorithm>
+#include <deque>
 #include <filesystem>
+#include <optional>
+#include <unordered_set>
 
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-bool EqualsNoCase(const QString& a, QStringView b)
-{
-    return a.size() == b.size() && QStringView(a).compare(b, Qt::CaseInsensitive) == 0;
-}
+namespace {
+
+// Where the totals stand: a new one takes the place of the first of its name, of which a tag may state thousands.
+class TTotalPlaces {
+public:
+    void Note(QStringView name, size_t place)
+    {
+        if (auto* places = PlacesOf(name))
+            places->push_back(place);
+    }
+    std::optional<size_t> TakeFirst(QStringView name)
+    {
+        auto* places = PlacesOf(name);
+        if (!places || places->empty())
+            return std::nullopt;
+        const size_t first = places->front();
+        places->pop_front();
+        return first;
+    }
+
+private:
+    std::deque<size_t>* PlacesOf(QStringView name)
+    {
+        if (EqualsNoCase(name, u"TOTALTRACKS"))
+            return &FTracks;
+        return EqualsNoCase(name, u"TOTALDISCS") ? &FDiscs : nullptr;
+    }
+
+    std::deque<size_t> FTracks;
+    std::deque<size_t> FDiscs;
+};
+
+} // namespace
 
 QString CoverTypeText(int coverType)
 {
@@ -215,20 +247,46 @@ void TTags::Apply(TTagBatch& batch)
     }
     if (OnlyParseCoverArts)
         return;
-    if (!FTags.empty()) {
-        for (const QString& name : batch.Dropped)
-            DeleteAllNamed(name);
-        for (const TTagBatch::TItem& item : batch.Items)
-            if (!item.IsTotal)
-                DeleteAllNamed(item.Tag->Name);
+    MakeWayFor(batch);
+    Append(batch);
+}
+
+// Two tags may hold tens of thousands of names each: they are looked up, never compared each with each.
+void TTags::MakeWayFor(const TTagBatch& batch)
+{
+    constexpr size_t few = 1000; // comparisons; a table costs more than these
+    if (FTags.size() * (batch.Items.size() + static_cast<size_t>(batch.Dropped.size())) <= few) {
+        std::erase_if(FTags, [&](const auto& tag) { return batch.Supplies(tag->Name); });
+        return;
     }
+    std::unordered_set<QStringView, TNoCaseHash, TNoCaseEqual> names;
+    names.reserve(batch.Items.size());
+    for (const QString& name : batch.Dropped)
+        names.insert(name);
+    for (const TTagBatch::TItem& item : batch.Items)
+        if (!item.IsTotal)
+            names.insert(item.Tag->Name);
+    std::erase_if(FTags, [&](const auto& tag) { return names.contains(tag->Name); });
+}
+
+void TTags::Append(TTagBatch& batch)
+{
+    const bool hasTotals = std::ranges::any_of(batch.Items, &TTagBatch::TItem::IsTotal);
+    TTotalPlaces totals;
+    for (size_t i = 0; hasTotals && i < FTags.size(); ++i)
+        totals.Note(FTags[i]->Name, i);
     FTags.reserve(FTags.size() + batch.Items.size());
     for (TTagBatch::TItem& item : batch.Items) {
         if (item.IsTotal)
-            Delete(Exists(item.Tag->Name));
+            if (const auto place = totals.TakeFirst(item.Tag->Name))
+                FTags[*place].reset();
+        if (hasTotals)
+            totals.Note(item.Tag->Name, FTags.size());
         item.Tag->Parent = this;
         FTags.push_back(std::move(item.Tag));
     }
+    if (hasTotals)
+        std::erase(FTags, nullptr);
 }
 
 void TTags::AddPicture(const TTagPicture& picture)
@@ -271,11 +329,6 @@ bool TTags::Delete(int index)
         return false;
     FTags.erase(FTags.begin() + index);
     return true;
-}
-
-void TTags::DeleteAllNamed(const QString& name)
-{
-    std::erase_if(FTags, [&](const auto& tag) { return EqualsNoCase(tag->Name, name); });
 }
 
 void TTags::DeleteAllTags() { FTags.clear(); }

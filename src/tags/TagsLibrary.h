@@ -189,7 +189,8 @@ private:
     void LoadEntry(TTagType type);
     void Apply(TTagBatch& batch);
     void AddPicture(const TTagPicture& picture);
-    void DeleteAllNamed(const QString& name);
+    void MakeWayFor(const TTagBatch& batch);
+    void Append(TTagBatch& batch);
 
     std::unique_ptr<TAPEv2Tag> FAPEv2Tag;
     std::unique_ptr<TFlacTag> FFlacTag;

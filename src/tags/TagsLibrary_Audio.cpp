@@ -77,7 +77,7 @@ double TSourceAudioAttributes::PlayTime() const
     if (type != sftMPEG || time == 0)
         if (const double media = FParent.WMATag().Audio.PlayTime; media != 0)
             return media;
-    return type == sftAIFF ? std::round(time) : time;
+    return type == sftAIFF ? std::nearbyint(time) : time; // whole seconds, a half to the even one
 }
 
 } // namespace Kestrune

@@ -5,6 +5,7 @@
 #include "uFlacTag.h"
 #include "uID3Genres.h"
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace Kestrune {
@@ -76,11 +77,10 @@ const std::unordered_map<std::string_view, QString>& ID3v2Map()
 // All values of the frame, each with its references resolved; what two of them say alike stands once.
 QString GenreOfFrame(const TID3v2Frame& frame)
 {
-    QStringList genres;
+    TDistinctTexts genres;
     for (const QString& value : frame.GetUnicodeTextMultiple())
-        if (QString genre = ResolveID3Genre(value); !genre.isEmpty() && !genres.contains(genre))
-            genres.append(std::move(genre));
-    return genres.join(u' ');
+        genres.Add(ResolveID3Genre(value));
+    return genres.Join();
 }
 
 void AddContent(TTagBatch& batch, const TID3v2Frame& frame, const QString& name)
@@ -140,7 +140,7 @@ void AddUnmappedFrame(TTagBatch& batch, const TID3v2Frame& frame)
     } else if (frame.ID == TFrameID("POPM")) {
         if (const auto popularimeter = frame.GetPopularimeter())
             batch.Add(u"RATING"_s, QString::number(popularimeter->Rating));
-    } else if (frame.ID == TFrameID("APIC")) {
+    } else if (frame.ID == TFrameID("APIC") && batch.Pictures.size() < MostPictures) {
         if (auto picture = frame.GetUnicodeCoverPictureStream())
             batch.Pictures.push_back(std::move(*picture));
     }
@@ -148,9 +148,16 @@ void AddUnmappedFrame(TTagBatch& batch, const TID3v2Frame& frame)
 
 } // namespace
 
+bool TTagBatch::Supplies(QStringView name) const
+{
+    return std::ranges::any_of(
+               Items, [&](const TItem& item) { return !item.IsTotal && EqualsNoCase(item.Tag->Name, name); }) ||
+           std::ranges::any_of(Dropped, [&](const QString& dropped) { return EqualsNoCase(dropped, name); });
+}
+
 TTag* TTagBatch::Add(const QString& name, const QString& value)
 {
-    if (value.isEmpty())
+    if (value.isEmpty() || Items.size() >= MostFields)
         return nullptr;
     auto tag = std::make_unique<TTag>();
     tag->Name = name;
@@ -174,7 +181,16 @@ void TTagBatch::AddNumberOfTotal(const QString& value, const QString& numberName
 void TTagBatch::AddFields(const std::vector<TTagField>& fields)
 {
     Items.reserve(Items.size() + fields.size());
+    TTag* lists[2] = {nullptr, nullptr}; // of people: all texts of one are the lines of one tag
     for (const TTagField& field : fields) {
+        const int list = EqualsNoCase(field.Name, u"TIPL") ? 0 : EqualsNoCase(field.Name, u"TMCL") ? 1 : -1;
+        if (list >= 0) {
+            if (lists[list] && !field.Value.isEmpty())
+                lists[list]->Value += u'\n' + field.Value;
+            else if (!lists[list])
+                lists[list] = Add(field.Name, field.Value);
+            continue;
+        }
         const bool isTrack = EqualsNoCase(field.Name, u"TRACKNUMBER") || EqualsNoCase(field.Name, u"TRACK");
         if (isTrack && field.Value.contains(u'/')) {
             Drop(field.Name);

@@ -199,7 +199,7 @@ void AddAtom(TTagBatch& batch, const TMP4Atom& atom)
         batch.Add(mapped->second, isList ? atom.GetAsList() : atom.GetAsText());
     } else if (atom.Name == TFourCC("covr")) {
         for (const TMP4Data& data : atom.Data) {
-            if (data.Bytes.isEmpty())
+            if (data.Bytes.isEmpty() || batch.Pictures.size() >= MostPictures)
                 continue;
             TTagPicture& picture = batch.Pictures.emplace_back();
             picture.Data = data.Bytes;
@@ -224,7 +224,11 @@ void AddDerived(TTagBatch& batch, const QString& name, const QString& value, con
     batch.Add(name, value);
 }
 
-void AddWMAAttribute(TTagBatch& batch, const TTagField& field, bool hasTrackNumber)
+using TStatements = TSeen<std::pair<QString, QString>>;
+
+// `stated` are the names and values so far: writers state an attribute once in the old object and again in the newer
+// ones.
+void AddWMAAttribute(TTagBatch& batch, TStatements& stated, const TTagField& field, bool hasTrackNumber)
 {
     static const QStringList skipped = {u"WMFSDKVersion"_s, u"WMFSDKNeeded"_s, u"IsVBR"_s, u"ASFLeakyBucketPairs"_s};
     if (skipped.contains(field.Name))
@@ -237,11 +241,7 @@ void AddWMAAttribute(TTagBatch& batch, const TTagField& field, bool hasTrackNumb
     const auto& map = WMAMap();
     const auto mapped = map.find(field.Name);
     const QString name = mapped == map.end() ? field.Name : mapped->second;
-    // Writers state an attribute once in the old object and again in the newer ones.
-    const bool again = std::ranges::any_of(batch.Items, [&](const TTagBatch::TItem& item) {
-        return item.Tag->Name == name && item.Tag->Value == field.Value;
-    });
-    if (again)
+    if (!stated.Add({name, field.Value}))
         return;
     if (name == u"TRACKNUMBER"_s)
         batch.AddNumberOfTotal(field.Value, name, u"TOTALTRACKS"_s);
@@ -317,8 +317,9 @@ TTagBatch BatchOf(const TWMATag& tag)
     TTagBatch batch;
     const bool hasTrackNumber =
         std::ranges::find(tag.Attributes, u"WM/TrackNumber"_s, &TTagField::Name) != tag.Attributes.end();
+    TStatements stated;
     for (const TTagField& field : tag.Attributes)
-        AddWMAAttribute(batch, field, hasTrackNumber);
+        AddWMAAttribute(batch, stated, field, hasTrackNumber);
     batch.Pictures = tag.Pictures;
     return batch;
 }

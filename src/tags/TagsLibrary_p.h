@@ -2,6 +2,7 @@
 #pragma once
 
 #include "TagsLibrary.h"
+#include "uTagNames.h"
 
 #include <QStringList>
 
@@ -20,12 +21,16 @@ struct TTagBatch {
     QStringList Dropped; ///< names that go without being supplied
     std::vector<TTagPicture> Pictures;
 
-    /// Stages a tag; all tags of its name in the lists make way for it. Null for an empty value.
+    /// Whether tags of that name make way.
+    bool Supplies(QStringView name) const;
+    /// Stages a tag; all tags of its name in the lists make way for it. Null for an empty value, and
+    /// when there are MostFields.
     TTag* Add(const QString& name, const QString& value);
     void Drop(const QString& name) { Dropped.append(name); }
     /// "3/12" becomes the number under one name and the total under another; without "/" only the number is there.
     void AddNumberOfTotal(const QString& value, const QString& numberName, const QString& totalName);
-    /// Fields of a format that names them itself: kept under their names, "TRACKNUMBER" and "TRACK" are split.
+    /// Fields of a format that names them itself: kept under their names, "TRACKNUMBER" and "TRACK" are split,
+    /// and the texts of "TIPL" and of "TMCL" become lines of one.
     void AddFields(const std::vector<TTagField>& fields);
 };
 
@@ -38,7 +43,5 @@ TTagBatch BatchOf(const TOpusTag& tag);
 TTagBatch BatchOf(const TMP4Tag& tag);
 TTagBatch BatchOf(const TWAVTag& tag);
 TTagBatch BatchOf(const TWMATag& tag);
-
-bool EqualsNoCase(const QString& a, QStringView b);
 
 } // namespace Kestrune

@@ -108,7 +108,7 @@ int TAPEv2Tag::LoadEndingAt(TByteSource& source, qint64 end)
 void TAPEv2Tag::ReadItems(QByteArrayView bytes, quint32 count)
 {
     TByteReader reader(bytes);
-    for (quint32 i = 0; i < count && reader.Left() > 8; ++i) {
+    for (quint32 i = 0; i < count && reader.Left() > 8 && Fields.size() < MostFields; ++i) {
         const quint32 size = reader.U32LE();
         const quint32 flags = reader.U32LE();
         QByteArrayView rest = bytes.sliced(reader.Position());
@@ -129,7 +129,8 @@ void TAPEv2Tag::AddItem(QByteArrayView key, QByteArrayView value, quint32 flags)
             Fields.push_back({name, std::move(text)});
         return;
     }
-    if (kind != 1 || !ParseCoverArts || !name.startsWith(u"Cover Art ("_s, Qt::CaseInsensitive))
+    if (kind != 1 || !ParseCoverArts || Pictures.size() >= MostPictures ||
+        !name.startsWith(u"Cover Art ("_s, Qt::CaseInsensitive))
         return;
     TTagPicture picture;
     picture.Name = name;

@@ -18,6 +18,13 @@ QByteArray ChunkBytes(TByteSource& source, const TChunk& chunk, qint64 most)
     return source.Read(chunk.Offset, std::min(chunk.Size, most));
 }
 
+// Where a container holds a part twice, the first one counts: writers that do not find it append another.
+void TakeFirst(TTagPlace& place, const TChunk& chunk)
+{
+    if (place.Size == 0)
+        place = {chunk.Offset, chunk.Size};
+}
+
 void ReadFmt(QByteArrayView bytes, TWAVInfo& info, quint32& bytesPerSec)
 {
     TByteReader reader(bytes);
@@ -174,7 +181,7 @@ bool ReadWAVInfo(TByteSource& source, qint64 position, TWAVInfo& info)
     bool found = false;
     TChunkWalker walker(source, position + 12, source.Size(), cfLittle32);
     for (TChunk chunk; walker.Next(chunk);) {
-        if (chunk.ID == TFourCC("fmt ")) {
+        if (chunk.ID == TFourCC("fmt ") && !found) {
             ReadFmt(ChunkBytes(source, chunk, 40), info, bytesPerSec);
             found = true;
         } else if (chunk.ID == TFourCC("ds64")) {
@@ -191,11 +198,11 @@ bool ReadWAVInfo(TByteSource& source, qint64 position, TWAVInfo& info)
             if (chunk.Claimed == 0xFFFFFFFF && size64 > 0)
                 walker.SkipTo(chunk.Offset + info.DataSize + info.DataSize % 2);
         } else if (chunk.ID == TFourCC("id3 ") || chunk.ID == TFourCC("ID3 ")) {
-            info.ID3 = {chunk.Offset, chunk.Size};
+            TakeFirst(info.ID3, chunk);
         } else if (chunk.ID == TFourCC("bext")) {
-            info.Bext = {chunk.Offset, chunk.Size};
+            TakeFirst(info.Bext, chunk);
         } else if (chunk.ID == TFourCC("cart")) {
-            info.Cart = {chunk.Offset, chunk.Size};
+            TakeFirst(info.Cart, chunk);
         } else if (chunk.ID == TFourCC("LIST") && chunk.Size > 4 && source.Read(chunk.Offset, 4) == "INFO") {
             info.InfoLists.push_back({chunk.Offset, chunk.Size});
         }
@@ -212,13 +219,13 @@ bool ReadAIFFInfo(TByteSource& source, qint64 position, TAIFFInfo& info)
     qint64 soundSize = 0;
     TChunkWalker walker(source, position + 12, source.Size(), cfBig32);
     for (TChunk chunk; walker.Next(chunk);) {
-        if (chunk.ID == TFourCC("COMM")) {
+        if (chunk.ID == TFourCC("COMM") && !found) {
             ReadComm(ChunkBytes(source, chunk, 22), compressed, info);
             found = true;
         } else if (chunk.ID == TFourCC("SSND")) {
             soundSize = std::max<qint64>(chunk.Size - 8, 0);
         } else if (chunk.ID == TFourCC("ID3 ") || chunk.ID == TFourCC("id3 ")) {
-            info.ID3 = {chunk.Offset, chunk.Size};
+            TakeFirst(info.ID3, chunk);
         }
     }
     const TAudioAttributes& audio = info.Audio;
@@ -270,7 +277,7 @@ bool ReadDFFInfo(TByteSource& source, qint64 position, TDFFInfo& info)
     double dstSeconds = 0;
     TChunkWalker walker(source, position + 16, source.Size(), cfBig64);
     for (TChunk chunk; walker.Next(chunk);) {
-        if (chunk.ID == TFourCC("PROP")) {
+        if (chunk.ID == TFourCC("PROP") && !found) {
             ReadDFFProperties(source, chunk, info);
             found = true;
         } else if (chunk.ID == TFourCC("DSD ")) {
@@ -279,7 +286,7 @@ bool ReadDFFInfo(TByteSource& source, qint64 position, TDFFInfo& info)
             dstSize = chunk.Size;
             dstSeconds = DSTSeconds(source, chunk);
         } else if (chunk.ID == TFourCC("ID3 ")) {
-            info.ID3 = {chunk.Offset, chunk.Size};
+            TakeFirst(info.ID3, chunk);
         }
     }
     DeriveDFFTimes(info, dsdSize, dstSize, dstSeconds);

@@ -79,8 +79,9 @@ int TFlacTag::Load(TByteSource& source)
 void TFlacTag::LoadBlock(int type, TByteSource& source, qint64 offset, qint64 size)
 {
     if (type == BlockStreamInfo) {
+        // The first one counts: behind a block of a wrong size, a picture's bytes look like another.
         TFlacStreamInfo info;
-        if (info.Parse(source.Read(offset, std::min<qint64>(size, 34))))
+        if (Audio.SamplesPerSec == 0 && info.Parse(source.Read(offset, std::min<qint64>(size, 34))))
             Audio = info.Audio;
     } else if (type == BlockVorbisComment) {
         Comments.Parse(source.Read(offset, size), ParseCoverArts);

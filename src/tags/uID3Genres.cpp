@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uID3Genres.h"
 
+#include "uTagTypes.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -220,6 +222,12 @@ QString NameOfNumber(QStringView digits)
 
 } // namespace
 
+void TDistinctTexts::Add(const QString& text)
+{
+    if (!text.isEmpty() && static_cast<size_t>(FTexts.size()) < MostFields && FSeen.Add(text))
+        FTexts.append(text);
+}
+
 int ID3GenreCount() { return static_cast<int>(std::size(GenreNames)); }
 
 QString ID3GenreName(int number)
@@ -231,11 +239,7 @@ QString ResolveID3Genre(QStringView text)
 {
     if (IsNumber(text))
         return NameOfNumber(text);
-    QStringList results;
-    const auto add = [&](const QString& result) {
-        if (!result.isEmpty() && !results.contains(result))
-            results.append(result);
-    };
+    TDistinctTexts results;
     while (text.startsWith(u'(')) {
         if (text.startsWith(u"((")) {
             text = text.sliced(1);
@@ -246,11 +250,11 @@ QString ResolveID3Genre(QStringView text)
         if (end < 0 || (!inner.isEmpty() && !IsNumber(inner)))
             break;
         if (!inner.isEmpty())
-            add(NameOfNumber(inner));
+            results.Add(NameOfNumber(inner));
         text = text.sliced(end + 1);
     }
-    add(text.toString());
-    return results.join(u' ');
+    results.Add(text.toString());
+    return results.Join();
 }
 
 } // namespace Kestrune

@@ -6,8 +6,6 @@
 #include "uMP4Tag_p.h"
 #include "uTagText.h"
 
-#include <QUuid>
-
 #include <algorithm>
 
 namespace Kestrune {
@@ -16,6 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int MostItemLists = 64; // there should be one
 constexpr quint32 MP4TypeUtf8 = 1;
 constexpr quint32 MP4TypeUtf16 = 2;
 constexpr quint32 MP4TypePicture[] = {12, 13, 14, 27}; // GIF, JPEG, PNG, BMP
@@ -56,19 +55,14 @@ QString XtraText(quint16 type, QByteArrayView bytes)
     switch (type) {
     case 8: return DecodeText(bytes, teUTF16);
     case 19: return bytes.size() >= 8 ? QString::number(TByteReader(bytes).U64LE()) : QString();
-    case 72: {
-        TByteReader reader(bytes);
-        const quint32 first = reader.U32LE();
-        const quint16 second = reader.U16LE();
-        const quint16 third = reader.U16LE();
-        const QByteArrayView rest = reader.Bytes(8);
-        if (reader.Failed())
-            return {};
-        const auto at = [&](int i) { return static_cast<uchar>(rest[i]); };
-        return QUuid(first, second, third, at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7)).toString();
-    }
+    case 72: return GuidText(bytes);
     default: return {};
     }
+}
+
+QString NameOfAtom(const TMP4Atom& atom)
+{
+    return QString::fromLatin1(atom.Name.Bytes.data(), std::ssize(atom.Name.Bytes)) + atom.InnerName;
 }
 
 } // namespace
@@ -161,6 +155,8 @@ void TMP4Tag::ReadUserData(TByteSource& source, qint64 start, qint64 end)
 void TMP4Tag::ReadMeta(TByteSource& source, qint64 start, qint64 end)
 {
     // Four bytes of version and flags come first, but not in QuickTime's own files.
+    if (++FItemLists > MostItemLists)
+        return;
     const bool bare = source.Read(start + 4, 4) == "hdlr";
     if (const auto list = FindMP4Box(source, start + (bare ? 0 : 4), end, "ilst"))
         ReadItems(source, list->Offset, list->End);
@@ -168,8 +164,9 @@ void TMP4Tag::ReadMeta(TByteSource& source, qint64 start, qint64 end)
 
 void TMP4Tag::ReadItems(TByteSource& source, qint64 start, qint64 end)
 {
+    FEarlierItems.Begin(Atoms, NameOfAtom);
     TMP4Walker walker(source, start, end);
-    for (TMP4Box box; walker.Next(box);)
+    for (TMP4Box box; Atoms.size() < MostFields && walker.Next(box);)
         if (ParseCoverArts || box.Name != TFourCC("covr"))
             ReadItem(box.Name, source.Read(box.Offset, box.End - box.Offset));
     Loaded = Loaded || !Atoms.empty();
@@ -180,7 +177,7 @@ void TMP4Tag::ReadItem(TFourCC name, QByteArrayView content)
     TMP4Atom atom;
     atom.Name = name;
     TByteReader reader(content);
-    while (reader.Left() >= 8) {
+    while (reader.Left() >= 8 && atom.Data.size() < MostFields) {
         const quint32 size = reader.U32BE();
         const TFourCC inner(reader.Bytes(4));
         if (size < 8)
@@ -197,13 +194,14 @@ void TMP4Tag::ReadItem(TFourCC name, QByteArrayView content)
             atom.InnerName = DecodeUTF8(part.Rest());
         }
     }
-    if (!atom.Data.empty())
+    if (!atom.Data.empty() && !FEarlierItems.Has(NameOfAtom(atom)))
         Atoms.push_back(std::move(atom));
 }
 
 // Windows Media fields in an MP4 file: entries of size, name and values; each value has its own size and a type.
 void TMP4Tag::ReadXtra(QByteArrayView content)
 {
+    FEarlierXtra.Begin(Xtra, [](const TMP4Xtra& xtra) { return xtra.Name; });
     TByteReader reader(content);
     while (reader.Left() >= 12) {
         const quint32 size = reader.U32BE();
@@ -212,11 +210,12 @@ void TMP4Tag::ReadXtra(QByteArrayView content)
         TByteReader entry(reader.Bytes(std::min<qint64>(size - 4, reader.Left())));
         const QString name = DecodeLatin1(entry.Bytes(entry.U32BE()));
         const quint32 count = entry.U32BE();
-        for (quint32 i = 0; i < count && !entry.Failed(); ++i) {
+        for (quint32 i = 0; i < count && !entry.Failed() && Xtra.size() < MostFields; ++i) {
             const quint32 length = entry.U32BE();
             const quint16 type = entry.U16BE();
             const QByteArrayView bytes = entry.Bytes(static_cast<qint64>(length) - 6);
-            if (const QString text = XtraText(type, bytes); !entry.Failed() && !text.isEmpty())
+            if (const QString text = XtraText(type, bytes);
+                !entry.Failed() && !text.isEmpty() && !FEarlierXtra.Has(name))
                 Xtra.push_back({name, text});
         }
     }

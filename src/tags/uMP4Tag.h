@@ -3,6 +3,7 @@
 
 #include "uByteReader.h"
 #include "uChunks.h"
+#include "uTagNames.h"
 #include "uTagTypes.h"
 
 #include <QStringList>
@@ -85,10 +86,13 @@ private:
     void DeriveTimes(TByteSource& source);
     int Pair(TFourCC name, int index) const;
 
+    TEarlierNames FEarlierItems; // of a second list only new names count
+    TEarlierNames FEarlierXtra;
     double FMovieTime = 0;
     TMP4Fragments FFragments;
     qint64 FSoundSize = 0; // of all media data
     bool FHasTrack = false;
+    int FItemLists = 0;
 };
 
 } // namespace Kestrune

@@ -7,119 +7,6 @@ namespace Kestrune {
 
 namespace {
 
-// Length of a descriptor (ISO/IEC 14496-1, section 8.3.3): seven bits a byte, at most four.
-quint32 DescriptorLength(TByteReader& reader)
-{
-    quint32 length = 0;
-    for (int i = 0; i < 4; ++i) {
-        const quint8 byte = reader.U8();
-        length = length << 7 | (byte & 0x7F);
-        if ((byte & 0x80) == 0)
-            break;
-    }
-    return length;
-}
-
-// Reads numbers of some bits, the first one highest; zero past the end.
-class TBitReader {
-public:
-    explicit TBitReader(QByteArrayView bytes) : FBytes(bytes) {}
-    quint32 Take(int count)
-    {
-        quint32 value = 0;
-        for (; count > 0; --count, ++FPosition) {
-            const qsizetype byte = FPosition / 8;
-            const int bit = byte < FBytes.size() ? FBytes[byte] >> (7 - FPosition % 8) & 1 : 0;
-            value = value << 1 | static_cast<quint32>(bit);
-        }
-        return value;
-    }
-
-private:
-    QByteArrayView FBytes;
-    qsizetype FPosition = 0;
-};
-
-quint32 AacObjectType(TBitReader& bits)
-{
-    const quint32 type = bits.Take(5);
-    return type == 31 ? 32 + bits.Take(6) : type;
-}
-
-int AacSampleRate(TBitReader& bits)
-{
-    constexpr int rates[] = {96000, 88200, 64000, 48000, 44100, 32000, 24000, 22050, 16000, 12000, 11025, 8000, 7350};
-    const quint32 index = bits.Take(4);
-    if (index == 15)
-        return static_cast<int>(bits.Take(24));
-    return index < std::size(rates) ? rates[index] : 0;
-}
-
-// The configuration of an AAC stream (ISO/IEC 14496-3, section 1.6.2.1): rate and channels as they are played, where
-// the sample description often states two channels for one.
-void ReadAacConfig(QByteArrayView bytes, TAudioAttributes& audio)
-{
-    constexpr quint32 bandReplication = 5;
-    constexpr quint32 parametricStereo = 29;
-    TBitReader bits(bytes);
-    const quint32 type = AacObjectType(bits);
-    int rate = AacSampleRate(bits);
-    const int layout = static_cast<int>(bits.Take(4));
-    if (type == bandReplication || type == parametricStereo)
-        rate = AacSampleRate(bits);
-    if (type == 0 || rate <= 0)
-        return;
-    audio.SamplesPerSec = rate;
-    if (layout > 0 && layout < 8)
-        audio.Channels = type == parametricStereo ? 2 : layout == 7 ? 8 : layout;
-}
-
-// An "esds" atom (ISO/IEC 14496-1, section 7.2.6): average bit rate, and the configuration of AAC.
-void ReadElementaryStream(QByteArrayView bytes, TAudioAttributes& audio)
-{
-    TByteReader reader(bytes);
-    reader.Skip(4);
-    if (reader.U8() != 3)
-        return;
-    DescriptorLength(reader);
-    reader.Skip(2);
-    const quint8 flags = reader.U8();
-    reader.Skip((flags & 0x80) != 0 ? 2 : 0);
-    if ((flags & 0x40) != 0)
-        reader.Skip(reader.U8());
-    reader.Skip((flags & 0x20) != 0 ? 2 : 0);
-    if (reader.U8() != 4)
-        return;
-    DescriptorLength(reader);
-    const quint8 kind = reader.U8();
-    reader.Skip(1 + 3); // stream type, buffer size
-    reader.U32BE();     // highest bit rate
-    audio.BitRate = reader.U32BE();
-    if (kind != 0x40 || reader.U8() != 5)
-        return;
-    const QByteArrayView config = reader.Bytes(std::min<qint64>(DescriptorLength(reader), reader.Left()));
-    if (config.size() >= 2)
-        ReadAacConfig(config, audio);
-}
-
-void ReadAlacCookie(QByteArrayView bytes, TAudioAttributes& audio)
-{
-    TByteReader reader(bytes);
-    reader.Skip(4 + 4 + 1);
-    const quint8 bits = reader.U8();
-    reader.Skip(3);
-    const quint8 channels = reader.U8();
-    reader.Skip(2 + 4);
-    const quint32 bitRate = reader.U32BE();
-    const quint32 rate = reader.U32BE();
-    if (reader.Failed())
-        return;
-    audio.BitsPerSample = bits;
-    audio.Channels = channels;
-    audio.BitRate = CheckedInt(bitRate);
-    audio.SamplesPerSec = CheckedInt(rate);
-}
-
 // The first sample description of a sound track. QuickTime has longer forms (versions 1 and 2) of the same head.
 void ReadSampleEntry(TByteSource& source, const TMP4Box& stsd, TAudioAttributes& audio)
 {
@@ -137,19 +24,7 @@ void ReadSampleEntry(TByteSource& source, const TMP4Box& stsd, TAudioAttributes&
     reader.Skip(4);
     audio.SamplesPerSec = reader.U16BE();
     const qint64 extra = version == 1 ? 16 : version == 2 ? 36 : 0;
-    const qint64 inner = entry.Offset + 28 + extra;
-    if (entry.Name == TFourCC("alac")) {
-        if (const auto cookie = FindMP4Box(source, inner, entry.End, "alac"))
-            ReadAlacCookie(source.Read(cookie->Offset, 28), audio);
-        return;
-    }
-    auto descriptor = FindMP4Box(source, inner, entry.End, "esds");
-    if (!descriptor) {
-        if (const auto wave = FindMP4Box(source, inner, entry.End, "wave"))
-            descriptor = FindMP4Box(source, wave->Offset, wave->End, "esds");
-    }
-    if (descriptor)
-        ReadElementaryStream(source.Read(descriptor->Offset, 64), audio);
+    ReadMP4Codec(source, entry, entry.Offset + 28 + extra, audio);
 }
 
 // Bytes of all samples of a track, from its sample size table; 0 when it does not tell or is unreasonably long.

@@ -11,6 +11,10 @@ namespace Kestrune {
 /// Attributes of a track, and what its fragments need; nothing when it holds no sound.
 std::optional<TAudioAttributes> ReadMP4Track(TByteSource& source, const TMP4Box& track, TMP4Fragments& fragments);
 
+/// What the description of the codec tells inside the sample description `entry`, from `inner` on: rate, channels and
+/// bit rate as they are played, where the sample description itself may lie.
+void ReadMP4Codec(TByteSource& source, const TMP4Box& entry, qint64 inner, TAudioAttributes& audio);
+
 /// Default duration of the track's samples, from an "mvex" atom.
 quint32 ReadMP4DefaultDuration(TByteSource& source, const TMP4Box& extends, quint32 trackID);
 

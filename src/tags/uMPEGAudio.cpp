@@ -49,23 +49,27 @@ bool SameStream(const TMPEGFrame& a, const TMPEGFrame& b)
     return a.Version == b.Version && a.Layer == b.Layer && a.SampleRate == b.SampleRate;
 }
 
-quint32 HeaderAt(TByteSource& source, qint64 position)
+// A part of the file in memory: junk may hold a header at every third byte, each of which asks for its successors.
+struct TPart {
+    qint64 Start = 0;
+    QByteArray Bytes;
+};
+
+quint32 HeaderAt(const TPart& part, qint64 position)
 {
-    char bytes[4];
-    if (source.ReadAt(position, bytes, 4) != 4)
-        return 0;
-    return TByteReader(QByteArrayView(bytes, 4)).U32BE();
+    const qint64 at = position - part.Start;
+    return at + 4 <= part.Bytes.size() ? TByteReader(QByteArrayView(part.Bytes).sliced(at, 4)).U32BE() : 0;
 }
 
 // Whether `count` frames follow the one at `position`, as far as the audio goes. The first successor must be there.
-bool HasSuccessors(TByteSource& source, qint64 position, qint64 audioEnd, TMPEGFrame frame, int count)
+bool HasSuccessors(const TPart& part, qint64 position, qint64 audioEnd, TMPEGFrame frame, int count)
 {
     const TMPEGFrame first = frame;
     for (int i = 0; i < count; ++i) {
         position += frame.Size;
         if (position + 4 > audioEnd)
             return i > 0;
-        if (!ParseMPEGFrame(HeaderAt(source, position), frame) || !SameStream(first, frame))
+        if (!ParseMPEGFrame(HeaderAt(part, position), frame) || !SameStream(first, frame))
             return false;
     }
     return true;
@@ -80,10 +84,12 @@ bool IsOnlyFrame(qint64 position, qint64 start, qint64 audioEnd, const TMPEGFram
 bool FindFirstFrame(TByteSource& source, qint64 start, qint64 searchLength, qint64 audioEnd, TMPEGInfo& info)
 {
     constexpr qint64 step = 4096;
+    constexpr qint64 successors = 2 * 2881 + 4; // two of the largest frames: layer 2, 160 kbit/s at 8,000 Hz
     const qint64 last = std::min(start + searchLength, audioEnd - 4);
     for (qint64 base = start; base <= last; base += step) {
-        const QByteArray bytes = source.Read(base, step + 3);
-        const qsizetype count = std::min<qint64>(bytes.size() - 3, last - base + 1);
+        const TPart part{base, source.Read(base, step + successors)};
+        const QByteArray& bytes = part.Bytes;
+        const qsizetype count = std::min({step, bytes.size() - 3, last - base + 1});
         for (qsizetype i = 0; i < count; ++i) {
             i = bytes.indexOf('\xFF', i);
             if (i < 0 || i >= count)
@@ -93,7 +99,7 @@ bool FindFirstFrame(TByteSource& source, qint64 start, qint64 searchLength, qint
                 continue;
             const qint64 position = base + i;
             // Junk holds a header-like pair now and then, a third one in its place hardly ever.
-            if (!HasSuccessors(source, position, audioEnd, frame, position == start ? 1 : 2) &&
+            if (!HasSuccessors(part, position, audioEnd, frame, position == start ? 1 : 2) &&
                 !IsOnlyFrame(position, start, audioEnd, frame))
                 continue;
             info.Frame = frame;

@@ -4,6 +4,7 @@
 #include "ID3v2Library.h"
 #include "uFilePath.h"
 #include "uFlacTag.h"
+#include "uOggPages.h"
 
 #include <algorithm>
 #include <optional>
@@ -12,100 +13,7 @@ namespace Kestrune {
 
 namespace {
 
-constexpr qint64 PageHeaderSize = 27;
-constexpr qint64 LargestPage = 27 + 255 + 255 * 255;
-constexpr int MostHeaderPages = 65536; // some 4 GiB of header; a file of empty pages must not keep us busy
-
-struct TOggPage {
-    qint64 Offset = 0; ///< of the page
-    qint64 Body = 0;   ///< offset of the content
-    qint64 End = 0;
-    bool Continued = false;
-    bool First = false;
-    qint64 Granule = -1;
-    quint32 Serial = 0;
-    QByteArray Lacing;
-};
-
-std::optional<TOggPage> ReadPage(TByteSource& source, qint64 offset)
-{
-    char bytes[PageHeaderSize + 255];
-    const qint64 count = source.ReadAt(offset, bytes, sizeof bytes);
-    TByteReader reader(QByteArrayView(bytes, std::max<qint64>(count, 0)));
-    if (reader.Bytes(4) != "OggS" || reader.U8() != 0)
-        return std::nullopt;
-    TOggPage page;
-    const quint8 flags = reader.U8();
-    page.Continued = (flags & 1) != 0;
-    page.First = (flags & 2) != 0;
-    page.Granule = static_cast<qint64>(reader.U64LE());
-    page.Serial = reader.U32LE();
-    reader.Skip(8); // sequence number and checksum
-    page.Lacing = reader.Bytes(reader.U8()).toByteArray();
-    if (reader.Failed())
-        return std::nullopt;
-    page.Offset = offset;
-    page.Body = offset + reader.Position();
-    page.End = page.Body;
-    for (const char size : page.Lacing)
-        page.End += static_cast<quint8>(size);
-    return page;
-}
-
-// Puts the packets of one stream together from its pages.
-class TPacketReader {
-public:
-    TPacketReader(TByteSource& source, qint64 start, quint32 serial) : FSource(source), FNext(start), FSerial(serial) {}
-
-    std::optional<QByteArray> Next()
-    {
-        QByteArray packet;
-        for (;;) {
-            if (FLace >= FPage.Lacing.size() && !NextPage())
-                return packet.isEmpty() ? std::nullopt : std::optional(packet);
-            qint64 length = 0;
-            bool complete = false;
-            while (FLace < FPage.Lacing.size() && !complete) {
-                const auto size = static_cast<quint8>(FPage.Lacing[FLace++]);
-                length += size;
-                complete = size < 255;
-            }
-            packet += FSource.Read(FPosition, length);
-            FPosition += length;
-            if (complete)
-                return packet;
-        }
-    }
-
-    /// Where the pages read so far end.
-    qint64 Position() const { return FNext; }
-
-private:
-    bool NextPage()
-    {
-        while (FBudget-- > 0) {
-            auto page = ReadPage(FSource, FNext);
-            if (!page)
-                return false;
-            FNext = page->End;
-            if (page->Serial != FSerial)
-                continue;
-            FPage = std::move(*page);
-            FPosition = FPage.Body;
-            FLace = 0;
-            return true;
-        }
-        return false;
-    }
-
-    TByteSource& FSource;
-    qint64 FNext;
-    quint32 FSerial;
-    TOggPage FPage;
-    qsizetype FLace = 0;
-    qint64 FPosition = 0;
-    int FBudget = MostHeaderPages;
-};
+constexpr int MostHeaderPackets = 1024; // a file of empty packets must not keep us busy
 
 TOggFormat FormatOfPacket(QByteArrayView packet)
 {
@@ -121,27 +29,6 @@ TOggFormat FormatOfPacket(QByteArrayView packet)
         if (packet.startsWith(magic))
             return format;
     return ofUnknown;
-}
-
-// Granule position of the last page of a stream that completes a packet; 0 when there is none near the end.
-qint64 LastGranule(TByteSource& source, quint32 serial)
-{
-    constexpr qint64 farthest = 1 << 20; // other streams' pages may stand last
-    qint64 end = source.Size();
-    const qint64 limit = std::max<qint64>(0, end - farthest);
-    while (end > limit) {
-        // The last page is mostly in the tail that is in memory anyway; a page reaches back 64 KiB at most.
-        const qint64 step = end == source.Size() ? TFileSource::TailSize : LargestPage;
-        const qint64 start = std::max(limit, end - step);
-        const QByteArray bytes = source.Read(start, end - start + 3);
-        for (qsizetype at = bytes.lastIndexOf("OggS"); at >= 0; at = at > 0 ? bytes.lastIndexOf("OggS", at - 1) : -1) {
-            const auto page = ReadPage(source, start + at);
-            if (page && page->Serial == serial && page->Granule > 0)
-                return page->Granule;
-        }
-        end = start;
-    }
-    return 0;
 }
 
 } // namespace
@@ -168,7 +55,7 @@ int TOpusTag::Load(TByteSource& source)
     qint64 position = start;
     std::optional<TOggPage> chosen;
     for (int i = 0; i < 64; ++i) {
-        const auto page = ReadPage(source, position);
+        const auto page = ReadOggPage(source, position);
         if (!page || !page->First)
             break;
         const TOggFormat format = FormatOfPacket(source.Read(page->Body, 8));
@@ -183,14 +70,27 @@ int TOpusTag::Load(TByteSource& source)
     if (!chosen)
         return TagResultNoTag;
     FSerial = chosen->Serial;
-    TPacketReader packets(source, chosen->Offset, FSerial);
+    TOggPacketReader packets(source, chosen->Offset, FSerial);
     const auto first = packets.Next();
     if (!first || !ReadIdentification(*first))
         return TagResultCorrupt;
-    for (auto packet = packets.Next(); packet && ReadHeader(*packet); packet = packets.Next()) {
+    int most = MostHeaderPackets;
+    for (auto packet = packets.Next(); packet && ReadHeader(*packet) && --most > 0; packet = packets.Next()) {
     }
+    FStart = StartOfSound(source, packets, *first);
     ReadTimes(source, packets.Position());
     return Loaded ? TagResultOk : TagResultNoTag;
+}
+
+TOggStart TOpusTag::StartOfSound(TByteSource& source, TOggPacketReader& packets, QByteArrayView identification) const
+{
+    constexpr qint64 largestSetup = 1024 * 1024;
+    if (Format == ofOpus)
+        return OpusStart(source, packets.Position(), FSerial);
+    if (Format != ofVorbis)
+        return {};
+    const TVorbisModes modes(identification, packets.Next(largestSetup).value_or(QByteArray()));
+    return VorbisStart(source, packets.Position(), FSerial, modes);
 }
 
 bool TOpusTag::ReadIdentification(QByteArrayView packet)
@@ -317,7 +217,9 @@ double TOpusTag::GranuleSeconds(qint64 granule) const
 void TOpusTag::ReadTimes(TByteSource& source, qint64 soundStart)
 {
     if (Audio.PlayTime == 0) {
-        const qint64 granule = LastGranule(source, FSerial);
+        qint64 granule = LastOggGranule(source, FSerial);
+        if (FStart.Granule < granule) // else it is the only page, or the positions began anew
+            granule -= std::max<qint64>(FStart.Granule - FStart.Samples, 0);
         Audio.PlayTime = GranuleSeconds(granule);
         if (Format != ofTheora)
             Audio.SampleCount = Format == ofOpus ? std::max<qint64>(granule - FPreSkip, 0) : granule;

@@ -2,9 +2,12 @@
 #pragma once
 
 #include "uByteReader.h"
+#include "uOggStart.h"
 #include "uVorbisComment.h"
 
 namespace Kestrune {
+
+class TOggPacketReader;
 
 enum class TOggFormat : quint8 { ofUnknown, ofVorbis, ofOpus, ofTheora, ofFlac, ofSpeex };
 using enum TOggFormat;
@@ -33,10 +36,12 @@ private:
     void ReadTheora(QByteArrayView packet);
     /// False when no further header is wanted.
     bool ReadHeader(QByteArrayView packet);
+    TOggStart StartOfSound(TByteSource& source, TOggPacketReader& packets, QByteArrayView identification) const;
     void ReadTimes(TByteSource& source, qint64 soundStart);
     double GranuleSeconds(qint64 granule) const;
 
     quint32 FSerial = 0;
+    TOggStart FStart;
     int FPreSkip = 0;      // samples of Opus before the sound
     int FGranuleShift = 0; // of Theora
     double FFrameRate = 0; // of Theora

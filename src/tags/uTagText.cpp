@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uTagText.h"
 
+#include "uByteReader.h"
+#include "uTagTypes.h"
+
 #include <QStringDecoder>
+#include <QUuid>
 
 #include <algorithm>
 
@@ -138,6 +142,19 @@ QString DecodeFixedText(QByteArrayView bytes)
     return DecodeLatin1(bytes);
 }
 
+QString GuidText(QByteArrayView bytes)
+{
+    TByteReader reader(bytes);
+    const quint32 first = reader.U32LE();
+    const quint16 second = reader.U16LE();
+    const quint16 third = reader.U16LE();
+    const QByteArrayView rest = reader.Bytes(8);
+    if (reader.Failed())
+        return {};
+    const auto at = [&](int i) { return static_cast<uchar>(rest[i]); };
+    return QUuid(first, second, third, at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7)).toString();
+}
+
 QString DecodeText(QByteArrayView bytes, TTextEncoding encoding)
 {
     bool bigEndian = StartOrder(bytes, encoding);
@@ -150,7 +167,7 @@ QStringList DecodeTextList(QByteArrayView bytes, TTextEncoding encoding, bool ke
 {
     QStringList texts;
     bool bigEndian = StartOrder(bytes, encoding);
-    while (!bytes.isEmpty()) {
+    while (!bytes.isEmpty() && static_cast<size_t>(texts.size()) < MostFields) {
         const std::optional<QByteArrayView> piece = TakeTerminated(bytes, encoding);
         QString text = DecodeOne(piece.value_or(bytes), encoding, bigEndian);
         if (keepEmpty || !text.isEmpty())

@@ -33,12 +33,15 @@ QString DecodeRiffText(QByteArrayView bytes);
 /// ISO-8859-1 or ASCII in a field of fixed length: ends at the first NUL, blanks at the end are dropped.
 QString DecodeFixedText(QByteArrayView bytes);
 
+/// A GUID in the order of its bytes in files, as "{01234567-...}"; empty when there are not 16 bytes.
+QString GuidText(QByteArrayView bytes);
+
 /// Decodes a text up to its end or first NUL. UTF-16 takes the order from its byte order mark; without one
 /// `teUTF16BE` is big-endian and `teUTF16` is guessed from where the zero bytes stand.
 QString DecodeText(QByteArrayView bytes, TTextEncoding encoding);
 
-/// The texts of a list separated by NUL, empty ones left out unless told. A byte order mark holds for the texts after
-/// it.
+/// The texts of a list separated by NUL, the first MostFields of them, empty ones left out unless told. A byte order
+/// mark holds for the texts after it.
 QStringList DecodeTextList(QByteArrayView bytes, TTextEncoding encoding, bool keepEmpty = false);
 
 /// Cuts one text off the front of `bytes`, with its NUL. Gives nothing, and leaves `bytes` alone, without a NUL.

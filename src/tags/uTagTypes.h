@@ -25,6 +25,11 @@ TTagPictureFormat PictureStreamType(QByteArrayView picture);
 /// "image/jpeg" and so on; empty for an unknown format.
 QString PictureMIMEType(TTagPictureFormat format);
 
+/// So many texts and so many pictures of one tag are kept. No honest tag has a tenth of them; a few megabytes of the
+/// shortest ones would fill hundreds of megabytes of memory.
+inline constexpr size_t MostFields = 65536;
+inline constexpr size_t MostPictures = 1024;
+
 /// One named text of a tag whose format names its fields itself. Several texts under one name are several fields.
 struct TTagField {
     QString Name;

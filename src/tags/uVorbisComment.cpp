@@ -89,35 +89,41 @@ std::optional<TTagPicture> PictureOfComment(const QString& name, QByteArrayView 
 
 bool TVorbisComments::Parse(QByteArrayView bytes, bool parseCoverArts)
 {
+    FEarlier.Begin(Fields, [](const TTagField& field) { return field.Name; });
+    FTakePictures = parseCoverArts && (!FSecondBlock || Pictures.empty());
+    FSecondBlock = true;
     TByteReader reader(bytes);
     Vendor = DecodeUTF8(reader.Bytes(reader.U32LE()));
     const quint32 count = reader.U32LE();
     // Each comment takes four bytes at least, whatever their number claims to be.
-    Fields.reserve(Fields.size() + static_cast<size_t>(std::min<qint64>(count, reader.Left() / 4)));
-    for (quint32 i = 0; i < count && !reader.Failed(); ++i) {
+    Fields.reserve(
+        std::min(Fields.size() + static_cast<size_t>(std::min<qint64>(count, reader.Left() / 4)), MostFields));
+    for (quint32 i = 0; i < count && !reader.Failed() && Fields.size() < MostFields; ++i) {
         const quint32 length = reader.U32LE();
         const QByteArrayView comment = reader.Bytes(length);
         if (!reader.Failed())
-            AddComment(comment, parseCoverArts);
+            AddComment(comment);
     }
     return !reader.Failed();
 }
 
-void TVorbisComments::AddComment(QByteArrayView comment, bool parseCoverArts)
+void TVorbisComments::AddComment(QByteArrayView comment)
 {
     const qsizetype equals = comment.indexOf('=');
     if (equals <= 0)
         return;
     const QString name = DecodeUTF8(comment.first(equals));
     const QByteArrayView value = comment.sliced(equals + 1);
-    const QString upper = name.toUpper();
-    if (upper != u"METADATA_BLOCK_PICTURE"_s && upper != u"COVERART"_s) {
+    const bool isPicture = EqualsNoCase(name, u"METADATA_BLOCK_PICTURE") || EqualsNoCase(name, u"COVERART");
+    if (!isPicture && !FEarlier.Has(name))
         Fields.push_back({name, DecodeUTF8(value)});
-        return;
-    }
-    if (!parseCoverArts)
-        return;
-    if (auto picture = PictureOfComment(upper, value))
+    else if (isPicture && FTakePictures && Pictures.size() < MostPictures)
+        AddPicture(name.toUpper(), value);
+}
+
+void TVorbisComments::AddPicture(const QString& name, QByteArrayView value)
+{
+    if (auto picture = PictureOfComment(name, value))
         Pictures.push_back(std::move(*picture));
 }
 

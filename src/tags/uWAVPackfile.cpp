@@ -28,13 +28,10 @@ struct TWavPackBlock {
     quint32 Flags = 0;
 };
 
-std::optional<TWavPackBlock> ReadWavPackBlock(TByteSource& source, qint64 position)
+std::optional<TWavPackBlock> ParseWavPackBlock(QByteArrayView bytes, qint64 position)
 {
-    char bytes[WavPackHeaderSize];
-    if (source.ReadAt(position, bytes, WavPackHeaderSize) != WavPackHeaderSize)
-        return std::nullopt;
-    TByteReader reader(QByteArrayView(bytes, WavPackHeaderSize));
-    if (reader.Bytes(4) != "wvpk")
+    TByteReader reader(bytes);
+    if (bytes.size() < WavPackHeaderSize || reader.Bytes(4) != "wvpk")
         return std::nullopt;
     TWavPackBlock block;
     const quint32 size = reader.U32LE();
@@ -54,6 +51,12 @@ std::optional<TWavPackBlock> ReadWavPackBlock(TByteSource& source, qint64 positi
     block.Body = position + WavPackHeaderSize;
     block.End = position + 8 + size;
     return block;
+}
+
+std::optional<TWavPackBlock> ReadWavPackBlock(TByteSource& source, qint64 position)
+{
+    char bytes[WavPackHeaderSize];
+    return ParseWavPackBlock({bytes, source.ReadAt(position, bytes, WavPackHeaderSize)}, position);
 }
 
 struct TWavPackExtra {
@@ -92,7 +95,8 @@ qint64 SamplesFromEnd(TByteSource& source, qint64 end)
     const qint64 start = std::max<qint64>(0, end - far);
     const QByteArray bytes = source.Read(start, end - start);
     for (qsizetype at = bytes.lastIndexOf("wvpk"); at >= 0; at = at > 0 ? bytes.lastIndexOf("wvpk", at - 1) : -1)
-        if (const auto block = ReadWavPackBlock(source, start + at); block && block->Samples > 0)
+        if (const auto block = ParseWavPackBlock(QByteArrayView(bytes).sliced(at), start + at);
+            block && block->Samples > 0)
             return block->Index + block->Samples;
     return 0;
 }

@@ -13,7 +13,7 @@ namespace {
 
 void AddField(std::vector<TTagField>& fields, const QString& name, const QString& value)
 {
-    if (!value.isEmpty())
+    if (!value.isEmpty() && fields.size() < MostFields)
         fields.push_back({name, value});
 }
 
@@ -61,11 +61,14 @@ int TWAVTag::Load(TByteSource& source)
 
 void TWAVTag::ReadInfoList(QByteArrayView bytes)
 {
+    FEarlier.Begin(Frames, [](const TTagField& field) { return field.Name; });
     TByteReader reader(bytes);
-    while (reader.Left() >= 8) {
+    while (reader.Left() >= 8 && Frames.size() < MostFields) {
         const QString name = DecodeLatin1(reader.Bytes(4));
         const quint32 size = reader.U32LE();
-        AddField(Frames, name, DecodeRiffText(reader.Bytes(std::min<qint64>(size, reader.Left()))));
+        const QByteArrayView text = reader.Bytes(std::min<qint64>(size, reader.Left()));
+        if (!FEarlier.Has(name))
+            AddField(Frames, name, DecodeRiffText(text));
         // Texts are padded to even, but writers forget the padding or pad twice: names never begin with a zero.
         while (reader.Left() > 0 && bytes[reader.Position()] == 0)
             reader.Skip(1);

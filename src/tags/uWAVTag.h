@@ -2,6 +2,7 @@
 #pragma once
 
 #include "uContainerInfo.h"
+#include "uTagNames.h"
 
 namespace Kestrune {
 
@@ -24,6 +25,8 @@ private:
     void ReadInfoList(QByteArrayView bytes);
     void ReadBroadcast(QByteArrayView bytes);
     void ReadCart(QByteArrayView bytes);
+
+    TEarlierNames FEarlier; // of a second list only new names count
 };
 
 } // namespace Kestrune

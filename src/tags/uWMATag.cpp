@@ -29,6 +29,7 @@ constexpr qint64 ObjectHeaderSize = 24; // identifier and size
 
 constexpr quint16 AsfTypeText = 0;
 constexpr quint16 AsfTypeBytes = 1;
+constexpr quint16 AsfTypeGuid = 6;
 
 QString TextOfBytes(QByteArrayView bytes)
 {
@@ -178,12 +179,14 @@ void TWMATag::ReadMetadata(QByteArrayView bytes)
 void TWMATag::AddAttribute(const QString& name, quint16 type, QByteArrayView value)
 {
     if (type == AsfTypeBytes) {
-        if (name == u"WM/Picture"_s && ParseCoverArts)
+        if (name == u"WM/Picture"_s && ParseCoverArts && Pictures.size() < MostPictures)
             AddPicture(value);
         return;
     }
-    const QString text = type == AsfTypeText ? TextOfBytes(value) : NumberOfBytes(value);
-    if (!name.isEmpty() && !text.isEmpty())
+    const QString text = type == AsfTypeText   ? TextOfBytes(value)
+                         : type == AsfTypeGuid ? GuidText(value)
+                                               : NumberOfBytes(value);
+    if (!name.isEmpty() && !text.isEmpty() && Attributes.size() < MostFields)
         Attributes.push_back({name, text});
 }
 

@@ -4,6 +4,7 @@
 #include "uImageBuilders.h"
 #include "uOldFiles.h"
 #include "uSQLite.h"
+#include "uTagBuilders.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -101,6 +102,42 @@ TEST_F(Cli, ExitCodesTellFailureFromWrongUsage)
         EXPECT_EQ(result.Err.count('\n'), 1) << "one sentence: " << result.Err.toStdString();
         EXPECT_TRUE(result.Out.isEmpty());
     }
+}
+
+TEST_F(Cli, TagsNamesEachFileThatCannotBeRead)
+{
+    const QByteArray note = Kit::Id3Text(0, QByteArray("engno\x1Bte\0one\r\ntwo\x9B[2J", 21));
+    const QByteArray picture = Kit::Id3Picture("image/png", 4, "sle\aeve", "\x89PNG");
+    const QString good =
+        FDir.Write(u"a\x1B.mp3"_s, Kit::Id3v2(3, Kit::Id3Frame(3, "COMM", note) + Kit::Id3Frame(3, "APIC", picture)));
+    const QString none = FDir.File(u"no\nfile.mp3"_s);
+    const QStringList files{none, good, FDir.Path()};
+    const TCliResult text = Run(QStringList{u"tags"_s} + files);
+    EXPECT_EQ(text.Code, 1);
+    const QByteArray expected = "  COMMENT [eng, no te]\tone \n  \ttwo [2J\n"
+                                "  Cover art 1\tCover (back), png, 4 bytes, sle eve\n"
+                                "  0.000 s, 0 Hz, 0 channels, 0 bit/s\n";
+    EXPECT_EQ(text.Out, FDir.Path().toUtf8() + "/a .mp3\n" + expected);
+    EXPECT_EQ(text.Err, "kestrune-cli: " + FDir.Path().toUtf8() + "/no file.mp3: there is no such file\n" +
+                            "kestrune-cli: " + FDir.Path().toUtf8() + ": cannot be read\n");
+
+    const TCliResult json = Run(QStringList{u"tags"_s, u"--json"_s} + files);
+    EXPECT_EQ(json.Code, 1);
+    EXPECT_EQ(json.Err, text.Err);
+    EXPECT_FALSE(QString::fromUtf8(json.Out).contains(QChar(0x9B)));
+    const QJsonArray array = json.Json().array();
+    ASSERT_EQ(array.size(), 3);
+    EXPECT_EQ(array[0][u"result"_s].toInt(), 5);
+    EXPECT_EQ(array[1][u"tags"_s][0][u"value"_s].toString(), u"one\r\ntwo\u009B[2J"_s);
+    EXPECT_EQ(Run({u"tags"_s, good}).Code, 0);
+
+    QProcess both; // each file is told before the next is looked at
+    Prepare(both, {u"tags"_s, u"--json"_s, good, none});
+    both.setProcessChannelMode(QProcess::MergedChannels);
+    both.start();
+    both.waitForFinished();
+    const QByteArray told = both.readAllStandardOutput();
+    EXPECT_LT(told.indexOf("COMMENT"), told.indexOf("there is no such file"));
 }
 
 TEST_F(Cli, AFolderGoesInAndComesOut)

@@ -96,8 +96,13 @@ QByteArray Mp4Atom(const QByteArray& name, const QByteArray& content);
 QByteArray Mp4Data(quint32 type, const QByteArray& value);
 /// A "----" atom with one text.
 QByteArray Mp4FreeForm(const QByteArray& name, const QByteArray& text);
-/// A file of one second of AAC by its headers, with this item list and further user data.
-QByteArray Mp4File(const QByteArray& items, const QByteArray& userData = {}, bool movieLast = false);
+/// The description of an AAC stream of 64,000 bits a second with this configuration.
+QByteArray Mp4Esds(const QByteArray& config);
+/// A sample description of 16 bits with the description of its codec.
+QByteArray Mp4SampleEntry(const QByteArray& name, int channels, int rate, const QByteArray& codec);
+/// A file of one second by its headers, with this item list and further user data; of AAC unless told.
+QByteArray Mp4File(const QByteArray& items, const QByteArray& userData = {}, bool movieLast = false,
+                   const QByteArray& sampleEntry = {});
 QByteArray Mp4Xtra(const QByteArray& name, quint16 type, const QByteArray& value);
 
 // ASF

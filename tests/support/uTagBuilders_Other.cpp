@@ -96,12 +96,22 @@ QByteArray Mp4Xtra(const QByteArray& name, quint16 type, const QByteArray& value
     return BE32(static_cast<quint32>(entry.size() + 4)) + entry;
 }
 
-QByteArray Mp4File(const QByteArray& items, const QByteArray& userData, bool movieLast)
+QByteArray Mp4Esds(const QByteArray& config)
 {
-    const QByteArray esds = Mp4Atom("esds", BE32(0) + QByteArray("\x03\x19\0\0\0\x04\x11\x40\x15\0\0\0", 12) + BE32(0) +
-                                                BE32(64000) + QByteArray("\x05\x02\x12\x10", 4));
-    const QByteArray entry = Mp4Atom("mp4a", QByteArray(6, '\0') + BE16(1) + QByteArray(8, '\0') + BE16(2) + BE16(16) +
-                                                 BE32(0) + BE32(44100u << 16) + esds);
+    return Mp4Atom("esds", BE32(0) + QByteArray("\x03\x19\0\0\0\x04\x11\x40\x15\0\0\0", 12) + BE32(0) + BE32(64000) +
+                               '\x05' + static_cast<char>(config.size()) + config);
+}
+
+QByteArray Mp4SampleEntry(const QByteArray& name, int channels, int rate, const QByteArray& codec)
+{
+    return Mp4Atom(name, QByteArray(6, '\0') + BE16(1) + QByteArray(8, '\0') + BE16(static_cast<quint32>(channels)) +
+                             BE16(16) + BE32(0) + BE16(static_cast<quint32>(rate)) + BE16(0) + codec);
+}
+
+QByteArray Mp4File(const QByteArray& items, const QByteArray& userData, bool movieLast, const QByteArray& sampleEntry)
+{
+    const QByteArray entry =
+        sampleEntry.isEmpty() ? Mp4SampleEntry("mp4a", 2, 44100, Mp4Esds("\x12\x10")) : sampleEntry;
     const QByteArray table = Mp4Atom("stbl", Mp4Atom("stsd", BE32(0) + BE32(1) + entry));
     const QByteArray media = Mp4Atom("mdhd", BE32(0) + BE32(0) + BE32(0) + BE32(44100) + BE32(44100) + BE32(0)) +
                              Mp4Atom("hdlr", BE32(0) + BE32(0) + "soun" + QByteArray(13, '\0')) +

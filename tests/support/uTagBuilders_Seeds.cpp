@@ -89,6 +89,25 @@ QByteArray AsfSmall()
                    AsfMetadata(u"WM/Picture"_s, 1, AsfPicture(3, u"image/png"_s, u"front"_s, Png)));
 }
 
+// A setup header of two modes, a short and a long one; the sound begins in the middle of a stream.
+QByteArray OggVorbisPart()
+{
+    QByteArray bits = QByteArray("100000") + QByteArray(41, '0') + '1' + QByteArray(40, '0') + '1';
+    QByteArray setup = QByteArray("\x05vorbis", 7) + "books";
+    bits += QByteArray(7 - (bits.size() + 7) % 8, '0');
+    for (qsizetype at = 0; at < bits.size(); at += 8) {
+        int byte = 0;
+        for (int i = 0; i < 8; ++i)
+            byte |= (bits[at + i] - '0') << i;
+        setup += static_cast<char>(byte);
+    }
+    return OggPage(OggFirst, 0, 7, VorbisIdentification(2, 44100, 96000)) +
+           OggPage(0, 0, 7, "\x03vorbis" + VorbisComments({"TITLE=Title"}) + '\1') + OggPage(0, 0, 7, setup) +
+           OggPage(0, ~quint64(0), 7, QByteArray(255, '\2'), false) +
+           OggPage(OggContinued, ~quint64(0), 7, QByteArray(20, '\2')) + OggPage(0, 441000, 7, QByteArray(20, '\0')) +
+           OggPage(OggLast, 441000 - (2048 + 256) / 4 + 44100, 7, QByteArray(20, '\0'));
+}
+
 QByteArray WavPackSmall()
 {
     const QByteArray rate("\x27\x02\x40\x1F\0\0", 6); // 8,000 by a sub-block
@@ -124,8 +143,20 @@ QList<TTagSeed> TagSeeds()
         {"id3v2", "a.dff", Dff(2, 2822400, "sound", id3)},
         {"mp4", "a.m4a", Mp4Small(false)},
         {"mp4", "b.m4a", Mp4Small(true)},
+        {"mp4", "c.m4a",
+         Mp4File({}, {}, false, Mp4SampleEntry("ac-3", 2, 48000, Mp4Atom("dac3", QByteArray("\x10\x3D\xC0", 3))))},
+        {"mp4", "d.m4a",
+         Mp4File({}, {}, false, Mp4SampleEntry("ec-3", 2, 0, Mp4Atom("dec3", QByteArray("\x0C\0\x20\x0F\0", 5))))},
+        {"mp4", "e.m4a",
+         Mp4File({}, {}, false,
+                 Mp4SampleEntry("fLaC", 2, 48000,
+                                Mp4Atom("dfLa", BE32(0) + FlacBlock(0, FlacStreamInfo(96000, 2, 24, 96000), true))))},
+        {"mp4", "f.m4a",
+         Mp4File({}, {}, false,
+                 Mp4SampleEntry("mp4a", 2, 22050, Mp4Esds(QByteArray("\x13\x88\x56\xE5\xA5\x48\x80", 7))))},
         {"ogg", "a.ogg", OggVorbis({"TITLE=Title", picture.data(), "TRACKNUMBER=3/12"})},
         {"ogg", "a.opus", OggOpus({"TITLE=Title", QByteArray("COVERART=") + Png.toBase64()})},
+        {"ogg", "b.ogg", OggVorbisPart()},
         {"ogg", "a.oga", OggFlacSmall()},
         {"ogg", "a.spx", SpeexSmall()},
         {"ogg", "a.ogv", TheoraSmall()},

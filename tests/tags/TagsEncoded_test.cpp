@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 
 namespace Kestrune {
 
@@ -96,6 +97,35 @@ TEST(TagsEncoded, RealSoundIsTimedWithinATenthOfASecond)
         EXPECT_EQ(audio.Channels(), encoding.Channels);
         EXPECT_GT(audio.BitRate(), 8000);
         EXPECT_EQ(tags.GetTag(u"TITLE"_s), encoding.HasTitle ? u"T\u00EDtle"_s : QString());
+    }
+}
+
+TEST(TagsEncoded, PartsOfOggStreamsAreTimedByWhatTheyHold)
+{
+    // Pages of a second each; the first three seconds of the sound are left out.
+    const TTempDir dir;
+    const QStringList longer = {u"-af"_s, u"apad=whole_dur=10"_s, u"-page_duration"_s, u"1000000"_s, u"-c:a"_s};
+    for (const TEncoding& encoding : {TEncoding{"a.ogg", longer + QStringList{u"libvorbis"_s}, 44100, 2},
+                                      TEncoding{"a.opus", longer + QStringList{u"libopus"_s}, 48000, 1}}) {
+        SCOPED_TRACE(encoding.FileName);
+        const QByteArray whole = ReadAll(Encode(dir, encoding));
+        QByteArray part;
+        double start = 0;
+        for (qsizetype at = 0, next = 0; at < whole.size(); at = next) {
+            next = whole.indexOf("OggS", at + 1);
+            next = next < 0 ? whole.size() : next;
+            qint64 granule = 0;
+            std::memcpy(&granule, whole.constData() + at + 6, sizeof granule);
+            const double seconds = static_cast<double>(granule) / encoding.Rate;
+            if (seconds == 0 || seconds > 3.5)
+                part += whole.mid(at, next - at);
+            else
+                start = seconds;
+        }
+        EXPECT_GT(start, 1);
+        TTags tags;
+        ASSERT_EQ(tags.LoadFromFile(dir.Write(QString::fromUtf8(encoding.FileName), part)), 0);
+        EXPECT_NEAR(tags.SourceAudioAttributes().PlayTime(), 10 - start, 0.05);
     }
 }
 

@@ -68,15 +68,25 @@ QByteArray AsfOne(const QString& name, quint16 type, const QByteArray& value)
     return AsfFile(AsfExtended({AsfAttribute(name, type, value)}, 1));
 }
 
+QByteArray SeedOf(const char* fileName)
+{
+    for (const TTagSeed& seed : TagSeeds())
+        if (qstrcmp(seed.FileName, fileName) == 0)
+            return seed.Bytes;
+    return {};
+}
+
 } // namespace
 
 TEST(TagsFormats, APEv2)
 {
     const QByteArray ape =
         ApeTag({ApeItem("Title", "T\xC3\xADtle"), ApeItem("Track", "3/12"), ApeItem("Binary", "x", 2),
-                ApeItem("Artist", QByteArray("A\0B", 3)), ApeItem("Link", "http://a", 4)});
-    const QStringList lines = {u"Artist=A"_s,       u"Artist=B"_s,      u"Link=http://a"_s,
-                               u"TOTALTRACKS=12"_s, u"TRACKNUMBER=3"_s, u"Title=T\u00EDtle"_s};
+                ApeItem("Artist", QByteArray("A\0B", 3)), ApeItem("Link", "http://a", 4),
+                ApeItem("TMCL", QByteArray("cello=C\0viola=D", 15))});
+    const QStringList lines = {
+        u"Artist=A"_s,       u"Artist=B"_s,      u"Link=http://a"_s,   u"TMCL=cello=C\nviola=D"_s,
+        u"TOTALTRACKS=12"_s, u"TRACKNUMBER=3"_s, u"Title=T\u00EDtle"_s};
     QStringList withId3v1 = lines + QStringList{u"GENRE=Rock"_s};
     withId3v1.sort();
     const QByteArray v1 = Id3v1({"Weaker", "Weaker", {}, {}, {}, 9, 17});
@@ -143,6 +153,11 @@ TEST(TagsFormats, WaveTexts)
          Info(RiffChunk("INAM", QByteArray("abcd\0", 5)) + QByteArray(1, '\0') + RiffChunk("IPRD", "Al")),
          {u"ALBUM=Al"_s, u"TITLE=abcd"_s}},
         {"size beyond the list", "a.wav", Info("INAM" + LE32(0xFFFFFFF0) + "abc"), {u"TITLE=abc"_s}},
+        {"two lists",
+         "a.wav",
+         Riff("WAVE", RiffChunk("LIST", "INFO" + RiffChunk("INAM", "T")) +
+                          RiffChunk("LIST", "INFO" + RiffChunk("INAM", "U") + RiffChunk("IART", "A"))),
+         {u"ARTIST=A"_s, u"TITLE=T"_s}},
         {"over the ID3v2 chunk",
          "a.wav",
          Info(RiffChunk("INAM", "T")) + RiffChunk("id3 ", Id3v2(3, Id3Frame(3, "TIT2", Id3Text(0, "weaker")) +
@@ -192,6 +207,13 @@ TEST(TagsFormats, MP4)
                  Items("trkn", 0, QByteArray("\0\0\0\3\0\0\0\0", 8))),
          {u"Label=L"_s, u"TRACKNUMBER=3"_s}},
         {"Xtra", "a.m4a", Mp4File({}, rating), {u"Mood=calm"_s, u"SharedUserRating=129"_s}},
+        {"two item lists and two Xtra atoms",
+         "a.m4a",
+         Mp4File(Items("aART", 1, "A") + Mp4FreeForm("N", "v"),
+                 Mp4Atom("meta", BE32(0) + Mp4Atom("ilst", Items("aART", 1, "B") + Mp4FreeForm("N", "w") +
+                                                               Mp4FreeForm("M", "x"))) +
+                     rating + rating),
+         {u"ALBUMARTIST=A"_s, u"M=x"_s, u"Mood=calm"_s, u"N=v"_s, u"SharedUserRating=129"_s}},
         {"an atom that claims 4 GiB",
          "a.m4a",
          Mp4File(Items("aART", 1, "A") + BE32(0xFFFFFFF0) + "desc" + Mp4Data(1, "D")),
@@ -219,7 +241,16 @@ TEST(TagsFormats, WindowsMedia)
         {"left out", "a.wma", AsfOne(u"WMFSDKVersion"_s, 0, wide(u"9"_s)), {}},
         {"own name", "a.wma", AsfOne(u"My Field"_s, 2, LE32(1)), {u"My Field=1"_s}},
         {"rating", "a.wma", AsfOne(u"WM/SharedUserRating"_s, 3, LE32(99)), {u"RATING=255"_s}},
-        {"stated twice", "a.wma", AsfOne(u"WM/Year"_s, 0, wide(u"2001"_s)) + QByteArray(), {u"YEAR=2001"_s}},
+        {"stated twice",
+         "a.wma",
+         AsfFile(AsfExtended({AsfAttribute(u"WM/TrackNumber"_s, 0, wide(u"3/12"_s))}, 1) +
+                 AsfMetadata(u"WM/TrackNumber"_s, 0, wide(u"3/12"_s))),
+         {u"TOTALTRACKS=12"_s, u"TRACKNUMBER=3"_s}},
+        {"identifier",
+         "a.wma",
+         AsfFile(AsfMetadata(u"Id"_s, 6, LE32(0x01234567) + LE16(0x89AB) + LE16(0xCDEF) + "abcdefgh")),
+         {u"Id={01234567-89ab-cdef-6162-636465666768}"_s}},
+        {"identifier cut off", "a.wma", AsfFile(AsfMetadata(u"Id"_s, 6, "short")), {}},
         {"count lies",
          "a.wma",
          AsfFile(AsfExtended({AsfAttribute(u"WM/Year"_s, 0, wide(u"2001"_s))}, 60000)),
@@ -267,6 +298,26 @@ TEST(TagsFormats, PicturesOfEveryFormat)
     EXPECT_EQ(tags.CoverArts()[0]->Stream.size(), 2);
 }
 
+TEST(TagsFormats, PicturesOfNoBytesAreNone)
+{
+    const QByteArray block = FlacPicture(3, "image/png", "x", {});
+    const std::pair<const char*, QByteArray> cases[] = {
+        {"a.mp3", Id3v2(3, Id3Frame(3, "APIC", Id3Picture("image/png", 3, "x", {})))},
+        {"b.mp3", Id3v2(2, Id3Frame(2, "PIC", QByteArray("\0PNG\3x\0", 7)))},
+        {"a.flac", "fLaC" + FlacBlock(0, FlacStreamInfo(44100, 2, 16, 44100)) + FlacBlock(6, block, true)},
+        {"a.ogg", OggVorbis({"METADATA_BLOCK_PICTURE=" + block.toBase64(), "COVERART="})},
+        {"a.ape", ApeTag({ApeItem("Cover Art (Front)", QByteArray("x\0", 2), 2)})},
+        {"a.m4a", Mp4File(Items("covr", 13, {}))},
+        {"a.wma", AsfFile(AsfMetadata(u"WM/Picture"_s, 1, AsfPicture(3, u"image/png"_s, u"x"_s, {})))},
+    };
+    const TTempDir dir;
+    for (const auto& [name, bytes] : cases) {
+        TTags tags;
+        ASSERT_EQ(LoadAll(tags, dir.Write(QString::fromUtf8(name), bytes)), 0);
+        EXPECT_EQ(tags.CoverArtCount(), 0) << name;
+    }
+}
+
 TEST(TagsFormats, AttributesOfEveryFormat)
 {
     struct TCase {
@@ -285,10 +336,33 @@ TEST(TagsFormats, AttributesOfEveryFormat)
     const QByteArray dsd =
         WavPackBlock(352800, 0, 1000, (stereo & 0x1803) | 12u << 23 | 0x80000000, QByteArray("\x0E\x01\x02\0", 4));
     const QByteArray ape = ApeTag({ApeItem("Title", QByteArray(5000, 'x'))});
+    const auto mp4 = [](const char* entry, int channels, int rate, const char* box, const QByteArray& hex) {
+        return Mp4File({}, {}, false, Mp4SampleEntry(entry, channels, rate, Mp4Atom(box, QByteArray::fromHex(hex))));
+    };
+    const auto aac = [](const char* hex) {
+        return Mp4File({}, {}, false, Mp4SampleEntry("mp4a", 2, 22050, Mp4Esds(QByteArray::fromHex(hex))));
+    };
     const TCase cases[] = {
         {"Vorbis", "a.ogg", OggVorbis({}), {2, 44100, 0, 2.0, 88200, 96000}},
         {"Opus", "a.opus", OggOpus({}), {2, 48000, 0, 1.0, 48000, -1}},
+        {"Opus from the middle of a stream",
+         "a.opus",
+         OggOpus({}).chopped(1000 + 4 + 27) + OggPage(0, 480000, 7, QByteArray("\xFC", 1) + sound) +
+             OggPage(OggLast, 528312 - 960, 7, sound),
+         {2, 48000, 0, 1.0, 48000, -1}},
+        {"Vorbis from the middle of a stream", "a.ogg", SeedOf("b.ogg"), {2, 44100, 0, 1.0, 44100, 96000}},
         {"MP4", "a.m4a", Mp4File({}), {2, 44100, 16, 1.0, 44100, 64000}},
+        {"AC-3 in MP4", "a.m4a", mp4("ac-3", 2, 48000, "dac3", "10 3d c0"), {6, 48000, 16, 1.0, 48000, 384000}},
+        {"AC-3 of an unknown rate", "a.m4a", mp4("ac-3", 2, 48000, "dac3", "d0 3d c0"), {2, 48000, 16, 1.0, 48000, -1}},
+        {"E-AC-3 in MP4", "a.m4a", mp4("ec-3", 2, 0, "dec3", "0c 00 20 0f 00"), {6, 48000, 16, 1.0, 48000, 384000}},
+        {"FLAC in MP4",
+         "a.m4a",
+         mp4("fLaC", 2, 48000, "dfLa", (BE32(0) + FlacBlock(0, FlacStreamInfo(96000, 6, 24, 96000), true)).toHex()),
+         {6, 96000, 24, 1.0, 96000, -1}},
+        {"AAC with band replication behind", "a.m4a", aac("13 88 56 e5 a0"), {1, 44100, 16, 1.0, 44100, 64000}},
+        {"AAC with parametric stereo behind", "a.m4a", aac("13 88 56 e5 a5 48 80"), {2, 44100, 16, 1.0, 44100, 64000}},
+        {"AAC with the mark and no replication", "a.m4a", aac("13 88 56 e5 00"), {1, 22050, 16, 1.0, 22050, 64000}},
+        {"AAC with band replication before", "a.m4a", aac("2b 8a 08 00"), {1, 44100, 16, 1.0, 44100, 64000}},
         {"Windows Media", "a.wma", AsfFile({}), {2, 44100, 16, 2.5, 110250, 64000}},
         {"WavPack", "a.wv", WavPackBlock(44100, 0, 44100, stereo, sound) + ape, {2, 44100, 16, 1.0, 44100, 80256}},
         {"WavPack without total", "a.wv", unknown, {2, 44100, 16, 2.0, 88200, 80256}},

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
@@ -48,6 +50,10 @@ TEST(Tags, MergesAndMapsAsThePriorityTells)
     };
     const QByteArray userText = Id3Text(0, QByteArray("Mood of it\0Calm", 15));
     const QByteArray twoArtists = Id3Frame(4, "TPE1", Id3Text(3, QByteArray("One\0Two\0", 8)));
+    const QByteArray numbers = Id3Frame(4, "TRCK",
+                                        Id3Text(3, QByteArray("1/2\0"
+                                                              "3/4",
+                                                              7)));
     const QByteArray people = Id3Frame(4, "TIPL", Id3Text(3, QByteArray("producer\0Ann\0mix\0\0engineer\0Bob", 30)));
     const TCase cases[] = {
         {"ID3v1 alone",
@@ -90,6 +96,13 @@ TEST(Tags, MergesAndMapsAsThePriorityTells)
          Flac({"TRACK=3/12", "DISCNUMBER=1/2"}),
          {u"TRACKNUMBER=3"_s, u"TOTALTRACKS=12"_s, u"DISCNUMBER=1/2"_s}},
         {"TRACK without total in FLAC", Flac({"TRACK=3"}), {u"TRACK=3"_s}},
+        {"lists of people in FLAC",
+         Flac({"TIPL=mix=Ann", "ARTIST=A", "TMCL=cello=Cid", "tipl=engineer=Bob"}),
+         {u"TIPL=mix=Ann\nengineer=Bob"_s, u"ARTIST=A"_s, u"TMCL=cello=Cid"_s}},
+        {"of a second comment block only the new names",
+         Flac({"TITLE=F", "ARTIST=A", "ARTIST=B"}, FlacBlock(4, VorbisComments({"title=F", "MOOD=x", "MOOD=y"}))),
+         {u"TITLE=F"_s, u"ARTIST=A"_s, u"ARTIST=B"_s, u"MOOD=x"_s, u"MOOD=y"_s}},
+        {"totals of several values", Id3v2(4, numbers), {u"TRACKNUMBER=1"_s, u"TRACKNUMBER=3"_s, u"TOTALTRACKS=4"_s}},
         {"a split total takes the place of one",
          Flac({"TOTALTRACKS=9", "TRACKNUMBER=3/12"}),
          {u"TRACKNUMBER=3"_s, u"TOTALTRACKS=12"_s}},
@@ -103,6 +116,56 @@ TEST(Tags, MergesAndMapsAsThePriorityTells)
         EXPECT_EQ(Lines(tags), c.Expected);
         tags.LoadTags();
         EXPECT_EQ(Sorted(Lines(tags)), Sorted(c.Expected)) << "after a second merge";
+    }
+}
+
+// So large that comparing each with each would take minutes.
+TEST(Tags, TagsOfVeryManyValuesAreMergedInLinearTime)
+{
+    const auto list = [](int count, const auto& piece) {
+        QByteArray bytes;
+        for (int i = 0; i < count; ++i)
+            bytes += piece(i);
+        return bytes;
+    };
+    const auto user = [](int i) {
+        return Id3Frame(4, "TXXX", Id3Text(3, "Name" + QByteArray::number(i) + '\0' + 'v'));
+    };
+    const auto item = [](int i) { return ApeItem("nAME" + QByteArray::number(i), "w"); };
+    const auto attribute = [](int i) { return AsfAttribute(QString::number(i), 3, LE32(1)); };
+    const QByteArray numbers = list(200000, [](int i) { return QByteArray::number(i + 1000) + '\0'; });
+    const QByteArray references = list(200000, [](int i) { return '(' + QByteArray::number(i + 1000) + ')'; });
+    const auto text = [](const char* id, const QByteArray& value) {
+        return Id3v2(4, Id3Frame(4, id, Id3Text(3, value)));
+    };
+    struct TCase {
+        const char* Name;
+        const char* FileName;
+        QByteArray Bytes;
+        const char* Tag; ///< is there so often
+        int Count;
+    };
+    QList<QByteArray> items;
+    for (int i = 0; i < 50000; ++i)
+        items.append(item(i));
+    const TCase cases[] = {
+        {"track numbers", "a.mp3", text("TRCK", QByteArray("1/2\0", 4).repeated(30000)), "TOTALTRACKS", 1},
+        {"tracks", "a.flac", Flac(QList<QByteArray>(30000, "TRACK=1/2")), "TOTALTRACKS", 1},
+        {"genres", "a.mp3", text("TCON", numbers), "GENRE", 1},
+        {"genre references", "a.mp3", text("TCON", references), "GENRE", 1},
+        {"attributes", "a.wma", AsfFile(AsfExtended({list(50000, attribute)}, 50000)), "49999", 1},
+        {"comments beyond all reason", "a.flac", Flac(QList<QByteArray>(100000, "A=b")), "A", 65536},
+        {"two tags of the same names", "a.mp3", Id3v2(4, list(50000, user)) + ApeTag(items), "name77", 1},
+    };
+    const TTempDir dir;
+    for (const TCase& c : cases) {
+        SCOPED_TRACE(c.Name);
+        TTags tags;
+        ASSERT_EQ(tags.LoadFromFile(dir.Write(QString::fromUtf8(c.FileName), c.Bytes)), 0);
+        const QString name = QString::fromUtf8(c.Tag);
+        EXPECT_EQ(std::ranges::count_if(
+                      tags.Tags(), [&](const auto& tag) { return tag->Name.compare(name, Qt::CaseInsensitive) == 0; }),
+                  c.Count);
     }
 }
 
@@ -229,8 +292,10 @@ TEST(Tags, AttributesComeFromTheReaderThatKnows)
 {
     const TTempDir dir;
     TTags tags;
-    tags.LoadFromFile(dir.Write(u"a.aiff"_s, Aiff("AIFF", AiffComm(2, 66150 + 100, 16, 44100))));
-    EXPECT_EQ(tags.SourceAudioAttributes().PlayTime(), 2); // whole seconds
+    for (const auto& [samples, seconds] : {std::pair(66250u, 2), {22050u, 0}, {66150u, 2}, {110250u, 2}}) {
+        tags.LoadFromFile(dir.Write(u"a.aiff"_s, Aiff("AIFF", AiffComm(2, samples, 16, 44100))));
+        EXPECT_EQ(tags.SourceAudioAttributes().PlayTime(), seconds) << samples << ": whole ones, a half to the even";
+    }
     EXPECT_EQ(tags.SourceAudioAttributes().Channels(), 2);
     EXPECT_EQ(tags.SourceAudioAttributes().BitRate(), 1411200);
     tags.LoadFromFile(dir.Write(u"a.mp3"_s, MpegFrames(100)));

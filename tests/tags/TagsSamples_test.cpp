@@ -68,10 +68,25 @@ void CheckAttribute(const TTags& tags, const QString& file, const TExpectation& 
         CheckNumber(audio.PlayTime(), value, std::max(0.03, value * 0.002));
 }
 
-void CheckPicture(const TTags& tags, const TExpectation& expected)
+// Where our rules give something else than the readers agree on.
+QString ByOurRules(const QString& file, const TExpectation& expected)
+{
+    // values are kept as stored: those readers show the "T" of a time as a blank
+    if (file == u"mediafile/space_time.mp3"_s && expected.Field == u"date"_s)
+        return u"2009-09-04T14:20"_s;
+    // the total stands in the track number and in a field of its own
+    if ((file == u"mediafile/full.mpc"_s || file == u"mediafile/full.wv"_s) && expected.Field == u"totaltracks"_s)
+        return u"03 | 3"_s;
+    // one frame holds no bytes of a picture
+    if (file == u"tinytag/multiple_images.mp3"_s && expected.Field == u"pictures"_s)
+        return u"6"_s;
+    return expected.Value;
+}
+
+void CheckPicture(const TTags& tags, const QString& file, const TExpectation& expected)
 {
     if (expected.Field == u"pictures"_s) {
-        EXPECT_EQ(tags.CoverArtCount(), expected.Value.toInt());
+        EXPECT_EQ(tags.CoverArtCount(), ByOurRules(file, expected).toInt());
         return;
     }
     ASSERT_GT(tags.CoverArtCount(), 0);
@@ -84,18 +99,6 @@ void CheckPicture(const TTags& tags, const TExpectation& expected)
     else if (expected.Field == u"picture1_md5"_s)
         actual = QString::fromLatin1(QCryptographicHash::hash(art.Stream, QCryptographicHash::Md5).toHex());
     EXPECT_EQ(actual, expected.Value);
-}
-
-// Where our rules give something else than the readers agree on.
-QString ByOurRules(const QString& file, const TExpectation& expected)
-{
-    // values are kept as stored: those readers show the "T" of a time as a blank
-    if (file == u"mediafile/space_time.mp3"_s && expected.Field == u"date"_s)
-        return u"2009-09-04T14:20"_s;
-    // the total stands in the track number and in a field of its own
-    if ((file == u"mediafile/full.mpc"_s || file == u"mediafile/full.wv"_s) && expected.Field == u"totaltracks"_s)
-        return u"03 | 3"_s;
-    return expected.Value;
 }
 
 void CheckFile(const QString& folder, const QString& file, const QList<TExpectation>& expectations)
@@ -117,7 +120,7 @@ void CheckFile(const QString& folder, const QString& file, const QList<TExpectat
             if (!unread.contains(file.last(4)) && !countsTags)
                 CheckAttribute(tags, file, expected);
         } else if (expected.Field.startsWith(u"picture"_s)) {
-            CheckPicture(tags, expected);
+            CheckPicture(tags, file, expected);
         } else if (expected.Field == u"tags"_s) {
             // an encoder's name in the INFO list is a tag here
             EXPECT_EQ(tags.Count(), file == u"mediafile/mpeglayer3.wav"_s ? 1 : 0);

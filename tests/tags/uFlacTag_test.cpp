@@ -79,6 +79,13 @@ TEST(FlacTag, KeepsWhatCameBeforeALie)
         {"sizes of a picture",
          start + FlacBlock(4, comments) + FlacBlock(6, BE32(3) + BE32(0xFFFFFFFF) + "image", true)},
         {"block of the forbidden type", start + FlacBlock(4, comments) + QByteArray("\x7F\xFF\xFF\xFF", 4)},
+        {"a second STREAMINFO", start + FlacBlock(4, comments) + FlacBlock(0, FlacStreamInfo(300000, 8, 32, 0), true)},
+        {"a picture of size 0, whose bytes look like STREAMINFO", start + FlacBlock(4, comments) + FlacBlock(6, {}) +
+                                                                      FlacBlock(0, FlacStreamInfo(300000, 8, 32, 0)) +
+                                                                      FlacBlock(0, QByteArray(34, '\0'), true)},
+        {"a picture of size 0 and STREAMINFO of nothing before it", "fLaC" + FlacBlock(6, {}) +
+                                                                        FlacBlock(0, QByteArray(34, '\0')) +
+                                                                        start.sliced(4) + FlacBlock(4, comments, true)},
         {"no last block", start + FlacBlock(4, comments)},
     };
     for (const TCase& c : cases) {
