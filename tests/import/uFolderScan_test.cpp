@@ -93,7 +93,9 @@ TEST(FolderScan, DiscFoldersOfOneParentAreMerged)
         {"the first keeps its place", "A/CD1/1.mp3 A/Extra/1.mp3 A/Media_3/1.mp3 A/0.mp3",
          "A/CD1/1.mp3 A/Media_3/1.mp3; A/Extra/1.mp3; A/0.mp3"},
         {"different parents", "A/CD1/1.mp3 B/CD2/1.mp3", "A/CD1/1.mp3; B/CD2/1.mp3"},
-        {"albums of one parent too", "Album-A-CD1/1.mp3 Album-B-CD1/1.mp3", "Album-A-CD1/1.mp3 Album-B-CD1/1.mp3"},
+        {"discs of an album beside another's", "A-CD1/1.mp3 a_cd2/1.mp3 B-CD1/1.mp3 B-(Disc.2)/1.mp3",
+         "A-CD1/1.mp3 a_cd2/1.mp3; B-(Disc.2)/1.mp3 B-CD1/1.mp3"},
+        {"first discs of two albums", "A-CD1/1.mp3 B-CD2/1.mp3 CD1/1.mp3", "A-CD1/1.mp3; B-CD2/1.mp3; CD1/1.mp3"},
         {"ABCD2 is none", "A/ABCD2/1.mp3 A/CD1/1.mp3", "A/ABCD2/1.mp3; A/CD1/1.mp3"},
     };
     for (const auto& row : rows) {
