@@ -182,6 +182,14 @@ TEST_F(ImportFolders, FoldersBecomeReleases)
          "|Box||2|Box",
          "1.1 A  9 \n2.1 B  9 "},
         {"a lone disc", {file("Box/Disc 2/01 A.flac", {"ALBUM=Box"})}, "|Box||2|Box", "2.1 A  9 "},
+        {"a lone disc with a name of its own",
+         {file("Solo - Best CD1/01 A.flac"), file("Other/01 B.flac", {"ALBUM=Other"})},
+         "|Other||1|Other\nSolo|Best CD1||1|Solo - Best CD1",
+         "1.1 B  9 \n1.1 A Solo 9 "},
+        {"first discs of two albums",
+         {file("A CD1/01 A.flac", {"ALBUM=A"}), file("B CD2/01 B.flac", {"ALBUM=B"})},
+         "|A||1|A CD1\n|B||2|B CD2",
+         "1.1 A  9 \n2.1 B  9 "},
         {"the tag's disc before the folder's",
          {file("Box/CD1/01 A.flac", {"ALBUM=Box", "DISCNUMBER=4"})},
          "|Box||4|Box",
@@ -306,10 +314,11 @@ TEST_F(ImportFolders, PicturesComeFromTheTagsThenFromTheFolder)
     Flac(u"unknown/1.flac"_s, 1, {}, QByteArray("RIFF\x10\0\0\0WEBPVP8 ", 16));
     FMusic.Write(u"broken/folder.png"_s, "no picture");
     Flac(u"broken/1.flac"_s, 1, {}, QByteArray("\xFF\xD8 broken"));
+    Flac(u"Solo - Best CD1/1.flac"_s, 1); // not the picture of the album beside it
     Run();
     EXPECT_EQ(WithoutRoot(Rows(u"SELECT FolderPath, length(LargePicture), length(LargePictureBack),"
                                " length(LargePictureMedia) FROM Releases2 ORDER BY ID"_s)),
-              u"broken|||\ntagged|%1||%2\nunknown|%3|%4|"_s.arg(tag.size())
+              u"broken|||\nSolo - Best CD1|||\ntagged|%1||%2\nunknown|%3|%4|"_s.arg(tag.size())
                   .arg(disc.size())
                   .arg(front.size())
                   .arg(back.size()));
