@@ -60,7 +60,8 @@ class TCueParser {
 public:
     TCueSheet Parse(const QString& text)
     {
-        for (const QString& line : text.split(u'\n')) {
+        // A carriage return alone ends a line as well; between two line ends there is nothing to read.
+        for (const QString& line : QString(text).replace(u'\r', u'\n').split(u'\n')) {
             const auto [keyword, value] = SplitWord(line.trimmed());
             if (!value.isEmpty())
                 Take(keyword.toUpper(), value);
@@ -119,8 +120,12 @@ private:
     void TakeIndex(const QString& value)
     {
         const auto [number, time] = SplitWord(value);
-        if (FInTrack && number == "01"_L1)
-            FTrack.StartSec = CueTime(time);
+        if (!FInTrack || number != "01"_L1)
+            return;
+        // Rippers that leave the gap at the end of the file before write TRACK and INDEX 00 there, and then the next
+        // FILE.
+        FTrack.FileName = FFile;
+        FTrack.StartSec = CueTime(time);
     }
 
     void StoreTrack()

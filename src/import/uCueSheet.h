@@ -16,7 +16,7 @@ struct TCueTrack {
     int No = 0;
     QString Title, Artist;
     double StartSec = 0.0; ///< of INDEX 01; 0 without one
-    QString FileName;      ///< of the FILE line before the track
+    QString FileName;      ///< of the FILE line before INDEX 01, or before the track where there is none
 };
 
 struct TCueSheet {

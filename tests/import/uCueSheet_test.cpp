@@ -55,6 +55,11 @@ TEST(CueSheet, LinesAreRead)
          "1|One|Who|62.493|a b.wav"},
         {"carriage returns and tabs", "FILE\ta.wav\tWAVE\r\n\tTRACK\t01 AUDIO\r\n\t\tINDEX 01 00:10:00\r\n",
          "1|||10.000|a.wav"},
+        {"carriage returns alone", "FILE a.wav WAVE\rTRACK 1 AUDIO\rTITLE A\rINDEX 01 00:01:00", "1|A||1.000|a.wav"},
+        {"gaps at the end of the file before",
+         "FILE 1.wav WAVE\nTRACK 1 AUDIO\nINDEX 01 00:00:00\nTRACK 2 AUDIO\nINDEX 00 03:00:00\n"
+         "FILE 2.wav WAVE\nINDEX 01 00:00:00\nTRACK 3 AUDIO\nINDEX 00 02:00:00\nFILE 3.wav WAVE\nINDEX 01 00:01:00",
+         "1|||0.000|1.wav\n2|||0.000|2.wav\n3|||1.000|3.wav"},
         {"only INDEX 01 counts",
          "TRACK 1 AUDIO\nINDEX 00 00:01:00\nINDEX 01 00:02:00\nINDEX 02 00:03:00\nINDEX 1 00:09:00", "1|||2.000|"},
         {"a missing INDEX 01", "TRACK 1 AUDIO\nINDEX 00 00:01:00", "1|||0.000|"},
