@@ -10,6 +10,7 @@
 #include <QSet>
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <utility>
 
 namespace Kestrune {
@@ -170,19 +171,23 @@ std::optional<TCueSheet> LoadCueSheet(const QString& file)
     return ParseCueSheet(DecodeCueText(source->Read(0, source->Size())));
 }
 
-QString FindCueSheet(const QString& audioFile)
+TCueFolder ListCueFolder(const QString& folder)
 {
-    QString first;
-    const QString wanted = (StemOf(audioFile) + u".cue"_s).toCaseFolded();
-    for (const TFolderEntry& entry : ListFolder(FolderOf(audioFile))) {
-        if (!entry.IsFile || ExtensionOf(entry.Name) != ".cue"_L1)
+    TCueFolder result;
+    QStringList sheets;
+    QSet<QString> audioNames; // with and without extension
+    for (const TFolderEntry& entry : ListFolder(folder)) {
+        if (entry.IsFile && ExtensionOf(entry.Name) == ".cue"_L1)
+            sheets += entry.Path;
+        if (!entry.IsFile || !IsSupportedAudio(entry.Name) || IsDiscImage(entry.Name))
             continue;
-        if (entry.Name.toCaseFolded() == wanted)
-            return entry.Path;
-        if (first.isEmpty())
-            first = entry.Path;
+        result.AudioFiles += entry.Name;
+        audioNames << entry.Name.toCaseFolded() << StemOf(entry.Name).toCaseFolded();
     }
-    return first;
+    const auto namesAudio = [&](const QString& sheet) { return audioNames.contains(StemOf(sheet).toCaseFolded()); };
+    std::ranges::stable_partition(sheets, namesAudio);
+    result.Sheets = std::move(sheets);
+    return result;
 }
 
 } // namespace Kestrune

@@ -129,7 +129,7 @@ void TKRNImporter_MP3s::Import()
 void TKRNImporter_MP3s::TakeStep(const TFolderStep& step)
 {
     if (step.Release)
-        TakeRelease(*step.Release);
+        TakeRelease(*step.Release, step.Key);
     if (!step.FailedFile.isEmpty())
         DoOnFileError(step.FailedFile, step.Failure);
     if (!step.Text.isEmpty())
@@ -138,9 +138,8 @@ void TKRNImporter_MP3s::TakeStep(const TFolderStep& step)
         DoOnProgress(++FPosition, FFilesCount, false, FLastText);
 }
 
-void TKRNImporter_MP3s::TakeRelease(const TAlbumRelease& release)
+void TKRNImporter_MP3s::TakeRelease(const TAlbumRelease& release, const TVariant& key)
 {
-    const TVariant key = release[u"FolderPath"_s];
     if (!IsWanted(key))
         return;
     if (JobType() == ijtImport) {

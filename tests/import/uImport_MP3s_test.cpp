@@ -51,6 +51,21 @@ protected:
         importer.Start();
         importer.WaitFor();
     }
+    // The keys that a listing gives, without the root.
+    QStringList Listed(const std::function<void(TKRNImporter_MP3s&)>& prepare = {})
+    {
+        QStringList keys;
+        Run({}, [&](TKRNImporter_MP3s& importer) {
+            importer.SetJobType(ijtGetReleasesList);
+            importer.SetOnReleaseFound([&](TKRNImporter&, const std::vector<TReleaseFoundItem>& items) {
+                for (const TReleaseFoundItem& item : items)
+                    keys += WithoutRoot(VarToStr(item.ReleaseID));
+            });
+            if (prepare)
+                prepare(importer);
+        });
+        return keys;
+    }
     QString WithoutRoot(QString text) const { return text.replace(FMusic.Path() + u'/', QString()); }
     QString Releases()
     {
@@ -247,7 +262,7 @@ TEST_F(ImportFolders, CueSheetsCutTheirFiles)
          cut},
         {"inside one of two files",
          [&](const QString& root) {
-             Flac(root + u"/a.flac"_s, 45, tags);
+             Flac(root + u"/a.flac"_s, 45, tags + QList<QByteArray>{"CUESHEET=" + three});
              Flac(root + u"/b.flac"_s, 45, tags + QList<QByteArray>{"CUESHEET=" + three});
          },
          u"1.0 t a 45 \n1.0 t a 45 "_s},
@@ -263,20 +278,35 @@ TEST_F(ImportFolders, CueSheetsCutTheirFiles)
              FMusic.Write(root + u"/all.cue"_s, "FILE all.flac WAVE\nTRACK 1 AUDIO\nTITLE A\n");
          },
          u"1.0 t a 45 "_s},
-        {"a sheet of other files",
+        {"a sheet left beside the split files",
          [&](const QString& root) {
-             Flac(root + u"/a.flac"_s, 45, tags);
-             Flac(root + u"/b.flac"_s, 45, tags);
-             FMusic.Write(root + u"/x.cue"_s, three);
+             Flac(root + u"/1.flac"_s, 45, tags);
+             Flac(root + u"/2.flac"_s, 45, tags);
+             FMusic.Write(root + u"/x.cue"_s, QByteArray(three).replace("a.wav", "a.flac"));
          },
          u"1.0 t a 45 \n1.0 t a 45 "_s},
-        {"a sheet of the first disc replaces all discs",
+        {"each disc by its own sheet",
          [&](const QString& root) {
              Flac(root + u"/CD1/a.flac"_s, 45, tags);
-             Flac(root + u"/CD2/b.flac"_s, 50, tags);
-             FMusic.Write(root + u"/CD1/a.cue"_s, QByteArray(three).replace("a.wav", "a.flac"));
+             Flac(root + u"/CD2/a.flac"_s, 45, tags);
+             Flac(root + u"/CD3/b.flac"_s, 50, tags);
+             FMusic.Write(root + u"/CD1/a.cue"_s, three);
+             FMusic.Write(root + u"/CD2/a.cue"_s, QByteArray(three).replace("TITLE T", "TITLE \"T, disc 2\""));
          },
-         cut},
+         cut + u'\n' + QString(cut).replace(u"1."_s, u"2."_s) + u"\n3.0 t a 50 "_s},
+        {"each disc by the sheet inside its file",
+         [&](const QString& root) {
+             Flac(root + u"/CD1/a.flac"_s, 45, tags + QList<QByteArray>{"CUESHEET=" + three});
+             Flac(root + u"/CD2/b.flac"_s, 50, tags);
+         },
+         cut + u"\n2.0 t a 50 "_s},
+        {"a file that no sheet covers",
+         [&](const QString& root) {
+             Flac(root + u"/a.flac"_s, 45, tags);
+             Flac(root + u"/bonus.flac"_s, 50, tags);
+             FMusic.Write(root + u"/x.cue"_s, three);
+         },
+         cut + u"\n1.0 t a 50 "_s},
     };
     int i = 0;
     for (const auto& row : rows) {
@@ -288,6 +318,23 @@ TEST_F(ImportFolders, CueSheetsCutTheirFiles)
         EXPECT_EQ(Tracks(), row.Tracks);
         EXPECT_EQ(FDone.first, 1);
     }
+}
+
+TEST_F(ImportFolders, TwoImagesWithSheetsInOneFolderAreTwoReleases)
+{
+    const auto sheet = [](const QByteArray& name) {
+        return "PERFORMER P\nTITLE " + name + "\nFILE " + name +
+               ".wav WAVE\nTRACK 1 AUDIO\nINDEX 01 00:00:00\n"
+               "TRACK 2 AUDIO\nINDEX 01 00:10:00\n";
+    };
+    for (const char* name : {"a", "b"}) {
+        Flac(u"x/%1.flac"_s.arg(QString::fromUtf8(name)), 30);
+        FMusic.Write(u"x/%1.cue"_s.arg(QString::fromUtf8(name)), sheet(name));
+    }
+    Run();
+    EXPECT_EQ(Releases(), u"P|a||1|x\nP|b||1|x"_s);
+    EXPECT_EQ(Tracks(), u"1.1  P 10 CUE:0:10\n1.2  P 20 CUE:10:30\n1.1  P 10 CUE:0:10\n1.2  P 20 CUE:10:30"_s);
+    EXPECT_EQ(Listed(), (QStringList{u"x"_s, u"x/b.flac"_s})) << "the keys";
 }
 
 TEST_F(ImportFolders, ACueSheetMayStartWithTheFileThatIsNotTheFirst)

@@ -83,9 +83,16 @@ TEST_F(ImportImages, FilesOfAnISOImageWithCoverAndSheet)
     EXPECT_EQ(Tracks(), u"1|CD/01|Band|0|ISO:CD/01.FLA|1\n2|CD/02|Band|0|ISO:CD/02.MP3|1"_s);
     EXPECT_EQ(Release(), u"Band|Files|2001|1|"_s);
     EXPECT_EQ(Rows(u"SELECT length(LargePicture) FROM Releases2"_s), QString::number(picture.size()));
-    const TKRN_MP3_Tracks cut = ProcessISO(
-        FMusic.Write(u"cue/x.iso"_s, IsoImage("Artist - Label", {{"ALL.WAV", "w"}, {"A.CUE", sheet}})), true);
-    ASSERT_EQ(cut.size(), 2U);
+    const TKRN_MP3_Tracks cut =
+        ProcessISO(FMusic.Write(u"cue/x.iso"_s, IsoImage("Artist - Label", {{"ALL.WAV", "w"},
+                                                                            {"A.CUE", sheet},
+                                                                            {"MORE/ALL.WAV", "w"},
+                                                                            {"MORE/B.CUE", sheet},
+                                                                            {"MORE/REST.WAV", "w"}})),
+                   true);
+    ASSERT_EQ(cut.size(), 5U);
+    EXPECT_EQ(cut[3].FileType, u"ISO:MORE/ALL.WAV:180:360"_s) << "each folder by its own sheet";
+    EXPECT_EQ(cut[4].FileType, u"ISO:MORE/REST.WAV"_s) << "and the file without one stays";
     EXPECT_EQ(cut[0].FileType, u"ISO:ALL.WAV:0:180"_s);
     EXPECT_EQ(cut[1].FileType, u"ISO:ALL.WAV:180:360"_s) << "the average length so far";
     EXPECT_EQ(cut[0].Album, u"Sheet Album"_s);
