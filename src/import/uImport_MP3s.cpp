@@ -84,6 +84,8 @@ TMP3ScanOptions TMP3ScanOptions::FromSettings()
     options.VariousArtists = GetLanguageString(u"cSVariousArtists"_s);
     options.Digital = GetLanguageString(u"cSDigital"_s);
     options.UnreadableFile = GetLanguageString(u"cSImporterMP3sUnreadableFile"_s);
+    options.UnknownImage = GetLanguageString(u"cSImporterMP3sUnknownImage"_s);
+    options.ImageWithoutAudio = GetLanguageString(u"cSImporterMP3sImageWithoutAudio"_s);
     options.ReadDiscImage = ProcessISO;
     options.ReadStreamLength = TransportStreamSeconds;
     return options;

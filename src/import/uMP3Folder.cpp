@@ -58,6 +58,15 @@ std::vector<TKRN_MP3_Tracks> AlbumsOf(TReadFolder folder)
     return CutIntoAlbums(sheets, std::move(folder.Tracks), others);
 }
 
+QString SentenceOf(TImageFailure failure, const TMP3ScanOptions& options)
+{
+    switch (failure) {
+    case imfUnknown: return options.UnknownImage;
+    case imfWithoutAudio: return options.ImageWithoutAudio;
+    default: return options.UnreadableFile;
+    }
+}
+
 class TFolderReader {
 public:
     explicit TFolderReader(const TMP3ScanOptions& options) : FOptions(options) {}
@@ -85,8 +94,13 @@ private:
         step.Text = FileNameOf(image);
         step.Key = image;
         try {
-            if (FOptions.ReadDiscImage)
-                step.Release = CreateReleaseFromTracks(FOptions.ReadDiscImage(image, FOptions.Pictures), FOptions);
+            const TImageTracks read =
+                FOptions.ReadDiscImage ? FOptions.ReadDiscImage(image, FOptions.Pictures) : TImageTracks{};
+            step.Release = CreateReleaseFromTracks(read.Tracks, FOptions);
+            if (read.Failure != imfNone) {
+                step.FailedFile = image;
+                step.Failure = SentenceOf(read.Failure, FOptions);
+            }
         } catch (const std::exception& failure) {
             Fail(step, "ProcessISO", image, failure);
         }

@@ -2,9 +2,11 @@
 #include "uMP3Image.h"
 
 #include "TagsLibrary.h"
+#include "uByteReader.h"
 #include "uCueSheet.h"
 #include "uDVDAReader.h"
 #include "uDebugLog.h"
+#include "uFilePath.h"
 #include "uFindCovers.h"
 #include "uISOReader.h"
 #include "uM2TSReader.h"
@@ -234,22 +236,30 @@ double TransportStreamSeconds(const QString& file)
     return reader.Open(file) ? reader.DurationSec() : 0.0;
 }
 
-TKRN_MP3_Tracks ProcessISO(const QString& image, bool pictures)
+TImageTracks ProcessISO(const QString& image, bool pictures)
 {
+    const auto orWithoutAudio = [](TKRN_MP3_Tracks tracks) {
+        const TImageFailure failure = tracks.empty() ? imfWithoutAudio : imfNone;
+        return TImageTracks{std::move(tracks), failure};
+    };
+    if (!TFileSource::Open(TextToPath(image)))
+        return {{}, imfUnreadable};
     if (TSACDReader::IsSACDImage(image)) {
         if (TKRN_MP3_Tracks tracks = SACDTracks(image); !tracks.empty())
-            return tracks;
+            return {std::move(tracks)};
         DebugLog(u"[SACD] Reader produced no tracks, falling back to ISO 9660"_s);
     }
     if (TDVDAReader::IsDVDAImage(image)) {
         if (TKRN_MP3_Tracks tracks = DVDATracks(image); !tracks.empty())
-            return tracks;
+            return {std::move(tracks)};
         DebugLog(u"[DVDA] Reader produced no tracks, falling back to ISO 9660"_s);
     }
     TISOReader reader;
     if (reader.Open(image))
-        return ISOTracks(reader, image, pictures);
-    return TUDFReader::IsUDFImage(image) ? BlurayTracks(image) : TKRN_MP3_Tracks();
+        return orWithoutAudio(ISOTracks(reader, image, pictures));
+    if (TUDFReader::IsUDFImage(image))
+        return orWithoutAudio(BlurayTracks(image));
+    return {{}, imfUnknown};
 }
 
 } // namespace Kestrune

@@ -435,26 +435,32 @@ TEST_F(ImportFolders, ProgressCountsFilesAndNamesThem)
 
 TEST_F(ImportFolders, ADiscImageIsAReleaseOfItsOwn)
 {
+    FMusic.Write(u"x/four.iso"_s, "x");
     FMusic.Write(u"x/one.iso"_s, "x");
     FMusic.Write(u"x/two.iso"_s, "x");
     FMusic.Write(u"x/three.iso"_s, "x");
     Flac(u"x/z.flac"_s, 1, {"ALBUM=Files"});
-    Run({}, [&](TKRNImporter_MP3s& importer) {
+    const auto prepare = [](TKRNImporter_MP3s& importer) {
         TMP3ScanOptions options = TMP3ScanOptions::FromSettings();
-        options.ReadDiscImage = [](const QString& image, bool) -> TKRN_MP3_Tracks {
+        options.ReadDiscImage = [](const QString& image, bool) -> TImageTracks {
             if (image.endsWith("two.iso"_L1))
                 throw std::runtime_error("bad image");
+            if (image.endsWith("three.iso"_L1))
+                return {{}, imfUnknown};
             TKRN_MP3_Track track;
             track.FilePath = image;
             track.FileType = u"SACD:1"_s;
-            track.Album = image.endsWith("one.iso"_L1) ? u"Image"_s : u""_s;
-            return image.endsWith("three.iso"_L1) ? TKRN_MP3_Tracks{} : TKRN_MP3_Tracks{track};
+            track.Album = image.endsWith("one.iso"_L1) ? u"One"_s : u"Four"_s;
+            return {{track}};
         };
         importer.SetOptions(std::move(options));
-    });
-    EXPECT_EQ(Rows(u"SELECT ReleaseName FROM Releases2 ORDER BY ID"_s), u"Image\nFiles"_s);
-    EXPECT_EQ(FErrors, QStringList{u"two.iso: bad image"_s});
-    EXPECT_EQ(FDone, std::pair(2, 4));
+    };
+    Run({}, prepare);
+    EXPECT_EQ(Rows(u"SELECT ReleaseName FROM Releases2 ORDER BY ID"_s), u"Four\nOne\nFiles"_s);
+    EXPECT_EQ(FErrors,
+              (QStringList{u"three.iso: The file is no disc image of a known kind."_s, u"two.iso: bad image"_s}));
+    EXPECT_EQ(FDone, std::pair(3, 5));
+    EXPECT_EQ(Listed(prepare), (QStringList{u"x/four.iso"_s, u"x/one.iso"_s, u"x"_s})) << "each has its own key";
 }
 
 TEST_F(ImportFolders, NamesThatAreNoUtf8SurviveTheWholeRoad)
