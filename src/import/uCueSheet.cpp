@@ -185,7 +185,7 @@ TCueFolder ListCueFolder(const QString& folder)
         audioNames << entry.Name.toCaseFolded() << StemOf(entry.Name).toCaseFolded();
     }
     const auto namesAudio = [&](const QString& sheet) { return audioNames.contains(StemOf(sheet).toCaseFolded()); };
-    std::ranges::stable_partition(sheets, namesAudio);
+    std::stable_partition(sheets.begin(), sheets.end(), namesAudio);
     result.Sheets = std::move(sheets);
     return result;
 }
