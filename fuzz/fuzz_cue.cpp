@@ -29,13 +29,16 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const QByteArray bytes(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size));
     const TCueSheet sheet = ParseCueSheet(DecodeCueText(bytes));
     for (const TKRN_MP3_Tracks& files : {scanned, TKRN_MP3_Tracks{scanned[0]}}) {
-        const TKRN_MP3_Tracks tracks = ApplyCueSheet(sheet, files);
-        if (tracks.size() > sheet.Tracks.size())
-            std::abort();
-        for (const TKRN_MP3_Track& track : tracks) {
-            if (track.DurationSec < 0 || track.FilePath.isEmpty() || track.No < 1)
-                std::abort();
+        const std::vector<TKRN_MP3_Tracks> albums = CutIntoAlbums({sheet, sheet}, files, {u"e.wav"_s});
+        size_t count = 0;
+        for (const TKRN_MP3_Tracks& tracks : albums) {
+            count += tracks.size();
+            for (const TKRN_MP3_Track& track : tracks)
+                if (track.DurationSec < 0 || track.FilePath.isEmpty())
+                    std::abort();
         }
+        if (count < 1 || count > sheet.Tracks.size() + files.size())
+            std::abort();
     }
     return 0;
 }

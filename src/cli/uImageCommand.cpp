@@ -33,7 +33,7 @@ public:
             FKind = u"dvda"_s;
         else
             FKind = FHasISO ? u"iso9660"_s : FHasUDF ? u"udf"_s : u"none"_s;
-        FTracks = ProcessISO(path, false);
+        FTracks = ProcessISO(path, false).Tracks;
     }
 
     QString Kind() const { return FKind; }

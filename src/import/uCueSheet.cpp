@@ -10,6 +10,7 @@
 #include <QSet>
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <utility>
 
 namespace Kestrune {
@@ -60,7 +61,8 @@ class TCueParser {
 public:
     TCueSheet Parse(const QString& text)
     {
-        for (const QString& line : text.split(u'\n')) {
+        // A carriage return alone ends a line as well; between two line ends there is nothing to read.
+        for (const QString& line : QString(text).replace(u'\r', u'\n').split(u'\n')) {
             const auto [keyword, value] = SplitWord(line.trimmed());
             if (!value.isEmpty())
                 Take(keyword.toUpper(), value);
@@ -119,8 +121,12 @@ private:
     void TakeIndex(const QString& value)
     {
         const auto [number, time] = SplitWord(value);
-        if (FInTrack && number == "01"_L1)
-            FTrack.StartSec = CueTime(time);
+        if (!FInTrack || number != "01"_L1)
+            return;
+        // Rippers that leave the gap at the end of the file before write TRACK and INDEX 00 there, and then the next
+        // FILE.
+        FTrack.FileName = FFile;
+        FTrack.StartSec = CueTime(time);
     }
 
     void StoreTrack()
@@ -165,19 +171,23 @@ std::optional<TCueSheet> LoadCueSheet(const QString& file)
     return ParseCueSheet(DecodeCueText(source->Read(0, source->Size())));
 }
 
-QString FindCueSheet(const QString& audioFile)
+TCueFolder ListCueFolder(const QString& folder)
 {
-    QString first;
-    const QString wanted = (StemOf(audioFile) + u".cue"_s).toCaseFolded();
-    for (const TFolderEntry& entry : ListFolder(FolderOf(audioFile))) {
-        if (!entry.IsFile || ExtensionOf(entry.Name) != ".cue"_L1)
+    TCueFolder result;
+    QStringList sheets;
+    QSet<QString> audioNames; // with and without extension
+    for (const TFolderEntry& entry : ListFolder(folder)) {
+        if (entry.IsFile && ExtensionOf(entry.Name) == ".cue"_L1)
+            sheets += entry.Path;
+        if (!entry.IsFile || !IsSupportedAudio(entry.Name) || IsDiscImage(entry.Name))
             continue;
-        if (entry.Name.toCaseFolded() == wanted)
-            return entry.Path;
-        if (first.isEmpty())
-            first = entry.Path;
+        result.AudioFiles += entry.Name;
+        audioNames << entry.Name.toCaseFolded() << StemOf(entry.Name).toCaseFolded();
     }
-    return first;
+    const auto namesAudio = [&](const QString& sheet) { return audioNames.contains(StemOf(sheet).toCaseFolded()); };
+    std::stable_partition(sheets.begin(), sheets.end(), namesAudio);
+    result.Sheets = std::move(sheets);
+    return result;
 }
 
 } // namespace Kestrune

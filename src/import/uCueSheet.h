@@ -16,7 +16,7 @@ struct TCueTrack {
     int No = 0;
     QString Title, Artist;
     double StartSec = 0.0; ///< of INDEX 01; 0 without one
-    QString FileName;      ///< of the FILE line before the track
+    QString FileName;      ///< of the FILE line before INDEX 01, or before the track where there is none
 };
 
 struct TCueSheet {
@@ -25,6 +25,7 @@ struct TCueSheet {
     int Year = 0;
     QString Comment;
     std::vector<TCueTrack> Tracks; ///< those with a number above 0
+    QString Folder;                ///< of a sheet inside of an image: its folder there
 };
 
 /// The text of a cue sheet: UTF-16 by its byte order mark or by the zero bytes of its first letter, UTF-8 where the
@@ -37,10 +38,18 @@ TCueSheet ParseCueSheet(const QString& text);
 /// Reads and parses a file; none when it cannot be read or is far too large for a cue sheet (over 1 MiB).
 std::optional<TCueSheet> LoadCueSheet(const QString& file);
 
-/// The cue sheet that bears the name of an audio file, else the first *.cue of its folder, else empty.
-QString FindCueSheet(const QString& audioFile);
+/// What a folder holds for the cutting of its files.
+struct TCueFolder {
+    QStringList Sheets;     ///< paths of *.cue: first those that bear the name of an audio file, each group by name
+    QStringList AudioFiles; ///< names, disc images left out
+};
+TCueFolder ListCueFolder(const QString& folder);
 
-/// The tracks of the sheet, cut from the scanned tracks. A cue track whose file is not among these is dropped.
-TKRN_MP3_Tracks ApplyCueSheet(const TCueSheet& sheet, const TKRN_MP3_Tracks& scanned);
+/// The tracks of one folder or image, cut by its sheets, as one list per album. A sheet of two tracks or more cuts the
+/// files that it names, unless a sheet before it has cut one of them; a cue track whose file is not among the scanned
+/// ones is dropped. Tracks that no sheet covers follow behind those of their album. `otherFiles` lie there too without
+/// having become tracks. Nothing scanned gives no album.
+std::vector<TKRN_MP3_Tracks> CutIntoAlbums(const std::vector<TCueSheet>& sheets, TKRN_MP3_Tracks scanned,
+                                           const QStringList& otherFiles = {});
 
 } // namespace Kestrune

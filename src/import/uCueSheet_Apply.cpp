@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uCueSheet.h"
+#include "uCueSources.h"
 #include "uFolderNames.h"
 #include "uTHTypes.h"
 #include "uTrackLocator.h"
@@ -7,6 +8,7 @@
 #include <QHash>
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -29,33 +31,6 @@ QString CueNameOf(const TKRN_MP3_Track& track)
         return FileNameOf(track.FilePath);
     return locator.InnerPath.startsWith(u'/') ? locator.InnerPath.sliced(1) : locator.InnerPath;
 }
-
-// Finds the scanned track that a cue track is a part of: by name, else the last one of the same extension (sheets
-// often name the file before its conversion), else the only one there is.
-class TCueSources {
-public:
-    explicit TCueSources(const TKRN_MP3_Tracks& scanned) : FScanned(scanned)
-    {
-        for (size_t i = scanned.size(); i-- > 0;)
-            FByName[CueNameOf(scanned[i]).toCaseFolded()] = i; // the first of equal names stays
-        for (size_t i = 0; i < scanned.size(); ++i)
-            FByExtension[ExtensionOf(CueNameOf(scanned[i]))] = i; // the last one stays
-    }
-
-    const TKRN_MP3_Track* Find(const QString& fileName) const
-    {
-        if (const auto named = FByName.constFind(fileName.toCaseFolded()); named != FByName.constEnd())
-            return &FScanned[*named];
-        if (const auto kin = FByExtension.constFind(ExtensionOf(fileName)); kin != FByExtension.constEnd())
-            return &FScanned[*kin];
-        return FScanned.size() == 1 ? &FScanned.front() : nullptr;
-    }
-
-private:
-    const TKRN_MP3_Tracks& FScanned;
-    QHash<QString, size_t> FByName;
-    QHash<QString, size_t> FByExtension;
-};
 
 int RoundedSeconds(double seconds)
 {
@@ -117,21 +92,103 @@ TKRN_MP3_Track CutTrack(const TCueSheet& sheet, size_t index, const TKRN_MP3_Tra
     return track;
 }
 
+// What one sheet makes of the scanned tracks.
+struct TCut {
+    TKRN_MP3_Tracks Tracks;
+    std::vector<size_t> Sources; // which of the scanned tracks these are parts of
+};
+
+TCut CutBySheet(const TCueSheet& sheet, const TCueSources& sources, const TKRN_MP3_Tracks& scanned)
+{
+    TCut cut;
+    const QHash<QString, size_t> files = sources.Resolve(sheet);
+    for (size_t i = 0; i < sheet.Tracks.size(); ++i) {
+        const auto source = files.constFind(sheet.Tracks[i].FileName);
+        if (source == files.constEnd() || *source >= scanned.size())
+            continue;
+        cut.Tracks.push_back(CutTrack(sheet, i, scanned[*source]));
+        cut.Sources.push_back(*source);
+    }
+    if (!cut.Tracks.empty())
+        cut.Tracks.front().Cover = scanned[cut.Sources.front()].Cover;
+    return cut;
+}
+
+// The files of a folder one after the other as their sheets cut them, gathered by the name of the album.
+class TAlbums {
+public:
+    void Add(TKRN_MP3_Tracks tracks)
+    {
+        const auto known = FByName.constFind(tracks.front().Album.toCaseFolded());
+        if (known != FByName.constEnd())
+            return Append(FAlbums[*known], std::move(tracks));
+        FByName.insert(tracks.front().Album.toCaseFolded(), FAlbums.size());
+        FAlbums.push_back(std::move(tracks));
+    }
+
+    // A file without sheet belongs to the only album there is, else to the one that its tags name.
+    void AddUncut(TKRN_MP3_Tracks tracks)
+    {
+        if (tracks.empty())
+            return;
+        if (FAlbums.size() == 1)
+            return Append(FAlbums.front(), std::move(tracks));
+        TKRN_MP3_Tracks rest;
+        for (TKRN_MP3_Track& track : tracks) {
+            const auto known = FByName.constFind(track.Album.toCaseFolded());
+            (known == FByName.constEnd() ? rest : FAlbums[*known]).push_back(std::move(track));
+        }
+        if (!rest.empty())
+            FAlbums.push_back(std::move(rest));
+    }
+
+    std::vector<TKRN_MP3_Tracks> Take() { return std::move(FAlbums); }
+
+private:
+    static void Append(TKRN_MP3_Tracks& album, TKRN_MP3_Tracks tracks)
+    {
+        std::ranges::move(tracks, std::back_inserter(album));
+    }
+
+    std::vector<TKRN_MP3_Tracks> FAlbums;
+    QHash<QString, size_t> FByName;
+};
+
+std::vector<TCueSource> SourcesOf(const TKRN_MP3_Tracks& scanned, const QStringList& otherFiles)
+{
+    std::vector<TCueSource> sources;
+    for (const TKRN_MP3_Track& track : scanned)
+        sources.push_back({CueNameOf(track), track.DurationSec});
+    for (const QString& name : otherFiles)
+        sources.push_back({name, 0});
+    return sources;
+}
+
 } // namespace
 
-TKRN_MP3_Tracks ApplyCueSheet(const TCueSheet& sheet, const TKRN_MP3_Tracks& scanned)
+std::vector<TKRN_MP3_Tracks> CutIntoAlbums(const std::vector<TCueSheet>& sheets, TKRN_MP3_Tracks scanned,
+                                           const QStringList& otherFiles)
 {
-    TKRN_MP3_Tracks result;
-    const TCueSources sources(scanned);
-    for (size_t i = 0; i < sheet.Tracks.size(); ++i) {
-        const TKRN_MP3_Track* source = sources.Find(sheet.Tracks[i].FileName);
-        if (!source)
+    TAlbums albums;
+    const TCueSources sources(SourcesOf(scanned, otherFiles));
+    std::vector<bool> covered(scanned.size(), false);
+    for (const TCueSheet& sheet : sheets) {
+        if (sheet.Tracks.size() < 2)
             continue;
-        result.push_back(CutTrack(sheet, i, *source));
-        if (result.size() == 1)
-            result.front().Cover = source->Cover;
+        TCut cut = CutBySheet(sheet, sources, scanned);
+        // Rippers write several sheets for the same files: the first one is enough.
+        if (cut.Tracks.empty() || std::ranges::any_of(cut.Sources, [&](size_t i) { return covered[i]; }))
+            continue;
+        for (const size_t i : cut.Sources)
+            covered[i] = true;
+        albums.Add(std::move(cut.Tracks));
     }
-    return result;
+    TKRN_MP3_Tracks uncut;
+    for (size_t i = 0; i < scanned.size(); ++i)
+        if (!covered[i])
+            uncut.push_back(std::move(scanned[i]));
+    albums.AddUncut(std::move(uncut));
+    return albums.Take();
 }
 
 } // namespace Kestrune

@@ -39,11 +39,32 @@ void Classify(const QString& path, TFoundCovers& covers)
         covers.Others += path;
 }
 
-void ScanEntries(const std::vector<TFolderEntry>& entries, TFoundCovers& covers)
+using TEntries = std::vector<TFolderEntry>;
+
+void ScanEntries(const TEntries& entries, TFoundCovers& covers)
 {
     for (const TFolderEntry& entry : entries) {
         if (entry.IsFile && IsCoverImage(entry.Name))
             Classify(entry.Path, covers);
+    }
+}
+
+void ScanCoverFolders(const TEntries& entries, TFoundCovers& covers)
+{
+    for (const QString& name : CoverFolders()) {
+        for (const TFolderEntry& entry : entries) {
+            if (entry.IsFolder && entry.Name.toCaseFolded() == name)
+                ScanImages(entry.Path, covers);
+        }
+    }
+}
+
+void ScanOtherFolders(const TEntries& entries, TFoundCovers& covers)
+{
+    for (const TFolderEntry& entry : entries) {
+        const bool named = CoverFolders().contains(entry.Name.toCaseFolded());
+        if (entry.IsFolder && !named && DiscNumberFromFolderName(entry.Name) == 0)
+            ScanImages(entry.Path, covers);
     }
 }
 
@@ -57,24 +78,23 @@ bool IsCoverImage(const QString& path)
 
 void ScanImages(const QString& folder, TFoundCovers& covers) { ScanEntries(ListFolder(folder), covers); }
 
-TFoundCovers FindCovers(const QString& folder)
+TFoundCovers FindCovers(const TCoverFolders& folders)
 {
     TFoundCovers covers;
-    const std::vector<TFolderEntry> entries = ListFolder(folder);
-    ScanEntries(entries, covers);
-    for (const QString& name : CoverFolders()) {
-        for (const TFolderEntry& entry : entries) {
-            if (entry.IsFolder && entry.Name.toCaseFolded() == name)
-                ScanImages(entry.Path, covers);
-        }
+    std::vector<TEntries> places;
+    for (const QString& folder : folders.Own)
+        places.push_back(ListFolder(folder));
+    if (!folders.Parent.isEmpty())
+        places.push_back(ListFolder(folders.Parent));
+    for (const TEntries& entries : places) {
+        ScanEntries(entries, covers);
+        ScanCoverFolders(entries, covers);
     }
-    if (covers.Front.isEmpty()) {
-        for (const TFolderEntry& entry : entries) {
-            const bool named = CoverFolders().contains(entry.Name.toCaseFolded());
-            if (entry.IsFolder && !named && DiscNumberFromFolderName(entry.Name) == 0)
-                ScanImages(entry.Path, covers);
-        }
-    }
+    // Beside "Album CD1" in the parent lie the folders of other albums.
+    if (!folders.Parent.isEmpty() && !folders.ParentIsRelease)
+        places.pop_back();
+    for (auto at = places.cbegin(); at != places.cend() && covers.Front.isEmpty(); ++at)
+        ScanOtherFolders(*at, covers);
     if (covers.Front.isEmpty() && !covers.Others.isEmpty())
         covers.Front = covers.Others.takeFirst();
     return covers;

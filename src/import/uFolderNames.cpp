@@ -59,12 +59,23 @@ int TakeYear(QString& text)
     return 0;
 }
 
-int DiscNumberBehind(QStringView name, qsizetype word, qsizetype length)
+bool IsWordCharacter(QChar c) { return IsDigit(c) || (c >= u'A' && c <= u'Z'); }
+
+// The digits that number the disc word at a position; empty when it is the tail of another word, as in "ABCD 2".
+QStringView DiscDigitsBehind(QStringView name, qsizetype word, qsizetype length)
 {
-    const QChar before = word > 0 ? name[word - 1] : u' ';
-    if (IsDigit(before) || (before >= u'A' && before <= u'Z'))
-        return 0;                                                   // the tail of another word, as in "ABCD 2"
-    return DigitsAt(name, SkipJoints(name, word + length)).toInt(); // 0 when it is too large for a number
+    if (word > 0 && IsWordCharacter(name[word - 1]))
+        return {};
+    return DigitsAt(name, SkipJoints(name, word + length));
+}
+
+bool IsJointOrBracket(QChar c) { return IsNameJoint(c) || IsOpening(c) || IsClosing(c); }
+
+QStringView WithoutJointsAtEnd(QStringView text)
+{
+    while (!text.isEmpty() && IsJointOrBracket(text.back()))
+        text.chop(1);
+    return text;
 }
 
 } // namespace
@@ -104,18 +115,25 @@ bool IsDiscImage(const QString& path)
     return path.endsWith(".iso"_L1, Qt::CaseInsensitive) || path.endsWith(".iso.wv"_L1, Qt::CaseInsensitive);
 }
 
-int DiscNumberFromFolderName(const QString& name)
+TDiscFolderName ParseDiscFolderName(const QString& name)
 {
     static const std::array words{u"CD"_s, u"DISC"_s, u"DISK"_s, u"MEDIA"_s};
     const QString upper = name.trimmed().toUpper();
     for (const QString& word : words) {
         for (qsizetype at = upper.indexOf(word); at >= 0; at = upper.indexOf(word, at + 1)) {
-            if (const int number = DiscNumberBehind(upper, at, word.size()); number > 0)
-                return number;
+            const QStringView digits = DiscDigitsBehind(upper, at, word.size());
+            const int number = digits.toInt(); // 0 when it is too large for a number
+            if (number == 0)
+                continue;
+            const QStringView before = WithoutJointsAtEnd(QStringView(upper).first(at));
+            const QStringView behind(digits.data() + digits.size(), upper.constData() + upper.size());
+            return {number, before.toString(), before.isEmpty() && WithoutJointsAtEnd(behind).isEmpty()};
         }
     }
-    return 0;
+    return {};
 }
+
+int DiscNumberFromFolderName(const QString& name) { return ParseDiscFolderName(name).Number; }
 
 TAlbumName ParseAlbumFolderName(const QString& name)
 {

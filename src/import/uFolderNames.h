@@ -20,7 +20,16 @@ bool IsSupportedAudio(const QString& path);
 /// True for *.iso and *.iso.wv.
 bool IsDiscImage(const QString& path);
 
-/// The number of a disc folder such as "CD1", "Disc 2" or "Media_3"; 0 for any other name.
+/// What the name of a disc folder such as "CD1", "Disc 2" or "Album - Media_3" tells.
+struct TDiscFolderName {
+    int Number = 0; ///< 0 for any other name
+    QString
+        Before; ///< what stands before the disc word, in one case and without joints: the same for discs of an album
+    bool IsBare = false; ///< nothing but the disc word and its number, so that the folder above bears the album's name
+};
+TDiscFolderName ParseDiscFolderName(const QString& name);
+
+/// The number of a disc folder; 0 for any other name.
 int DiscNumberFromFolderName(const QString& name);
 
 struct TAlbumName {

@@ -165,17 +165,19 @@ TFolderLists CollectFolderFiles(const QString& inputPath, const std::stop_token&
 
 void MergeDiscFolders(TFolderLists& lists)
 {
-    QHash<QString, size_t> firstDisc; // by the folder that holds the disc folders
+    QHash<std::pair<QString, QString>, size_t> firstDisc; // by the folder that holds them and their common name
     std::vector<bool> absorbed(lists.size(), false);
     for (size_t i = 0; i < lists.size(); ++i) {
         if (lists[i].isEmpty())
             continue;
         const QString folder = FolderOf(lists[i].front());
-        if (DiscNumberFromFolderName(FileNameOf(folder)) == 0)
+        const TDiscFolderName disc = ParseDiscFolderName(FileNameOf(folder));
+        if (disc.Number == 0)
             continue;
-        const auto known = firstDisc.constFind(FolderOf(folder));
+        const std::pair album(FolderOf(folder), disc.Before);
+        const auto known = firstDisc.constFind(album);
         if (known == firstDisc.constEnd()) {
-            firstDisc.insert(FolderOf(folder), i);
+            firstDisc.insert(album, i);
             continue;
         }
         lists[*known] += lists[i];

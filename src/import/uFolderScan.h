@@ -37,7 +37,8 @@ QStringList SplitInputPaths(const QString& inputPath);
 TFolderLists CollectFolderFiles(const QString& inputPath, const std::stop_token& stop = {},
                                 const TOnUnreadableFolder& onUnreadable = {});
 
-/// Joins the lists of disc folders ("CD1", "CD2") that lie in one folder; a lone disc folder stays as it is.
+/// Joins the lists of the disc folders of an album: those that lie in one folder and are named alike before the disc
+/// word ("CD1" and "CD2", "Album CD1" and "Album CD2"). A lone disc folder stays as it is.
 void MergeDiscFolders(TFolderLists& lists);
 
 } // namespace Kestrune

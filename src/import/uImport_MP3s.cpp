@@ -84,6 +84,8 @@ TMP3ScanOptions TMP3ScanOptions::FromSettings()
     options.VariousArtists = GetLanguageString(u"cSVariousArtists"_s);
     options.Digital = GetLanguageString(u"cSDigital"_s);
     options.UnreadableFile = GetLanguageString(u"cSImporterMP3sUnreadableFile"_s);
+    options.UnknownImage = GetLanguageString(u"cSImporterMP3sUnknownImage"_s);
+    options.ImageWithoutAudio = GetLanguageString(u"cSImporterMP3sImageWithoutAudio"_s);
     options.ReadDiscImage = ProcessISO;
     options.ReadStreamLength = TransportStreamSeconds;
     return options;
@@ -129,7 +131,7 @@ void TKRNImporter_MP3s::Import()
 void TKRNImporter_MP3s::TakeStep(const TFolderStep& step)
 {
     if (step.Release)
-        TakeRelease(*step.Release);
+        TakeRelease(*step.Release, step.Key);
     if (!step.FailedFile.isEmpty())
         DoOnFileError(step.FailedFile, step.Failure);
     if (!step.Text.isEmpty())
@@ -138,9 +140,8 @@ void TKRNImporter_MP3s::TakeStep(const TFolderStep& step)
         DoOnProgress(++FPosition, FFilesCount, false, FLastText);
 }
 
-void TKRNImporter_MP3s::TakeRelease(const TAlbumRelease& release)
+void TKRNImporter_MP3s::TakeRelease(const TAlbumRelease& release, const TVariant& key)
 {
-    const TVariant key = release[u"FolderPath"_s];
     if (!IsWanted(key))
         return;
     if (JobType() == ijtImport) {

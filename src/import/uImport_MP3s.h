@@ -12,8 +12,9 @@ namespace Kestrune {
 
 struct TFolderStep;
 
-/// Folders of audio files: each folder becomes a release, disc folders of one parent one release together. The input
-/// is one or more folders and files, joined by "|". A listing job names the releases with their folders as keys.
+/// Folders of audio files: each folder becomes a release, disc folders of an album one release together. The input is
+/// one or more folders and files, joined by "|". The keys of a listing job are the folders, and for disc images and
+/// further albums of a folder a file of theirs.
 class TKRNImporter_MP3s final : public TKRNImporter {
 public:
     /// Copies the scan options of the settings. Main thread.
@@ -37,7 +38,7 @@ protected:
 
 private:
     void TakeStep(const TFolderStep& step);
-    void TakeRelease(const TAlbumRelease& release);
+    void TakeRelease(const TAlbumRelease& release, const TVariant& key);
 
     TMP3ScanOptions FOptions;
     // Worker thread only.

@@ -7,8 +7,11 @@
 #include "uMP3File.h"
 #include "uMP3Release.h"
 
+#include <QSet>
+
 #include <algorithm>
 #include <exception>
+#include <iterator>
 #include <utility>
 
 namespace Kestrune {
@@ -16,6 +19,53 @@ namespace Kestrune {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+// One of the folders of a list, and what was read of it.
+struct TReadFolder {
+    QString Path;
+    TCueFolder Cue;
+    TKRN_MP3_Tracks Tracks;
+    QString EmbeddedCue; // of the last file
+    int Files = 0;       // readable ones or not
+};
+
+// The names that became no track, so that no sheet mistakes another file for one of them.
+QStringList UnreadNames(const TReadFolder& folder)
+{
+    QSet<QString> read;
+    for (const TKRN_MP3_Track& track : folder.Tracks)
+        read.insert(FileNameOf(track.FilePath));
+    QStringList names;
+    for (const QString& name : folder.Cue.AudioFiles)
+        if (!read.contains(name))
+            names += name;
+    return names;
+}
+
+std::vector<TKRN_MP3_Tracks> AlbumsOf(TReadFolder folder)
+{
+    if (folder.Cue.Sheets.isEmpty()) {
+        // The sheet inside a file speaks for the whole folder only when that file is all there is.
+        if (folder.Files > 1 || folder.EmbeddedCue.isEmpty())
+            return CutIntoAlbums({}, std::move(folder.Tracks));
+        return CutIntoAlbums({ParseCueSheet(folder.EmbeddedCue)}, std::move(folder.Tracks));
+    }
+    std::vector<TCueSheet> sheets;
+    for (const QString& path : std::as_const(folder.Cue.Sheets))
+        if (auto sheet = LoadCueSheet(path))
+            sheets.push_back(std::move(*sheet));
+    const QStringList others = UnreadNames(folder);
+    return CutIntoAlbums(sheets, std::move(folder.Tracks), others);
+}
+
+QString SentenceOf(TImageFailure failure, const TMP3ScanOptions& options)
+{
+    switch (failure) {
+    case imfUnknown: return options.UnknownImage;
+    case imfWithoutAudio: return options.ImageWithoutAudio;
+    default: return options.UnreadableFile;
+    }
+}
 
 class TFolderReader {
 public:
@@ -29,11 +79,10 @@ public:
             else
                 ReadFile(path);
         }
-        // The sheet inside a file speaks for the whole album only when that file is the whole album.
-        if (files.size() > 1)
-            FEmbeddedCue.clear();
-        if (!FTracks.empty())
-            FSteps.emplace_back().Release = CreateReleaseFromTracks(CutByCueSheet(), FOptions);
+        if (FFolders.size() == 1)
+            AddAlbums();
+        else if (!FFolders.empty())
+            AddDiscs();
         return std::move(FSteps);
     }
 
@@ -43,9 +92,15 @@ private:
         TFolderStep step;
         step.FileDone = true;
         step.Text = FileNameOf(image);
+        step.Key = image;
         try {
-            if (FOptions.ReadDiscImage)
-                step.Release = CreateReleaseFromTracks(FOptions.ReadDiscImage(image, FOptions.Pictures), FOptions);
+            const TImageTracks read =
+                FOptions.ReadDiscImage ? FOptions.ReadDiscImage(image, FOptions.Pictures) : TImageTracks{};
+            step.Release = CreateReleaseFromTracks(read.Tracks, FOptions);
+            if (read.Failure != imfNone) {
+                step.FailedFile = image;
+                step.Failure = SentenceOf(read.Failure, FOptions);
+            }
         } catch (const std::exception& failure) {
             Fail(step, "ProcessISO", image, failure);
         }
@@ -54,12 +109,14 @@ private:
 
     void ReadFile(const QString& path)
     {
+        TReadFolder& folder = FolderAt(FolderOf(path));
+        ++folder.Files;
         TFolderStep step;
         step.FileDone = true;
         try {
-            auto result = ProcessFile(path, FOptions, WantsCover());
+            auto result = ProcessFile(path, FOptions, WantsCover(folder));
             if (auto* file = std::get_if<TScannedFile>(&result)) {
-                step.Text = AddTrack(std::move(*file));
+                step.Text = AddTrack(folder, std::move(*file));
             } else {
                 step.FailedFile = path;
                 step.Failure = std::get<TFileFailure>(result).Sentence;
@@ -77,45 +134,65 @@ private:
         DebugLog(QString::fromUtf8(where) + u" error: "_s + step.Failure);
     }
 
-    // Of all pictures of a folder the first is shown, and the others would only fill the memory. A cue sheet may start
-    // with any of the files, so that each keeps its picture until the sheet is applied.
-    bool WantsCover() const
+    // The files of a folder stand together in the list.
+    TReadFolder& FolderAt(const QString& path)
     {
-        const auto bare = [](const TKRN_MP3_Track& track) { return track.Cover.isEmpty(); };
-        return FOptions.Pictures && (!FCueFile.isEmpty() || std::ranges::all_of(FTracks, bare));
+        if (FFolders.empty() || FFolders.back().Path != path)
+            FFolders.push_back({.Path = path, .Cue = ListCueFolder(path), .Tracks = {}, .EmbeddedCue = {}});
+        return FFolders.back();
     }
 
-    QString AddTrack(TScannedFile file)
+    // Of all pictures of a folder the first is shown, and the others would only fill the memory. A cue sheet may start
+    // with any of the files, so that each keeps its picture until the sheets are applied.
+    bool WantsCover(const TReadFolder& folder) const
+    {
+        return FOptions.Pictures && (!FHasCover || !folder.Cue.Sheets.isEmpty());
+    }
+
+    QString AddTrack(TReadFolder& folder, TScannedFile file)
     {
         TKRN_MP3_Track& track = file.Track;
         if (track.DiscNo == 0)
-            track.DiscNo = DiscNumberFromFolderName(FileNameOf(FolderOf(track.FilePath)));
-        if (FTracks.empty())
-            FCueFile = FindCueSheet(track.FilePath);
-        FEmbeddedCue = std::move(file.CueSheet);
-        FTracks.push_back(std::move(track));
-        return u"%1 - %2 - %3"_s.arg(FTracks.back().Artist, FTracks.back().Album, FTracks.back().Title);
+            track.DiscNo = DiscNumberFromFolderName(FileNameOf(folder.Path));
+        FHasCover = FHasCover || !track.Cover.isEmpty();
+        folder.EmbeddedCue = std::move(file.CueSheet);
+        folder.Tracks.push_back(std::move(track));
+        const TKRN_MP3_Track& added = folder.Tracks.back();
+        return u"%1 - %2 - %3"_s.arg(added.Artist, added.Album, added.Title);
     }
 
-    TKRN_MP3_Tracks CutByCueSheet()
+    void AddAlbums()
     {
-        std::optional<TCueSheet> sheet;
-        if (!FCueFile.isEmpty())
-            sheet = LoadCueSheet(FCueFile);
-        else if (!FEmbeddedCue.isEmpty())
-            sheet = ParseCueSheet(FEmbeddedCue);
-        if (sheet && sheet->Tracks.size() >= 2) {
-            if (TKRN_MP3_Tracks cut = ApplyCueSheet(*sheet, FTracks); !cut.empty())
-                return cut;
+        QString key = FFolders.front().Path;
+        for (const TKRN_MP3_Tracks& album : AlbumsOf(std::move(FFolders.front()))) {
+            AddRelease(album, key.isEmpty() ? album.front().FilePath : key);
+            key.clear(); // the folder can be the key of one album only
         }
-        return std::move(FTracks);
+    }
+
+    // Disc folders make one release, whatever their sheets call the discs.
+    void AddDiscs()
+    {
+        TKRN_MP3_Tracks tracks;
+        const QString key = FFolders.front().Path;
+        for (TReadFolder& folder : FFolders)
+            for (TKRN_MP3_Tracks& album : AlbumsOf(std::move(folder)))
+                std::ranges::move(album, std::back_inserter(tracks));
+        if (!tracks.empty())
+            AddRelease(tracks, key);
+    }
+
+    void AddRelease(const TKRN_MP3_Tracks& tracks, const QString& key)
+    {
+        TFolderStep& step = FSteps.emplace_back();
+        step.Key = key;
+        step.Release = CreateReleaseFromTracks(tracks, FOptions);
     }
 
     const TMP3ScanOptions& FOptions;
     std::vector<TFolderStep> FSteps;
-    TKRN_MP3_Tracks FTracks;
-    QString FCueFile;     // beside the first track
-    QString FEmbeddedCue; // the last file's own
+    std::vector<TReadFolder> FFolders;
+    bool FHasCover = false;
 };
 
 } // namespace

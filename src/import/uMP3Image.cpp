@@ -2,9 +2,11 @@
 #include "uMP3Image.h"
 
 #include "TagsLibrary.h"
+#include "uByteReader.h"
 #include "uCueSheet.h"
 #include "uDVDAReader.h"
 #include "uDebugLog.h"
+#include "uFilePath.h"
 #include "uFindCovers.h"
 #include "uISOReader.h"
 #include "uM2TSReader.h"
@@ -16,6 +18,8 @@
 #include <QBuffer>
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace Kestrune {
 
@@ -25,6 +29,7 @@ namespace {
 
 constexpr double ShortestStream = 30.0; // seconds; menus and trailers are shorter
 constexpr quint32 LargestCueFile = 1024 * 1024;
+constexpr qint64 LargestCueFiles = 8 * 1024 * 1024;
 constexpr quint32 LargestPicture = 64 * 1024 * 1024;
 
 QString NumberedTitle(int number) { return u"Track %1"_s.arg(number, 2, 10, QChar(u'0')); }
@@ -138,18 +143,29 @@ QByteArray SmallFile(const TISOReader& reader, const TISOFile& file, quint32 mos
     return file.Size <= most && reader.ExtractToStream(file, buffer) ? buffer.data() : QByteArray();
 }
 
-TKRN_MP3_Tracks CutByInnerSheet(const TISOReader& reader, TKRN_MP3_Tracks tracks)
+// Many entries of a broken directory may share the same bytes, so that all sheets together are bounded as well.
+std::vector<TCueSheet> InnerSheets(const TISOReader& reader)
 {
+    std::vector<TCueSheet> sheets;
+    qint64 room = LargestCueFiles;
     for (const TISOFile& file : reader.Files()) {
         if (file.IsDir || ExtensionOf(file.Name) != ".cue"_L1)
             continue;
-        const TCueSheet sheet = ParseCueSheet(DecodeCueText(SmallFile(reader, file, LargestCueFile)));
-        if (sheet.Tracks.size() < 2)
-            continue;
-        if (TKRN_MP3_Tracks cut = ApplyCueSheet(sheet, tracks); !cut.empty())
-            return cut;
+        room -= file.Size;
+        if (room < 0)
+            break;
+        sheets.push_back(ParseCueSheet(DecodeCueText(SmallFile(reader, file, LargestCueFile))));
+        sheets.back().Folder = FolderOf(file.FullPath);
     }
-    return tracks;
+    return sheets;
+}
+
+TKRN_MP3_Tracks CutByInnerSheets(const TISOReader& reader, TKRN_MP3_Tracks tracks)
+{
+    TKRN_MP3_Tracks cut;
+    for (TKRN_MP3_Tracks& album : CutIntoAlbums(InnerSheets(reader), std::move(tracks)))
+        std::ranges::move(album, std::back_inserter(cut));
+    return cut;
 }
 
 QByteArray InnerCover(const TISOReader& reader)
@@ -184,7 +200,7 @@ TKRN_MP3_Tracks ISOTracks(const TISOReader& reader, const QString& image, bool p
             tracks.emplace_back(NamedTrack(image, name, TTrackLocator::InISO(file.FullPath), number));
         track.Title = file.FullPath.chopped(ExtensionOf(file.FullPath).size());
     }
-    tracks = CutByInnerSheet(reader, std::move(tracks));
+    tracks = CutByInnerSheets(reader, std::move(tracks));
     if (pictures && !tracks.empty() && tracks.front().Cover.isEmpty())
         tracks.front().Cover = InnerCover(reader);
     return tracks;
@@ -220,22 +236,30 @@ double TransportStreamSeconds(const QString& file)
     return reader.Open(file) ? reader.DurationSec() : 0.0;
 }
 
-TKRN_MP3_Tracks ProcessISO(const QString& image, bool pictures)
+TImageTracks ProcessISO(const QString& image, bool pictures)
 {
+    const auto orWithoutAudio = [](TKRN_MP3_Tracks tracks) {
+        const TImageFailure failure = tracks.empty() ? imfWithoutAudio : imfNone;
+        return TImageTracks{std::move(tracks), failure};
+    };
+    if (!TFileSource::Open(TextToPath(image)))
+        return {{}, imfUnreadable};
     if (TSACDReader::IsSACDImage(image)) {
         if (TKRN_MP3_Tracks tracks = SACDTracks(image); !tracks.empty())
-            return tracks;
+            return {std::move(tracks)};
         DebugLog(u"[SACD] Reader produced no tracks, falling back to ISO 9660"_s);
     }
     if (TDVDAReader::IsDVDAImage(image)) {
         if (TKRN_MP3_Tracks tracks = DVDATracks(image); !tracks.empty())
-            return tracks;
+            return {std::move(tracks)};
         DebugLog(u"[DVDA] Reader produced no tracks, falling back to ISO 9660"_s);
     }
     TISOReader reader;
     if (reader.Open(image))
-        return ISOTracks(reader, image, pictures);
-    return TUDFReader::IsUDFImage(image) ? BlurayTracks(image) : TKRN_MP3_Tracks();
+        return orWithoutAudio(ISOTracks(reader, image, pictures));
+    if (TUDFReader::IsUDFImage(image))
+        return orWithoutAudio(BlurayTracks(image));
+    return {{}, imfUnknown};
 }
 
 } // namespace Kestrune

@@ -2,16 +2,16 @@
 #pragma once
 
 #include "uFolderNames.h"
+#include "uMP3Options.h"
 #include "uMP3Track.h"
 
 #include <QString>
 
 namespace Kestrune {
 
-/// The tracks of a disc image: Super Audio CD, DVD-Audio, files of an ISO 9660 image (cut by a cue sheet inside), or
-/// the streams of a Blu-ray disc. None when no reader opens it. With `pictures` the first track gets the image's cover.
-/// Never throws for a bad image.
-TKRN_MP3_Tracks ProcessISO(const QString& image, bool pictures);
+/// The tracks of a disc image: Super Audio CD, DVD-Audio, files of an ISO 9660 image (cut by cue sheets inside), or the
+/// streams of a Blu-ray disc. With `pictures` the first track gets the image's cover. Never throws for a bad image.
+TImageTracks ProcessISO(const QString& image, bool pictures);
 
 /// Artist, album and year from the name of an image, else from its folder's name.
 TAlbumName ParseImageName(const QString& image);

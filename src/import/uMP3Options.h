@@ -9,8 +9,23 @@
 
 namespace Kestrune {
 
-/// Lists the tracks of a disc image, none when no reader opens it; with the image's cover when pictures are wanted.
-using TDiscImageReader = std::function<TKRN_MP3_Tracks(const QString& image, bool pictures)>;
+/// Why a disc image gives no tracks.
+enum class TImageFailure : quint8 {
+    imfNone,
+    imfUnreadable,  ///< the file cannot be read
+    imfUnknown,     ///< no reader knows what it is
+    imfWithoutAudio ///< a disc without audio that could be taken
+};
+using enum TImageFailure;
+
+/// What a disc image holds: tracks, or why there are none.
+struct TImageTracks {
+    TKRN_MP3_Tracks Tracks;
+    TImageFailure Failure = imfNone;
+};
+
+/// Lists the tracks of a disc image; with the image's cover when pictures are wanted.
+using TDiscImageReader = std::function<TImageTracks(const QString& image, bool pictures)>;
 /// The length of a transport stream in seconds, 0 when it cannot be opened.
 using TStreamLengthReader = std::function<double(const QString& file)>;
 
@@ -23,7 +38,8 @@ struct TMP3ScanOptions {
     bool OtherImages = false;
     int ThumbHeight = 250; ///< pixels
     QString VariousArtists, Digital;
-    QString UnreadableFile; ///< the sentence for a file that cannot be read
+    // The sentences for a file that cannot be read and for images that give nothing.
+    QString UnreadableFile, UnknownImage, ImageWithoutAudio;
     /// Without a reader images yield no release, and streams are tracks of unknown length.
     TDiscImageReader ReadDiscImage;
     TStreamLengthReader ReadStreamLength;

@@ -19,11 +19,24 @@ namespace {
 // A scan of a whole poster has some tens of megabytes; beyond that a file named like a picture is something else.
 constexpr qint64 LargestCover = 64 * 1024 * 1024;
 
-// The folder of the first track, or the one above when that is a disc folder.
-QString ReleaseFolderOf(const TKRN_MP3_Track& firstTrack)
+// The folder above the tracks is the release's when its discs lie there, or when the only disc has no name of its own.
+TCoverFolders FoldersOf(const TKRN_MP3_Tracks& tracks)
 {
-    const QString folder = FolderOf(firstTrack.FilePath);
-    return DiscNumberFromFolderName(FileNameOf(folder)) > 0 ? FolderOf(folder) : folder;
+    TCoverFolders folders;
+    for (const TKRN_MP3_Track& track : tracks) {
+        const QString folder = FolderOf(track.FilePath);
+        if (folders.Own.isEmpty() || (folders.Own.back() != folder && !folders.Own.contains(folder)))
+            folders.Own += folder;
+    }
+    folders.ParentIsRelease = ParseDiscFolderName(FileNameOf(folders.Own.front())).IsBare;
+    if (folders.ParentIsRelease || folders.Own.size() > 1)
+        folders.Parent = FolderOf(folders.Own.front());
+    return folders;
+}
+
+QString ReleaseFolderOf(const TCoverFolders& folders)
+{
+    return folders.Parent.isEmpty() ? folders.Own.front() : folders.Parent;
 }
 
 // Upper and lower case make different artists.
@@ -55,7 +68,7 @@ void SetFields(TAlbumRelease& release, const TKRN_MP3_Tracks& tracks, const TMP3
     release.SetItem2(u"DataProvider"_s, u"MP3 Scan"_s);
     release.SetItem2(u"Quantity"_s, u"1"_s);
     release.SetItem2(u"MediaType"_s, options.Digital);
-    release.SetItem2(u"FolderPath"_s, ReleaseFolderOf(first));
+    release.SetItem2(u"FolderPath"_s, ReleaseFolderOf(FoldersOf(tracks)));
     const auto lastDisc = std::ranges::max_element(tracks, {}, &TKRN_MP3_Track::DiscNo);
     release.SetItem2(u"DiscCount"_s, std::max(1, lastDisc->DiscNo));
 }
@@ -107,9 +120,9 @@ void AddPictureFile(TAlbumRelease& release, TCoverPictureType type, const QStrin
         DebugLog(u"[Import] Picture is not readable or too large: "_s + path);
 }
 
-void AddFoundPictures(TAlbumRelease& release, const TMP3ScanOptions& options)
+void AddFoundPictures(TAlbumRelease& release, const TCoverFolders& folders, const TMP3ScanOptions& options)
 {
-    const TFoundCovers found = FindCovers(VarToStr(release[u"FolderPath"_s]));
+    const TFoundCovers found = FindCovers(folders);
     if (!release.GetPicByType(cptFrontLarge))
         AddPictureFile(release, cptFrontLarge, found.Front);
     if (options.BackCover)
@@ -130,7 +143,7 @@ void AddPictures(TAlbumRelease& release, const TKRN_MP3_Tracks& tracks, const TM
     if (covered != tracks.end())
         AddPicture(release, cptFrontLarge, covered->Cover);
     if (options.FindCovers)
-        AddFoundPictures(release, options);
+        AddFoundPictures(release, FoldersOf(tracks), options);
     if (TCoverPicture* front = release.GetPicByType(cptFrontLarge))
         front->PrepareThumbnail(options.ThumbHeight);
 }

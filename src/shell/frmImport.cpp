@@ -225,15 +225,6 @@ void TKRNImportForm::DropFiles(const TFileCatcher& files)
 
 void TKRNImportForm::SetTicked(int row, bool ticked) { TickRows({row}, ticked); }
 
-void TKRNImportForm::TickAll(bool ticked)
-{
-    for (TImportRow& row : FRows)
-        row.Ticked = ticked;
-    FTicked = ticked ? static_cast<int>(FRows.size()) : 0;
-    Q_EMIT ticksChanged();
-    Q_EMIT updated();
-}
-
 void TKRNImportForm::TickRows(const std::vector<int>& rows, bool ticked)
 {
     for (const int row : rows)

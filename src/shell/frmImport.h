@@ -83,9 +83,7 @@ public:
     const std::vector<TImportRow>& Rows() const { return FRows; }
     int TickedCount() const { return FTicked; }
     void SetTicked(int row, bool ticked);
-    /// Check all, uncheck all.
-    void TickAll(bool ticked);
-    /// Check selected, uncheck selected.
+    /// The rows that a button acts on: all that are shown, or the selected ones.
     void TickRows(const std::vector<int>& rows, bool ticked);
     /// Why the source could not be listed, or empty.
     QString ListingError() const { return FListingError; }
@@ -111,6 +109,7 @@ Q_SIGNALS:
     void ticksChanged();
     void logCleared();
     void logLines(const QStringList& lines);
+    /// A part of the source that was passed over, while listing as while importing; or why the import failed.
     void logWarning(const QString& line);
     void releaseStored(qint64 id);
     void openUrlRequested(const QString& url);

@@ -48,6 +48,10 @@ void TKRNImportForm::StartImporter(TKRNImporterJobType type)
     else
         ListenToListing();
     connect(FImporter.get(), &TImportRun::progressed, this, &TKRNImportForm::updated);
+    connect(FImporter.get(), &TImportRun::fileFailed, this, [this](const QString& file, const QString& sentence) {
+        Q_EMIT logWarning(file + u": "_s + sentence);
+        Q_EMIT updated();
+    });
     connect(FImporter.get(), &TImportRun::finished, this, &TKRNImportForm::ImporterFinished);
     FImporter->Start();
 }
@@ -57,6 +61,7 @@ void TKRNImportForm::EnterSelection()
     FListingError.clear();
     FRows.clear();
     FTicked = 0;
+    Q_EMIT logCleared();
     Q_EMIT rowsReset();
     StartImporter(ijtGetReleasesList);
 }
@@ -99,8 +104,6 @@ void TKRNImportForm::ListenToImport()
         FProgressText = GetLanguageString(u"cSImportDlgImportingData"_s) + u"\n\n"_s + FImporter->CurrentItem();
     });
     connect(FImporter.get(), &TImportRun::logLines, this, &TKRNImportForm::logLines);
-    connect(FImporter.get(), &TImportRun::fileFailed, this,
-            [this](const QString& file, const QString& sentence) { Q_EMIT logWarning(file + u": "_s + sentence); });
     connect(FImporter.get(), &TImportRun::releaseStored, this,
             [this](qint64 id, const QString&) { Q_EMIT releaseStored(id); });
     connect(FImporter.get(), &TImportRun::failed, this, [this] {

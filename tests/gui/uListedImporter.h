@@ -7,7 +7,7 @@ namespace Kestrune::Kit {
 
 using namespace Qt::StringLiterals;
 
-/// Lists and "imports" thirty releases that exist nowhere.
+/// Lists and "imports" thirty releases that exist nowhere. A source named "torn.x" has a part that cannot be read.
 class TListedImporter final : public TKRNImporter {
 public:
     using TKRNImporter::TKRNImporter;
@@ -28,6 +28,8 @@ public:
 protected:
     void Import() override
     {
+        if (InputPath().endsWith("torn.x"_L1))
+            DoOnFileError(u"page 7"_s, u"It is torn."_s);
         for (int i = 0; i < 30; ++i)
             if (JobType() == ijtGetReleasesList)
                 DoOnReleaseFound(i, i % 2 ? u"Ilva Marren"_s : u"Hask & Vane"_s, u"Salt Atlas %1"_s.arg(i), u"1974"_s,

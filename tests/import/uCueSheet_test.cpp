@@ -23,15 +23,19 @@ QString Shown(const TCueSheet& sheet)
     return lines.join(u'\n');
 }
 
-// "1|Title|duration|locator|name of the file" per track.
-QString Shown(const TKRN_MP3_Tracks& tracks)
+// "1|Title|duration|locator|name of the file" per track, and a line between albums.
+QString Shown(const std::vector<TKRN_MP3_Tracks>& albums)
 {
     QStringList lines;
-    for (const TKRN_MP3_Track& t : tracks)
-        lines += u"%1|%2|%3|%4|%5"_s.arg(t.No)
-                     .arg(t.Title)
-                     .arg(t.DurationSec)
-                     .arg(t.FileType, t.FilePath.sliced(t.FilePath.lastIndexOf(u'/') + 1));
+    for (const TKRN_MP3_Tracks& tracks : albums) {
+        if (!lines.isEmpty())
+            lines += u"--"_s;
+        for (const TKRN_MP3_Track& t : tracks)
+            lines += u"%1|%2|%3|%4|%5"_s.arg(t.No)
+                         .arg(t.Title)
+                         .arg(t.DurationSec)
+                         .arg(t.FileType, t.FilePath.sliced(t.FilePath.lastIndexOf(u'/') + 1));
+    }
     return lines.join(u'\n');
 }
 
@@ -55,6 +59,11 @@ TEST(CueSheet, LinesAreRead)
          "1|One|Who|62.493|a b.wav"},
         {"carriage returns and tabs", "FILE\ta.wav\tWAVE\r\n\tTRACK\t01 AUDIO\r\n\t\tINDEX 01 00:10:00\r\n",
          "1|||10.000|a.wav"},
+        {"carriage returns alone", "FILE a.wav WAVE\rTRACK 1 AUDIO\rTITLE A\rINDEX 01 00:01:00", "1|A||1.000|a.wav"},
+        {"gaps at the end of the file before",
+         "FILE 1.wav WAVE\nTRACK 1 AUDIO\nINDEX 01 00:00:00\nTRACK 2 AUDIO\nINDEX 00 03:00:00\n"
+         "FILE 2.wav WAVE\nINDEX 01 00:00:00\nTRACK 3 AUDIO\nINDEX 00 02:00:00\nFILE 3.wav WAVE\nINDEX 01 00:01:00",
+         "1|||0.000|1.wav\n2|||0.000|2.wav\n3|||1.000|3.wav"},
         {"only INDEX 01 counts",
          "TRACK 1 AUDIO\nINDEX 00 00:01:00\nINDEX 01 00:02:00\nINDEX 02 00:03:00\nINDEX 1 00:09:00", "1|||2.000|"},
         {"a missing INDEX 01", "TRACK 1 AUDIO\nINDEX 00 00:01:00", "1|||0.000|"},
@@ -131,17 +140,18 @@ TEST(CueSheet, TextsOfAllEncodingsAreRead)
     EXPECT_EQ(DecodeCueText("\xFF"), u"\u00FF"_s);
 }
 
-TEST(CueSheet, TheSheetOfTheSameNameComesFirst)
+TEST(CueSheet, SheetsThatBearTheNameOfAnAudioFileComeFirst)
 {
     const Kit::TTempDir dir;
-    const QString audio = dir.Write(u"Album.flac"_s, {});
-    EXPECT_EQ(FindCueSheet(audio), QString());
-    const QString other = dir.Write(u"a.CUE"_s, {});
-    dir.Write(u"b.cue"_s, {});
-    dir.File(u"0.cue/x"_s);
-    EXPECT_EQ(FindCueSheet(audio), other) << "folders are passed over, and the first of the others is taken";
-    const QString own = dir.Write(u"album.Cue"_s, {});
-    EXPECT_EQ(FindCueSheet(audio), own);
+    for (const QString& name : {u"Album.flac"_s, u"Disc.iso"_s, u"b.ape"_s, u"0.cue/x"_s, u"a.CUE"_s, u"album.Cue"_s,
+                                u"B.ape.cue"_s, u"disc.cue"_s, u"c.txt"_s})
+        dir.Write(name, {});
+    const TCueFolder folder = ListCueFolder(dir.Path());
+    QStringList names;
+    for (const QString& path : folder.Sheets)
+        names += path.sliced(dir.Path().size() + 1);
+    EXPECT_EQ(names, (QStringList{u"album.Cue"_s, u"B.ape.cue"_s, u"a.CUE"_s, u"disc.cue"_s}));
+    EXPECT_EQ(folder.AudioFiles, (QStringList{u"Album.flac"_s, u"b.ape"_s}));
 }
 
 TEST(CueSheet, AHugeFileIsNoSheet)
@@ -162,6 +172,7 @@ TEST(CueSheet, TracksAreCutFromTheirFiles)
         const char *Name, *Text;
         TKRN_MP3_Tracks Scanned;
         const char* Expected;
+        QStringList Others{};
     } rows[] = {
         {"a single file by any name",
          three,
@@ -171,19 +182,42 @@ TEST(CueSheet, TracksAreCutFromTheirFiles)
          three,
          {Source("/m/x.flac", 0)},
          "1|A|10|CUE:0:10|x.flac\n2|B|21|CUE:10:31|x.flac\n3|C|16|CUE:31:47|x.flac"},
+        {"a single file that is too short for the sheet", three, {Source("/m/x.flac", 30)}, "0||30||x.flac"},
+        {"a single track beside files that could not be read",
+         three,
+         {Source("/m/x.flac", 45)},
+         "0||45||x.flac",
+         {u"y.flac"_s}},
+        {"a named file that could not be read", three, {Source("/m/x.wav", 45)}, "0||45||x.wav", {u"a.wav"_s}},
         {"the name goes before the extension",
          twoFiles,
          {Source("/m/ONE.FLAC", 12), Source("/m/two.flac", 20), Source("/m/z.flac", 30)},
-         "1|A|10|CUE:2:12|ONE.FLAC\n2|B|20|CUE:0:20|two.flac"},
-        {"the last of the same extension",
+         "1|A|10|CUE:2:12|ONE.FLAC\n2|B|20|CUE:0:20|two.flac\n0||30||z.flac"},
+        {"paths of any system",
+         "FILE \"C:\\Rip\\One.wav\" WAVE\nTRACK 1 AUDIO\nFILE ../x/two.wav WAVE\nTRACK 2 AUDIO",
+         {Source("/m/one.wav", 12), Source("/m/two.wav", 20), Source("/m/three.wav", 30)},
+         "1||12|CUE:0:12|one.wav\n2||20|CUE:0:20|two.wav\n0||30||three.wav"},
+        {"names before their conversion",
+         "FILE 1.wav WAVE\nTRACK 1 AUDIO\nFILE d\\2.wav WAVE\nTRACK 2 AUDIO",
+         {Source("/m/1.flac", 12), Source("/m/2.flac", 20)},
+         "1||12|CUE:0:12|1.flac\n2||20|CUE:0:20|2.flac"},
+        {"the only file of the extension",
          three,
-         {Source("/m/x.wav", 9), Source("/m/y.wav", 50), Source("/m/z.mp3", 1)},
-         "1|A|10|CUE:0:10|y.wav\n2|B|21|CUE:10:31|y.wav\n3|C|19|CUE:31:50|y.wav"},
-        {"no source", three, {Source("/m/x.mp3", 9), Source("/m/y.mp3", 50)}, ""},
+         {Source("/m/y.wav", 50), Source("/m/z.mp3", 1)},
+         "1|A|10|CUE:0:10|y.wav\n2|B|21|CUE:10:31|y.wav\n3|C|19|CUE:31:50|y.wav\n0||1||z.mp3"},
+        {"files that were split already",
+         three,
+         {Source("/m/1.wav", 90), Source("/m/2.wav", 90)},
+         "0||90||1.wav\n0||90||2.wav"},
+        {"no source", three, {Source("/m/x.mp3", 9), Source("/m/y.mp3", 50)}, "0||9||x.mp3\n0||50||y.mp3"},
         {"only some have a source",
          "FILE a.mp3 MP3\nTRACK 1 AUDIO\nTITLE A\nFILE b.ogg MP3\nTRACK 2 AUDIO\nTITLE B\n",
          {Source("/m/b.ogg", 8), Source("/m/c.wav", 7)},
-         "2|B|8|CUE:0:8|b.ogg"},
+         "2|B|8|CUE:0:8|b.ogg\n0||7||c.wav"},
+        {"a file answers to one name",
+         "FILE a.wav WAVE\nTRACK 1 AUDIO\nINDEX 01 00:40:00\nFILE b.wav WAVE\nTRACK 2 AUDIO",
+         {Source("/m/a.wav", 30)},
+         "1||0|CUE:40:40|a.wav"},
         {"times that go back",
          "FILE a.wav WAVE\nTRACK 1 AUDIO\nINDEX 01 00:20:00\nTRACK 2 AUDIO\nINDEX 01 00:05:00\n",
          {Source("/m/a.wav", 30)},
@@ -191,16 +225,52 @@ TEST(CueSheet, TracksAreCutFromTheirFiles)
         {"a file inside of an image",
          "FILE a.wav WAVE\nTRACK 1 AUDIO\nTRACK 2 AUDIO\nINDEX 01 00:05:00\n",
          {Source("/m/disc.iso", 30, "ISO:/A.WAV"), Source("/m/disc.iso", 9, "ISO:/B.WAV")},
-         "1||5|ISO:/A.WAV:0:5|disc.iso\n2||25|ISO:/A.WAV:5:30|disc.iso"},
-        {"a first track past the end",
-         "FILE a.wav WAVE\nTRACK 1 AUDIO\nINDEX 01 00:40:00\nFILE b.wav WAVE\nTRACK 2 AUDIO",
-         {Source("/m/a.wav", 30)},
-         "1||0|CUE:40:40|a.wav\n2||30|CUE:0:30|a.wav"},
+         "1||5|ISO:/A.WAV:0:5|disc.iso\n2||25|ISO:/A.WAV:5:30|disc.iso\n0||9|ISO:/B.WAV|disc.iso"},
+        {"equal names in folders of an image",
+         "FILE CD2\\A.WAV WAVE\nTRACK 1 AUDIO\nTRACK 2 AUDIO\nINDEX 01 00:05:00\n",
+         {Source("/m/disc.iso", 30, "ISO:/CD1/A.WAV"), Source("/m/disc.iso", 9, "ISO:/CD2/A.WAV")},
+         "1||5|ISO:/CD2/A.WAV:0:5|disc.iso\n2||4|ISO:/CD2/A.WAV:5:9|disc.iso\n0||30|ISO:/CD1/A.WAV|disc.iso"},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.Name);
-        EXPECT_EQ(Shown(ApplyCueSheet(ParseCueSheet(QString::fromUtf8(row.Text)), row.Scanned)),
+        EXPECT_EQ(Shown(CutIntoAlbums({ParseCueSheet(QString::fromUtf8(row.Text))}, row.Scanned, row.Others)),
                   QString::fromUtf8(row.Expected));
+    }
+}
+
+TEST(CueSheet, EachSheetCutsTheFilesThatItNames)
+{
+    const auto sheet = [](const char* file, const char* album) {
+        return ParseCueSheet(u"TITLE \"%1\"\nFILE \"%2\" WAVE\nTRACK 1 AUDIO\nTRACK 2 AUDIO\nINDEX 01 00:10:00"_s.arg(
+            QString::fromUtf8(album), QString::fromUtf8(file)));
+    };
+    TKRN_MP3_Track tagged = Source("/m/d.flac", 5);
+    tagged.Album = u"Second"_s;
+    const TKRN_MP3_Tracks images{Source("/m/a.flac", 30), Source("/m/b.flac", 40)};
+    const QString a = u"1||10|CUE:0:10|a.flac\n2||20|CUE:10:30|a.flac"_s;
+    const QString b = u"1||10|CUE:0:10|b.flac\n2||30|CUE:10:40|b.flac"_s;
+    const struct {
+        const char* Name;
+        std::vector<TCueSheet> Sheets;
+        TKRN_MP3_Tracks Scanned;
+        QString Expected;
+    } rows[] = {
+        {"two albums", {sheet("a.flac", "First"), sheet("b.flac", "Second")}, images, a + u"\n--\n"_s + b},
+        {"two discs of an album", {sheet("a.flac", "First"), sheet("b.flac", "first")}, images, a + u'\n' + b},
+        {"several sheets for a file",
+         {sheet("a.flac", "First"), sheet("a.wav", "Other"), sheet("A.FLAC", "Third")},
+         images,
+         a + u"\n0||40||b.flac"_s},
+        {"a file by its tags",
+         {sheet("a.flac", "First"), sheet("b.flac", "Second")},
+         {images[0], images[1], Source("/m/c.flac", 4), tagged},
+         a + u"\n--\n"_s + b + u"\n0||5||d.flac\n--\n0||4||c.flac"_s},
+        {"no sheet", {}, images, u"0||30||a.flac\n0||40||b.flac"_s},
+        {"nothing scanned", {sheet("a.flac", "First")}, {}, {}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.Name);
+        EXPECT_EQ(Shown(CutIntoAlbums(row.Sheets, row.Scanned)), row.Expected);
     }
 }
 
@@ -221,7 +291,7 @@ TEST(CueSheet, WhatTheSheetLeavesOutComesFromTheFile)
         const QByteArray text = QByteArray(head) +
                                 "FILE a.wav WAVE\nTRACK 1 AUDIO\nTITLE \"A (Club REMIX)\"\nPERFORMER Own\n"
                                 "TRACK 2 AUDIO\nTITLE B\n";
-        return ApplyCueSheet(ParseCueSheet(QString::fromUtf8(text)), {source});
+        return CutIntoAlbums({ParseCueSheet(QString::fromUtf8(text))}, {source}).front();
     };
     const TKRN_MP3_Tracks bare = apply("");
     const TKRN_MP3_Tracks full = apply("REM GENRE G\nREM DATE 1973\nPERFORMER P\nTITLE T\n");

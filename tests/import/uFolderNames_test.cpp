@@ -14,27 +14,35 @@ TEST(FolderNames, DiscFoldersAreTold)
     const struct {
         const char* Name;
         int Disc;
-    } rows[] = {{"CD1", 1},
-                {"cd 02", 2},
-                {"Disc 2", 2},
-                {"disk-3", 3},
-                {"Media_3", 3},
-                {"CD . - _ 4", 4},
-                {" Album (CD 2) ", 2},
-                {"Best of, Disc 12 of 13", 12},
-                {"CD Disc 5", 5},
-                {"CD0 CD7", 7},
+        const char* Before = "";
+        bool IsBare = false;
+    } rows[] = {{"CD1", 1, "", true},
+                {"cd 02", 2, "", true},
+                {"Disc 2", 2, "", true},
+                {"disk-3", 3, "", true},
+                {"Media_3", 3, "", true},
+                {"[CD . - _ 4]", 4, "", true},
+                {"CD1 - Live", 1},
+                {" Album (CD 2) ", 2, "ALBUM"},
+                {"Best of, Disc 12 of 13", 12, "BEST OF,"},
+                {"Solo - Best CD1", 1, "SOLO - BEST"},
+                {"CD Disc 5", 5, "CD"},
+                {"CD0 CD7", 7, "CD0"},
                 {"ABCD 2", 0},
                 {"2CD1", 0},
-                {"ABCD 2 CD3", 3},
+                {"ABCD 2 CD3", 3, "ABCD 2"},
                 {"CD", 0},
                 {"CD0", 0},
                 {"CD 99999999999", 0},
                 {"Disc One", 0},
                 {"Bonus", 0},
                 {"", 0}};
-    for (const auto& row : rows)
-        EXPECT_EQ(DiscNumberFromFolderName(QString::fromUtf8(row.Name)), row.Disc) << row.Name;
+    for (const auto& row : rows) {
+        const TDiscFolderName disc = ParseDiscFolderName(QString::fromUtf8(row.Name));
+        EXPECT_EQ(disc.Number, row.Disc) << row.Name;
+        EXPECT_EQ(disc.Before, QString::fromUtf8(row.Before)) << row.Name;
+        EXPECT_EQ(disc.IsBare, row.IsBare) << row.Name;
+    }
 }
 
 TEST(FolderNames, AlbumFoldersAreRead)

@@ -93,7 +93,9 @@ TEST(FolderScan, DiscFoldersOfOneParentAreMerged)
         {"the first keeps its place", "A/CD1/1.mp3 A/Extra/1.mp3 A/Media_3/1.mp3 A/0.mp3",
          "A/CD1/1.mp3 A/Media_3/1.mp3; A/Extra/1.mp3; A/0.mp3"},
         {"different parents", "A/CD1/1.mp3 B/CD2/1.mp3", "A/CD1/1.mp3; B/CD2/1.mp3"},
-        {"albums of one parent too", "Album-A-CD1/1.mp3 Album-B-CD1/1.mp3", "Album-A-CD1/1.mp3 Album-B-CD1/1.mp3"},
+        {"discs of an album beside another's", "A-CD1/1.mp3 a_cd2/1.mp3 B-CD1/1.mp3 B-(Disc.2)/1.mp3",
+         "A-CD1/1.mp3 a_cd2/1.mp3; B-(Disc.2)/1.mp3 B-CD1/1.mp3"},
+        {"first discs of two albums", "A-CD1/1.mp3 B-CD2/1.mp3 CD1/1.mp3", "A-CD1/1.mp3; B-CD2/1.mp3; CD1/1.mp3"},
         {"ABCD2 is none", "A/ABCD2/1.mp3 A/CD1/1.mp3", "A/ABCD2/1.mp3; A/CD1/1.mp3"},
     };
     for (const auto& row : rows) {
@@ -204,13 +206,38 @@ TEST(FindCovers, PicturesAreSortedByTheirNames)
     for (const auto& row : rows) {
         SCOPED_TRACE(row.Name);
         const TScanTree tree(row.Files);
-        const TFoundCovers covers = FindCovers(tree.Path());
+        const TFoundCovers covers = FindCovers({.Own = {tree.Path()}});
         EXPECT_EQ(tree.Shown({{covers.Front}}), QString::fromUtf8(row.Front));
         EXPECT_EQ(tree.Shown({{covers.Back}}), QString::fromUtf8(row.Back));
         EXPECT_EQ(tree.Shown({{covers.Media}}), QString::fromUtf8(row.Media));
         EXPECT_EQ(tree.Shown({covers.Others}), QString::fromUtf8(row.Others));
     }
-    EXPECT_TRUE(FindCovers(u"/no/such/folder"_s).Front.isEmpty());
+    EXPECT_TRUE(FindCovers({.Own = {u"/no/such/folder"_s}}).Front.isEmpty());
+}
+
+TEST(FindCovers, TheFoldersOfTheTracksComeBeforeTheirParent)
+{
+    const struct {
+        const char *Name, *Files;
+        bool ParentCounts, ParentIsRelease;
+        const char *Front, *Others;
+    } rows[] = {
+        {"own before parent", "cover.jpg 1/front.jpg 2/front.jpg", true, true, "1/front.jpg", "2/front.jpg cover.jpg"},
+        {"a later disc before the parent", "cover.jpg 2/front.jpg", true, true, "2/front.jpg", "cover.jpg"},
+        {"the parent's front before another picture", "cover.jpg 1/a.jpg", true, true, "cover.jpg", "1/a.jpg"},
+        {"a parent that is not the release's", "cover.jpg 1/x.txt 3/front.jpg", false, false, "", ""},
+        {"a parent with other albums", "1/x.txt 3/front.jpg", true, false, "", ""},
+        {"a parent with further folders", "1/x.txt 3/front.jpg", true, true, "3/front.jpg", ""},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.Name);
+        const TScanTree tree(row.Files);
+        const TFoundCovers covers = FindCovers({.Own = {tree.Path(u"1"_s), tree.Path(u"2"_s)},
+                                                .Parent = row.ParentCounts ? tree.Path() : QString(),
+                                                .ParentIsRelease = row.ParentIsRelease});
+        EXPECT_EQ(tree.Shown({{covers.Front}}), QString::fromUtf8(row.Front));
+        EXPECT_EQ(tree.Shown({covers.Others}), QString::fromUtf8(row.Others));
+    }
 }
 
 } // namespace Kestrune

@@ -51,6 +51,21 @@ protected:
         importer.Start();
         importer.WaitFor();
     }
+    // The keys that a listing gives, without the root.
+    QStringList Listed(const std::function<void(TKRNImporter_MP3s&)>& prepare = {})
+    {
+        QStringList keys;
+        Run({}, [&](TKRNImporter_MP3s& importer) {
+            importer.SetJobType(ijtGetReleasesList);
+            importer.SetOnReleaseFound([&](TKRNImporter&, const std::vector<TReleaseFoundItem>& items) {
+                for (const TReleaseFoundItem& item : items)
+                    keys += WithoutRoot(VarToStr(item.ReleaseID));
+            });
+            if (prepare)
+                prepare(importer);
+        });
+        return keys;
+    }
     QString WithoutRoot(QString text) const { return text.replace(FMusic.Path() + u'/', QString()); }
     QString Releases()
     {
@@ -182,6 +197,14 @@ TEST_F(ImportFolders, FoldersBecomeReleases)
          "|Box||2|Box",
          "1.1 A  9 \n2.1 B  9 "},
         {"a lone disc", {file("Box/Disc 2/01 A.flac", {"ALBUM=Box"})}, "|Box||2|Box", "2.1 A  9 "},
+        {"a lone disc with a name of its own",
+         {file("Solo - Best CD1/01 A.flac"), file("Other/01 B.flac", {"ALBUM=Other"})},
+         "|Other||1|Other\nSolo|Best CD1||1|Solo - Best CD1",
+         "1.1 B  9 \n1.1 A Solo 9 "},
+        {"first discs of two albums",
+         {file("A CD1/01 A.flac", {"ALBUM=A"}), file("B CD2/01 B.flac", {"ALBUM=B"})},
+         "|A||1|A CD1\n|B||2|B CD2",
+         "1.1 A  9 \n2.1 B  9 "},
         {"the tag's disc before the folder's",
          {file("Box/CD1/01 A.flac", {"ALBUM=Box", "DISCNUMBER=4"})},
          "|Box||4|Box",
@@ -239,7 +262,7 @@ TEST_F(ImportFolders, CueSheetsCutTheirFiles)
          cut},
         {"inside one of two files",
          [&](const QString& root) {
-             Flac(root + u"/a.flac"_s, 45, tags);
+             Flac(root + u"/a.flac"_s, 45, tags + QList<QByteArray>{"CUESHEET=" + three});
              Flac(root + u"/b.flac"_s, 45, tags + QList<QByteArray>{"CUESHEET=" + three});
          },
          u"1.0 t a 45 \n1.0 t a 45 "_s},
@@ -255,20 +278,35 @@ TEST_F(ImportFolders, CueSheetsCutTheirFiles)
              FMusic.Write(root + u"/all.cue"_s, "FILE all.flac WAVE\nTRACK 1 AUDIO\nTITLE A\n");
          },
          u"1.0 t a 45 "_s},
-        {"a sheet of other files",
+        {"a sheet left beside the split files",
          [&](const QString& root) {
-             Flac(root + u"/a.flac"_s, 45, tags);
-             Flac(root + u"/b.flac"_s, 45, tags);
-             FMusic.Write(root + u"/x.cue"_s, three);
+             Flac(root + u"/1.flac"_s, 45, tags);
+             Flac(root + u"/2.flac"_s, 45, tags);
+             FMusic.Write(root + u"/x.cue"_s, QByteArray(three).replace("a.wav", "a.flac"));
          },
          u"1.0 t a 45 \n1.0 t a 45 "_s},
-        {"a sheet of the first disc replaces all discs",
+        {"each disc by its own sheet",
          [&](const QString& root) {
              Flac(root + u"/CD1/a.flac"_s, 45, tags);
-             Flac(root + u"/CD2/b.flac"_s, 50, tags);
-             FMusic.Write(root + u"/CD1/a.cue"_s, QByteArray(three).replace("a.wav", "a.flac"));
+             Flac(root + u"/CD2/a.flac"_s, 45, tags);
+             Flac(root + u"/CD3/b.flac"_s, 50, tags);
+             FMusic.Write(root + u"/CD1/a.cue"_s, three);
+             FMusic.Write(root + u"/CD2/a.cue"_s, QByteArray(three).replace("TITLE T", "TITLE \"T, disc 2\""));
          },
-         cut},
+         cut + u'\n' + QString(cut).replace(u"1."_s, u"2."_s) + u"\n3.0 t a 50 "_s},
+        {"each disc by the sheet inside its file",
+         [&](const QString& root) {
+             Flac(root + u"/CD1/a.flac"_s, 45, tags + QList<QByteArray>{"CUESHEET=" + three});
+             Flac(root + u"/CD2/b.flac"_s, 50, tags);
+         },
+         cut + u"\n2.0 t a 50 "_s},
+        {"a file that no sheet covers",
+         [&](const QString& root) {
+             Flac(root + u"/a.flac"_s, 45, tags);
+             Flac(root + u"/bonus.flac"_s, 50, tags);
+             FMusic.Write(root + u"/x.cue"_s, three);
+         },
+         cut + u"\n1.0 t a 50 "_s},
     };
     int i = 0;
     for (const auto& row : rows) {
@@ -280,6 +318,23 @@ TEST_F(ImportFolders, CueSheetsCutTheirFiles)
         EXPECT_EQ(Tracks(), row.Tracks);
         EXPECT_EQ(FDone.first, 1);
     }
+}
+
+TEST_F(ImportFolders, TwoImagesWithSheetsInOneFolderAreTwoReleases)
+{
+    const auto sheet = [](const QByteArray& name) {
+        return "PERFORMER P\nTITLE " + name + "\nFILE " + name +
+               ".wav WAVE\nTRACK 1 AUDIO\nINDEX 01 00:00:00\n"
+               "TRACK 2 AUDIO\nINDEX 01 00:10:00\n";
+    };
+    for (const char* name : {"a", "b"}) {
+        Flac(u"x/%1.flac"_s.arg(QString::fromUtf8(name)), 30);
+        FMusic.Write(u"x/%1.cue"_s.arg(QString::fromUtf8(name)), sheet(name));
+    }
+    Run();
+    EXPECT_EQ(Releases(), u"P|a||1|x\nP|b||1|x"_s);
+    EXPECT_EQ(Tracks(), u"1.1  P 10 CUE:0:10\n1.2  P 20 CUE:10:30\n1.1  P 10 CUE:0:10\n1.2  P 20 CUE:10:30"_s);
+    EXPECT_EQ(Listed(), (QStringList{u"x"_s, u"x/b.flac"_s})) << "the keys";
 }
 
 TEST_F(ImportFolders, ACueSheetMayStartWithTheFileThatIsNotTheFirst)
@@ -306,10 +361,11 @@ TEST_F(ImportFolders, PicturesComeFromTheTagsThenFromTheFolder)
     Flac(u"unknown/1.flac"_s, 1, {}, QByteArray("RIFF\x10\0\0\0WEBPVP8 ", 16));
     FMusic.Write(u"broken/folder.png"_s, "no picture");
     Flac(u"broken/1.flac"_s, 1, {}, QByteArray("\xFF\xD8 broken"));
+    Flac(u"Solo - Best CD1/1.flac"_s, 1); // not the picture of the album beside it
     Run();
     EXPECT_EQ(WithoutRoot(Rows(u"SELECT FolderPath, length(LargePicture), length(LargePictureBack),"
                                " length(LargePictureMedia) FROM Releases2 ORDER BY ID"_s)),
-              u"broken|||\ntagged|%1||%2\nunknown|%3|%4|"_s.arg(tag.size())
+              u"broken|||\nSolo - Best CD1|||\ntagged|%1||%2\nunknown|%3|%4|"_s.arg(tag.size())
                   .arg(disc.size())
                   .arg(front.size())
                   .arg(back.size()));
@@ -379,26 +435,32 @@ TEST_F(ImportFolders, ProgressCountsFilesAndNamesThem)
 
 TEST_F(ImportFolders, ADiscImageIsAReleaseOfItsOwn)
 {
+    FMusic.Write(u"x/four.iso"_s, "x");
     FMusic.Write(u"x/one.iso"_s, "x");
     FMusic.Write(u"x/two.iso"_s, "x");
     FMusic.Write(u"x/three.iso"_s, "x");
     Flac(u"x/z.flac"_s, 1, {"ALBUM=Files"});
-    Run({}, [&](TKRNImporter_MP3s& importer) {
+    const auto prepare = [](TKRNImporter_MP3s& importer) {
         TMP3ScanOptions options = TMP3ScanOptions::FromSettings();
-        options.ReadDiscImage = [](const QString& image, bool) -> TKRN_MP3_Tracks {
+        options.ReadDiscImage = [](const QString& image, bool) -> TImageTracks {
             if (image.endsWith("two.iso"_L1))
                 throw std::runtime_error("bad image");
+            if (image.endsWith("three.iso"_L1))
+                return {{}, imfUnknown};
             TKRN_MP3_Track track;
             track.FilePath = image;
             track.FileType = u"SACD:1"_s;
-            track.Album = image.endsWith("one.iso"_L1) ? u"Image"_s : u""_s;
-            return image.endsWith("three.iso"_L1) ? TKRN_MP3_Tracks{} : TKRN_MP3_Tracks{track};
+            track.Album = image.endsWith("one.iso"_L1) ? u"One"_s : u"Four"_s;
+            return {{track}};
         };
         importer.SetOptions(std::move(options));
-    });
-    EXPECT_EQ(Rows(u"SELECT ReleaseName FROM Releases2 ORDER BY ID"_s), u"Image\nFiles"_s);
-    EXPECT_EQ(FErrors, QStringList{u"two.iso: bad image"_s});
-    EXPECT_EQ(FDone, std::pair(2, 4));
+    };
+    Run({}, prepare);
+    EXPECT_EQ(Rows(u"SELECT ReleaseName FROM Releases2 ORDER BY ID"_s), u"Four\nOne\nFiles"_s);
+    EXPECT_EQ(FErrors,
+              (QStringList{u"three.iso: The file is no disc image of a known kind."_s, u"two.iso: bad image"_s}));
+    EXPECT_EQ(FDone, std::pair(3, 5));
+    EXPECT_EQ(Listed(prepare), (QStringList{u"x/four.iso"_s, u"x/one.iso"_s, u"x"_s})) << "each has its own key";
 }
 
 TEST_F(ImportFolders, NamesThatAreNoUtf8SurviveTheWholeRoad)

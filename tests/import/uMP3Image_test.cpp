@@ -19,6 +19,9 @@ protected:
         TKRNImporter_MP3s importer(FData);
         importer.SetInputPath(FMusic.Path());
         importer.SetOnDone([this](TKRNImporter&, int releases, int) { FReleases = releases; });
+        importer.SetOnFileError([this](TKRNImporter&, const QString& file, const QString& error) {
+            FFailures += file.sliced(file.lastIndexOf(u'/') + 1) + u": "_s + error;
+        });
         importer.Start();
         importer.WaitFor();
         return Rows(u"SELECT TrackNo, TrackTitle, ifnull(Artist, ''), round(TrackLength * 86400), FileType, DiscNo "
@@ -33,6 +36,7 @@ protected:
 
     TTempDir FMusic;
     int FReleases = -1;
+    QStringList FFailures;
 };
 
 QByteArray Ac3Stream(const TTempDir& dir, int seconds)
@@ -83,13 +87,32 @@ TEST_F(ImportImages, FilesOfAnISOImageWithCoverAndSheet)
     EXPECT_EQ(Tracks(), u"1|CD/01|Band|0|ISO:CD/01.FLA|1\n2|CD/02|Band|0|ISO:CD/02.MP3|1"_s);
     EXPECT_EQ(Release(), u"Band|Files|2001|1|"_s);
     EXPECT_EQ(Rows(u"SELECT length(LargePicture) FROM Releases2"_s), QString::number(picture.size()));
-    const TKRN_MP3_Tracks cut = ProcessISO(
-        FMusic.Write(u"cue/x.iso"_s, IsoImage("Artist - Label", {{"ALL.WAV", "w"}, {"A.CUE", sheet}})), true);
-    ASSERT_EQ(cut.size(), 2U);
+    const TKRN_MP3_Tracks cut =
+        ProcessISO(FMusic.Write(u"cue/x.iso"_s, IsoImage("Artist - Label", {{"ALL.WAV", "w"},
+                                                                            {"A.CUE", sheet},
+                                                                            {"MORE/ALL.WAV", "w"},
+                                                                            {"MORE/B.CUE", sheet},
+                                                                            {"MORE/REST.WAV", "w"}})),
+                   true)
+            .Tracks;
+    ASSERT_EQ(cut.size(), 5U);
+    EXPECT_EQ(cut[3].FileType, u"ISO:MORE/ALL.WAV:180:360"_s) << "each folder by its own sheet";
+    EXPECT_EQ(cut[4].FileType, u"ISO:MORE/REST.WAV"_s) << "and the file without one stays";
     EXPECT_EQ(cut[0].FileType, u"ISO:ALL.WAV:0:180"_s);
     EXPECT_EQ(cut[1].FileType, u"ISO:ALL.WAV:180:360"_s) << "the average length so far";
     EXPECT_EQ(cut[0].Album, u"Sheet Album"_s);
-    EXPECT_TRUE(ProcessISO(FMusic.Write(u"none/x.iso"_s, QByteArray(100000, 'x')), true).empty());
+}
+
+TEST_F(ImportImages, AnImageThatGivesNothingIsListedWithItsReason)
+{
+    FMusic.Write(u"a/noise.iso"_s, QByteArray(100000, 'x'));
+    FMusic.Write(u"b/texts.iso"_s, IsoImage("LABEL", {{"NOTES.TXT", "d"}}));
+    FMusic.Write(u"c/film.iso"_s, UdfImage({{"BDMV/STREAM/00001.m2ts", "short"}}));
+    EXPECT_EQ(Tracks(), QString());
+    EXPECT_EQ(FFailures, (QStringList{u"noise.iso: The file is no disc image of a known kind."_s,
+                                      u"texts.iso: The disc image holds no audio that can be read."_s,
+                                      u"film.iso: The disc image holds no audio that can be read."_s}));
+    EXPECT_EQ(ProcessISO(FMusic.Path() + u"/none.iso"_s, true).Failure, imfUnreadable);
 }
 
 TEST_F(ImportImages, BlurayStreamsOfHalfAMinuteAndMore)

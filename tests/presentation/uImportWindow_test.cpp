@@ -5,6 +5,7 @@
 #include "uImportRun.h"
 #include "uImportWindow.h"
 #include "uListedImporter.h"
+#include "uLogView.h"
 #include "uScriptedPrompt.h"
 #include "uTestFiles.h"
 #include "uThemeController.h"
@@ -21,6 +22,8 @@
 #include <QTreeView>
 
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace Kestrune {
 
@@ -65,6 +68,22 @@ protected:
         QTest::mouseClick(button, Qt::LeftButton);
     }
 
+    TLogView* VisibleLog()
+    {
+        const QList<TLogView*> logs = FWindow.findChildren<TLogView*>();
+        const auto shown = std::ranges::find_if(logs, &QWidget::isVisible);
+        return shown == logs.end() ? nullptr : *shown;
+    }
+    void GoToSelection(const QString& source)
+    {
+        FForm.ChooseClass(0);
+        FForm.Next();
+        FForm.SetSourceText(FDir.Write(source, "x"));
+        ASSERT_TRUE(QTest::qWaitFor([this] { return FForm.NextEnabled(); }));
+        FForm.Next();
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !FForm.Importer(); }));
+    }
+
     Kit::TTempDir FDir;
     Kit::TScriptedPrompt FPrompt;
     QString FPath = FDir.File(u"x.db"_s);
@@ -107,14 +126,11 @@ TEST_F(ImportWindow, IsWalkedByKeyboardFromSourceToFinish)
     EXPECT_EQ(FWindow.result(), QDialog::Accepted);
 }
 
-TEST_F(ImportWindow, TheFilterHidesRowsAndTicksReachTheRightOnes)
+TEST_F(ImportWindow, TheButtonsActOnTheRowsThatTheFilterShows)
 {
-    FForm.ChooseClass(0);
-    FForm.Next();
-    FForm.SetSourceText(FDir.Write(u"list.x"_s, "x"));
-    FForm.Next();
-    ASSERT_TRUE(QTest::qWaitFor([this] { return !FForm.Importer(); }));
+    GoToSelection(u"list.x"_s);
     auto* rows = FWindow.findChild<QTreeView*>();
+    EXPECT_EQ(VisibleLog(), nullptr);
     QTest::keyClicks(Field(), u"hask"_s);
     ASSERT_EQ(rows->model()->rowCount(), 15);
     rows->sortByColumn(1, Qt::DescendingOrder);
@@ -122,6 +138,23 @@ TEST_F(ImportWindow, TheFilterHidesRowsAndTicksReachTheRightOnes)
     Click(u"Check selected"_s);
     EXPECT_TRUE(FForm.Rows()[8].Ticked) << "Salt Atlas 8 is the last by name among the even ones";
     EXPECT_EQ(FForm.TickedCount(), 1);
+    Click(u"Check all"_s);
+    EXPECT_EQ(FForm.TickedCount(), 15);
+    EXPECT_FALSE(FForm.Rows()[1].Ticked) << "a row that the filter hides";
+    Field()->clear();
+    Click(u"Check all"_s);
+    QTest::keyClicks(Field(), u"marren"_s);
+    Click(u"Uncheck all"_s);
+    EXPECT_EQ(FForm.TickedCount(), 15);
+    EXPECT_TRUE(FForm.Rows()[0].Ticked);
+}
+
+TEST_F(ImportWindow, WhatTheListingPassedOverIsShown)
+{
+    GoToSelection(u"torn.x"_s);
+    TLogView* notes = VisibleLog();
+    ASSERT_TRUE(notes);
+    EXPECT_TRUE(notes->toPlainText().contains(u"page 7: It is torn."_s)) << notes->toPlainText().toStdString();
 }
 
 TEST_F(ImportWindow, EscapeAsksAndCloses)

@@ -31,7 +31,8 @@ public:
         bool Select = true, Paste = false, Drops = false, NeedsDriver = false, HasDriver = true;
         TKRNImporterInputType Type = iitString;
         int Releases = 3;
-        int FailAt = -1; // position whose release throws
+        int FailAt = -1;    // position whose release throws
+        QString TornFile{}; // is reported as passed over
     };
     static TAnswers& Answers()
     {
@@ -77,6 +78,8 @@ protected:
         Seen() = {InputPath(), Data(), ids.join(u','), Seen().Started + 1};
         const TControlsOff controlsOff(*this);
         int stored = 0;
+        if (!Answers().TornFile.isEmpty())
+            DoOnFileError(Answers().TornFile, u"Torn."_s);
         for (int i = 0; i < Answers().Releases && !Terminated(); ++i) {
             if (i == Answers().FailAt)
                 throw std::runtime_error("page 7 is torn");
@@ -222,11 +225,9 @@ TEST_F(ImportForm, ListsTicksAndImportsOnlyTheTicked)
     UntilIdle();
     ASSERT_EQ(FForm.Rows().size(), 45U);
     EXPECT_EQ(FForm.NextCaption(), u"Import all 45 albums"_s);
-    FForm.TickAll(true);
-    FForm.TickRows({0, 1, 2, 99, -1}, false);
-    EXPECT_EQ(FForm.TickedCount(), 42);
-    FForm.TickAll(false);
-    FForm.TickRows({44, 7}, true);
+    FForm.TickRows({44, 7, 99, -1, 0}, true);
+    FForm.TickRows({0, 99, -1}, false);
+    EXPECT_EQ(FForm.TickedCount(), 2);
     FForm.SetTicked(9, true);
     EXPECT_EQ(FForm.NextCaption(), u"Import 3 albums"_s);
     FForm.Next();
@@ -246,7 +247,7 @@ TEST_F(ImportForm, ASelectionPageThatIsEnteredAnewListsAnew)
 {
     GoToSelection();
     UntilIdle();
-    FForm.TickAll(true);
+    FForm.TickRows({0, 1}, true);
     FForm.Back();
     TFakeImporter::Answers().Releases = 0;
     FForm.Next();
@@ -256,6 +257,20 @@ TEST_F(ImportForm, ASelectionPageThatIsEnteredAnewListsAnew)
     EXPECT_FALSE(FForm.NextEnabled()) << "an empty list";
     EXPECT_EQ(FForm.ListingPercent(), 0);
     EXPECT_EQ(TFakeImporter::Seen().Started, 2);
+}
+
+TEST_F(ImportForm, WhatIsPassedOverIsToldWhileListingAndWhileImporting)
+{
+    TFakeImporter::Answers().TornFile = u"a.x"_s;
+    QStringList log;
+    QObject::connect(&FForm, &TKRNImportForm::logWarning, &FForm, [&](const QString& line) { log += line; });
+    QObject::connect(&FForm, &TKRNImportForm::logCleared, &FForm, [&] { log.clear(); });
+    GoToSelection();
+    UntilIdle();
+    EXPECT_EQ(log, QStringList{u"a.x: Torn."_s});
+    FForm.Next();
+    Until([this] { return FForm.Page() == pFinish; });
+    EXPECT_EQ(log, QStringList{u"a.x: Torn."_s}) << "the log begins anew";
 }
 
 TEST_F(ImportForm, AFailureStaysOnItsPage)

@@ -74,6 +74,7 @@ public:
     QWidget* FirstWidget() override;
 
 private:
+    void TickShown(bool ticked);
     void TickSelected(bool ticked);
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -83,6 +84,7 @@ private:
     QList<QPushButton*> FTickButtons;
     QProgressBar* FBar;
     QLabel* FError;
+    TLogView* FNotes; // what the listing passed over
     QLabel* FTicked;
 };
 

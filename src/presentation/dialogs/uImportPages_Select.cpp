@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uImportPages.h"
+#include "uLogView.h"
 #include "uTHStrings.h"
 #include "uThemeStyle.h"
 
@@ -18,6 +19,12 @@
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int NotesHeight = 96; // some lines; the rows are what the page is for
+
+} // namespace
 
 /// The rows of the selection page; the first column carries the tick.
 class TImportRowsModel final : public QAbstractTableModel {
@@ -97,6 +104,7 @@ TSelectPage::TSelectPage(TKRNImportForm& form, QWidget* parent)
       FList(new QTreeView(this)),
       FBar(new QProgressBar(this)),
       FError(new QLabel(this)),
+      FNotes(new TLogView(this)),
       FTicked(new QLabel(this))
 {
     FFiltered->setSourceModel(FModel);
@@ -124,6 +132,10 @@ TSelectPage::TSelectPage(TKRNImportForm& form, QWidget* parent)
     FBar->setAccessibleName(GetLanguageString(u"cSGuiProgress"_s));
     FError->setWordWrap(true);
     FError->setTextFormat(Qt::PlainText);
+    FNotes->setFixedHeight(NotesHeight);
+    FNotes->setAccessibleName(GetLanguageString(u"cSGuiLog"_s));
+    connect(&form, &TKRNImportForm::logCleared, FNotes, &TLogView::Reset);
+    connect(&form, &TKRNImportForm::logWarning, FNotes, &TLogView::AddWarning);
     auto* filter = new QLineEdit(this);
     filter->setPlaceholderText(GetLanguageString(u"cSGuiFilterList"_s));
     filter->setAccessibleName(filter->placeholderText());
@@ -137,8 +149,8 @@ TSelectPage::TSelectPage(TKRNImportForm& form, QWidget* parent)
         tools->addWidget(button);
         FTickButtons << button;
     };
-    addButton(GetLanguageString(u"cSGuiCheckAll"_s), [this] { FForm.TickAll(true); });
-    addButton(GetLanguageString(u"cSGuiUncheckAll"_s), [this] { FForm.TickAll(false); });
+    addButton(GetLanguageString(u"cSGuiCheckAll"_s), [this] { TickShown(true); });
+    addButton(GetLanguageString(u"cSGuiUncheckAll"_s), [this] { TickShown(false); });
     addButton(GetLanguageString(u"cSGuiCheckSelected"_s), [this] { TickSelected(true); });
     addButton(GetLanguageString(u"cSGuiUncheckSelected"_s), [this] { TickSelected(false); });
     tools->addStretch(1);
@@ -150,6 +162,7 @@ TSelectPage::TSelectPage(TKRNImportForm& form, QWidget* parent)
     column->addWidget(FBar);
     column->addWidget(FError);
     column->addWidget(FList, 1);
+    column->addWidget(FNotes);
     column->addWidget(FTicked);
     connect(filter, &QLineEdit::textChanged, FFiltered, &QSortFilterProxyModel::setFilterFixedString);
 }
@@ -166,10 +179,20 @@ void TSelectPage::Refresh()
     FError->setPalette(palette);
     for (QPushButton* button : FTickButtons)
         button->setEnabled(!FForm.Rows().empty());
+    FNotes->setVisible(FNotes->WarningCount() > 0);
     FTicked->setText(GetLanguageString(u"cSGuiTicked"_s).arg(FForm.TickedCount()).arg(FForm.Rows().size()));
 }
 
 QWidget* TSelectPage::FirstWidget() { return FList; }
+
+// "All" are those that the filter leaves.
+void TSelectPage::TickShown(bool ticked)
+{
+    std::vector<int> rows;
+    for (int row = 0; row < FFiltered->rowCount(); ++row)
+        rows.push_back(FFiltered->mapToSource(FFiltered->index(row, 0)).row());
+    FForm.TickRows(rows, ticked);
+}
 
 void TSelectPage::TickSelected(bool ticked)
 {

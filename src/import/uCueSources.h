@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "uCueSheet.h"
+
+#include <QHash>
+#include <QSet>
+#include <QString>
+
+#include <vector>
+
+namespace Kestrune {
+
+/// An audio file that a cue sheet may name.
+struct TCueSource {
+    QString Name;    ///< of the file, inside of an image its path there with "/"
+    int Seconds = 0; ///< 0 unknown
+};
+
+/// Finds the files that cue sheets name among those of a folder or image.
+class TCueSources {
+public:
+    explicit TCueSources(std::vector<TCueSource> sources);
+
+    /// The index of the source for each file name of the sheet's tracks that has one. A name is looked for as it
+    /// stands, by its last component, and without its extension, since sheets often name the file before its
+    /// conversion. What is then still nameless is the only file of its extension or the only file at all, if it is long
+    /// enough.
+    QHash<QString, size_t> Resolve(const TCueSheet& sheet) const;
+
+private:
+    using TIndex = QHash<QString, size_t>;
+    using TTaken = QSet<size_t>;
+
+    static const size_t* Find(const TIndex& index, const QString& name, const QString& folder);
+    const size_t* FindOnlyOne(const QString& name, const TCueSheet& sheet, const TTaken& taken) const;
+
+    std::vector<TCueSource> FSources;
+    TIndex FByName, FByStem;
+    QHash<QString, std::vector<size_t>> FByExtension;
+    std::vector<size_t> FAll;
+};
+
+} // namespace Kestrune
