@@ -120,14 +120,14 @@ void MeasureFilters(TOpenWindow& open)
         });
         form.Actions().Trigger(u"actFilterStatusOther"_s);
     };
-    shown(u"letter B, painted"_s, [&] { form.LetterClick(u"B"_s); });
-    shown(u"status, painted"_s, [&] { form.FilterStatus(u"In collection"_s); });
+    shown(u"letter B, painted"_s, [&] { form.Lists().Active().LetterClick(u"B"_s); });
+    shown(u"status, painted"_s, [&] { form.Search().FilterStatus(u"In collection"_s); });
     shown(u"search by artist, painted"_s, [&] {
-        form.SetSearchBy(u"Artist"_s);
-        form.SetSearchText(u"or"_s);
+        form.Search().SetSearchBy(u"Artist"_s);
+        form.Search().SetSearchText(u"or"_s);
         form.Actions().Trigger(u"actSearch"_s);
     });
-    shown(u"sort by artist, painted"_s, [&] { form.SortBy(u"Artist"_s, false); });
+    shown(u"sort by artist, painted"_s, [&] { form.Lists().Active().SortBy(u"Artist"_s, false); });
     Bench::Report(u"paint of the window alone"_s, 5, [&] { open.Window->grab(); });
 }
 

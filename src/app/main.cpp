@@ -72,7 +72,7 @@ void CreateMainForm(TSingletons& our)
 void CreateAddMusicForm(TSingletons& our)
 {
     our.AddMusic.emplace(InfoGrabber(), *our.Data, our.Prompt);
-    our.Form->SetAddMusicForm(&*our.AddMusic);
+    our.Form->Adding().SetAddMusicForm(&*our.AddMusic);
 }
 
 void ShowMainForm(TSingletons& our)
@@ -95,7 +95,7 @@ void OpenAnew(TSingletons& our)
     QApplication::setQuitOnLastWindowClosed(false);
     if (our.Window->close()) {
         our.Prompt.SetWindow(nullptr);
-        our.Form->SetAddMusicForm(nullptr);
+        our.Form->Adding().SetAddMusicForm(nullptr);
         our.AddMusic.reset();
         our.Window.reset();
         our.Form.reset();
@@ -152,7 +152,7 @@ int main(int argc, char** argv)
         TSingletons singletons;
         application.OnFailure = [&](const QString& reason) {
             if (singletons.Form)
-                singletons.Form->ReportFailure(reason);
+                singletons.Form->Shell().ReportFailure(reason);
         };
         RunStartup(MakeHost(singletons), arguments);
         code = QApplication::exec();

@@ -110,7 +110,7 @@ void SearchPictures(TDataModuleMain& data, TPrompt& prompt, const std::function<
         return;
     form.FocusHit(record(form.Current().Hits.size() - 3));
     waitForDownloads();
-    form.SetSelection({record(form.Current().Hits.size() - 3), record(form.Current().Hits.size() - 4)});
+    form.Lists().Releases().SetSelection({record(form.Current().Hits.size() - 3), record(form.Current().Hits.size() - 4)});
     form.actSaveAndContinue();
     for (const TSearchHit& hit : form.Current().Hits)
         if (hit.CatalogNo == "CRB 2207"_L1) {
@@ -118,7 +118,7 @@ void SearchPictures(TDataModuleMain& data, TPrompt& prompt, const std::function<
             break;
         }
     waitForDownloads();
-    form.SetSelection({form.Current().Focused});
+    form.Lists().Releases().SetSelection({form.Current().Focused});
     Q_EMIT form.hitsChanged();
     save(window, u"search"_s);
     SetHttpStandIn(nullptr);
@@ -167,14 +167,14 @@ int main(int argc, char** argv)
     }
     form.SetCurrentView(mvAlbums);
     form.Actions().Trigger(u"actDetailPanelBottom"_s);
-    form.SetGrouping({u"Genre"_s});
+    form.Lists().Active().SetGrouping({u"Genre"_s});
     save(SettledPicture(window), u"pane-bottom"_s);
-    form.SetGrouping({});
+    form.Lists().Active().SetGrouping({});
     form.SetCurrentView(mvThumbs);
     form.Actions().Trigger(u"actDetailPanelTop"_s);
     save(SettledPicture(window), u"pane-top"_s);
     form.Actions().Trigger(u"actDetailPanelRight"_s);
-    form.SetBuilderFilter(SampleFilter());
+    form.Lists().Active().SetBuilderFilter(SampleFilter());
     const std::pair<QString, QString> dialogs[] = {{u"actAdvancedSearch"_s, u"filter-builder"_s},
                                                    {u"actOptions"_s, u"options"_s},
                                                    {u"actPrintPreview"_s, u"print-preview"_s},
@@ -182,7 +182,7 @@ int main(int argc, char** argv)
                                                    {u"actMultiEdit"_s, u"multi-edit"_s}};
     for (const auto& [action, name] : dialogs) {
         if (name == "options"_L1) {
-            form.SetBuilderFilter({});
+            form.Lists().Active().SetBuilderFilter({});
             form.SetCurrentView(mvAlbums);
         }
         InDialog(form, action, [&](QWidget& dialog) { save(SettledPicture(dialog), name); });

@@ -52,12 +52,12 @@ TDataset::TDataset(TSQLiteConnection& connection, TDatasetDef def) : FConnection
 
 int TDataset::FieldIndex(const QString& name) const { return FFieldIndex.value(name.toLower(), -1); }
 
-QString TDataset::SelectSQL() const
+QString TDataset::SelectSQL(bool ownOnly) const
 {
     QStringList columns{FDef.KeyExpression};
     for (const int field : FSelected) {
         const TFieldDef& def = FDef.Fields[static_cast<size_t>(field)];
-        columns.append(def.Expression + u" AS "_s + Quoted(def.Name));
+        columns.append((ownOnly && def.ReadOnly ? u"NULL"_s : def.Expression) + u" AS "_s + Quoted(def.Name));
     }
     return u"SELECT %1 FROM %2"_s.arg(columns.join(u", "_s), FDef.From);
 }

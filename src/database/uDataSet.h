@@ -54,8 +54,8 @@ public:
     const QString& ReleaseKey() const { return FDef.ReleaseKey; }
     /// Index of a field, compared without case, or -1.
     int FieldIndex(const QString& name) const;
-    /// The SELECT that reads whole records, without condition and order.
-    QString SelectSQL() const;
+    /// The SELECT that reads whole records, without condition and order. `ownOnly`: null for what comes from other tables.
+    QString SelectSQL(bool ownOnly = false) const;
     /// The statement that reads one record again, by its key as the parameter :OLD_ID.
     QString RowRefreshSQL() const;
 
@@ -340,6 +340,7 @@ private:
     void KeepOrder(const QString& sql, const std::vector<TVariant>& values);
     void ForgetRows() const;
     void ReadBlock(int row) const;
+    TRecord ReadOne(qint64 key, TSQLiteStatement& statement) const;
 
     std::vector<qint64> FKeys;
     std::vector<TKnownOrder> FKnownOrders; // the latest last

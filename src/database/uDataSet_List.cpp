@@ -317,23 +317,33 @@ void TListDataset::ReadBlock(int row) const
 {
     const int first = row / BlockSize * BlockSize;
     const int last = std::min(first + BlockSize, RecordCount());
-    TSQLiteStatement& statement = Connection().Cached(RowRefreshSQL());
+    const QString sql = RowRefreshSQL();
+    TSQLiteStatement* statement = &Connection().Cached(sql);
     for (int i = first; i < last; ++i) {
         const qint64 key = KeyAt(i);
         if (FCache.contains(key))
             continue;
-        statement.Bind(1, key);
-        // A row that another process deleted meanwhile stays an empty record until the next refresh.
-        FCache.insert(key, new TRecord(statement.Step() ? ReadRecord(statement) : TRecord()));
-        statement.Reset();
+        try {
+            FCache.insert(key, new TRecord(ReadOne(key, *statement)));
+        } catch (const EDatabaseError& failure) {
+            if (!failure.IsNoDatabase())
+                throw;
+            // A damaged table elsewhere must not cost what stands in this one.
+            const QString own = SelectSQL(true) + u" WHERE %1 = :OLD_ID"_s.arg(Def().KeyExpression);
+            FCache.insert(key, new TRecord(ReadOne(key, Connection().Cached(own))));
+            statement = &Connection().Cached(sql);
+        }
         Connection().NoteRead(RecordReach);
     }
 }
 
-void TListDataset::ForgetRecords()
+// A row that another process deleted meanwhile stays an empty record until the next refresh.
+TDataset::TRecord TListDataset::ReadOne(qint64 key, TSQLiteStatement& statement) const
 {
-    FCache.clear();
-    FKnownOrders.clear();
+    statement.Bind(1, key);
+    TRecord record = statement.Step() ? ReadRecord(statement) : TRecord();
+    statement.Reset();
+    return record;
 }
 
 void TListDataset::TakeBack()

@@ -115,7 +115,15 @@ QString SectionId(TFieldSection section)
 
 QString SectionTitleKey(TFieldSection section)
 {
-    return section == fsNone ? QString() : u"cSSection"_s + SectionId(section);
+    switch (section) {
+    case fsGeneral: return u"cSSectionGeneral"_s;
+    case fsPurchase: return u"cSSectionPurchase"_s;
+    case fsClassical: return u"cSSectionClassical"_s;
+    case fsCustom: return u"cSSectionCustom"_s;
+    case fsComments: return u"cSSectionComments"_s;
+    case fsNone: break;
+    }
+    return {};
 }
 
 } // namespace Kestrune

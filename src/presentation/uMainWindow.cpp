@@ -102,7 +102,7 @@ void TMainWindow::BuildParts()
     FSplitter->setChildrenCollapsible(false);
     FViewSide = new QWidget(FSplitter);
     FPane = new TDetailPane(FSplitter);
-    FPane->SetFolded(FForm.FoldedSections());
+    FPane->SetFolded(FForm.Pane().FoldedSections());
     FStatus = new TStatusLine(this);
     BuildViews();
     FPages->addWidget(FEmpty);
@@ -128,7 +128,7 @@ void TMainWindow::BuildViews()
     FTable = new TAlbumTable(&FCovers, *FModel, FViews);
     FTracks = new TAlbumTable(nullptr, *FTracksModel, FViews);
     FNoHits = new TEmptyPage(FViews);
-    const TLocate locate = [this](const QString& text, int from) { return FForm.LocateTitle(text, from); };
+    const TLocate locate = [this](const QString& text, int from) { return FForm.Search().LocateTitle(text, from); };
     FTiles->SetLocate(locate);
     FTable->SetLocate(locate);
     SetUpCards();
@@ -226,22 +226,23 @@ void TMainWindow::ConnectForm()
 {
     connect(&FForm, &TKRNMainForm::collectionOpened, this, &TMainWindow::ShowCollection);
     connect(&FForm, &TKRNMainForm::viewChanged, this, &TMainWindow::ShowView);
-    connect(&FForm, &TKRNMainForm::filtersChanged, this, &TMainWindow::ShowFilters);
-    connect(&FForm, &TKRNMainForm::letterHitsChanged, this, [this] { FLetters->SetHits(FForm.LetterHits()); });
-    connect(&FForm, &TKRNMainForm::sortChanged, this, &TMainWindow::ShowSort);
+    connect(&FForm.Lists(), &TLists::filtersChanged, this, &TMainWindow::ShowFilters);
+    connect(&FForm.Search(), &TListSearch::letterHitsChanged, this,
+            [this] { FLetters->SetHits(FForm.Search().LetterHits()); });
+    connect(&FForm.Lists(), &TLists::sortChanged, this, &TMainWindow::ShowSort);
     connect(&FForm, &TKRNMainForm::figuresChanged, this, &TMainWindow::ShowFigures);
     connect(&FForm, &TKRNMainForm::detailChanged, this, &TMainWindow::ShowDetail);
-    connect(&FForm, &TKRNMainForm::paneChanged, this, &TMainWindow::ShowPane);
-    connect(&FForm, &TKRNMainForm::focusRequested, this, &TMainWindow::FocusRelease);
-    connect(&FForm, &TKRNMainForm::addFilesStarted, this, &TMainWindow::OpenAddFiles);
-    connect(&FForm, &TKRNMainForm::importStarted, this, &TMainWindow::OpenImport);
-    connect(&FForm, &TKRNMainForm::addMusicStarted, this, &TMainWindow::OpenSearch);
-    connect(&FForm, &TKRNMainForm::serviceUpdateStarted, this, [this](bool visible) {
+    connect(&FForm.Pane(), &TDetailSession::paneChanged, this, &TMainWindow::ShowPane);
+    connect(&FForm.Lists(), &TLists::focusRequested, this, &TMainWindow::FocusRelease);
+    connect(&FForm.Adding(), &TAdding::addFilesStarted, this, &TMainWindow::OpenAddFiles);
+    connect(&FForm.Adding(), &TAdding::importStarted, this, &TMainWindow::OpenImport);
+    connect(&FForm.Adding(), &TAdding::addMusicStarted, this, &TMainWindow::OpenSearch);
+    connect(&FForm.Adding(), &TAdding::serviceUpdateStarted, this, [this](bool visible) {
         QWidget* modal = QApplication::activeModalWidget();
         OpenUpdater(visible, modal ? modal : this);
     });
     connect(&FForm, &TKRNMainForm::closeRequested, this, &QWidget::close);
-    connect(&FForm, &TKRNMainForm::selectionRequested, this, [this](bool all) {
+    connect(&FForm.Edits(), &TListEdits::selectionRequested, this, [this](bool all) {
         QAbstractItemView* view = FForm.TracksShown() ? static_cast<QAbstractItemView*>(FTracks) : FTiles;
         all ? view->selectAll() : view->clearSelection();
     });
@@ -249,30 +250,30 @@ void TMainWindow::ConnectForm()
             [this](TBarKind kind, const QString& bold, const QString& sentence) {
                 FBars->Show({kind, bold, sentence, {}, {}});
             });
-    connect(&FForm, &TKRNMainForm::debugWindowToggled, this, [this] {
+    connect(&FForm.Upkeep(), &TUpkeep::debugWindowToggled, this, [this] {
         if (FDebug)
             FDebug->setVisible(!FDebug->isVisible());
     });
     connect(FModel, &QAbstractItemModel::modelReset, this, &TMainWindow::RestoreCurrent, Qt::QueuedConnection);
     connect(FTracksModel, &QAbstractItemModel::modelReset, this, &TMainWindow::RestoreCurrentTrack,
             Qt::QueuedConnection);
-    connect(&FForm, &TKRNMainForm::dialogRequested, this, &TMainWindow::OpenDialog);
-    connect(&FForm, &TKRNMainForm::dictionaryRequested, this, &TMainWindow::EditDictionary);
-    connect(&FForm, &TKRNMainForm::exportRequested, this, &TMainWindow::Export);
-    connect(&FForm, &TKRNMainForm::filterRowToggled, this, &TMainWindow::ToggleFilterRow);
-    connect(&FForm, &TKRNMainForm::findPanelToggled, this, &TMainWindow::ToggleFindPanel);
-    connect(&FForm, &TKRNMainForm::copyRequested, this, &TMainWindow::Copy);
-    connect(&FForm, &TKRNMainForm::settingsApplied, this, &TMainWindow::ResetColumns);
-    connect(&FForm, &TKRNMainForm::thumbnailsChanged, this, [this] { FCovers.Clear(); });
-    connect(&FForm, &TKRNMainForm::expandRequested, this, [this](bool expand) {
+    connect(&FForm.Shell(), &TShell::windowRequested, this, &TMainWindow::OpenWindow);
+    connect(&FForm.Upkeep(), &TUpkeep::dictionaryRequested, this, &TMainWindow::EditDictionary);
+    connect(&FForm.Exchange(), &TExchange::exportRequested, this, &TMainWindow::Export);
+    connect(&FForm.Edits(), &TListEdits::filterRowToggled, this, &TMainWindow::ToggleFilterRow);
+    connect(&FForm.Edits(), &TListEdits::findPanelToggled, this, &TMainWindow::ToggleFindPanel);
+    connect(&FForm.Edits(), &TListEdits::copyRequested, this, &TMainWindow::Copy);
+    connect(&FForm.Upkeep(), &TUpkeep::settingsApplied, this, &TMainWindow::ResetColumns);
+    connect(&FForm.Upkeep(), &TUpkeep::thumbnailsChanged, this, [this] { FCovers.Clear(); });
+    connect(&FForm.Edits(), &TListEdits::expandRequested, this, [this](bool expand) {
         if (TAlbumTable* table = CurrentTable())
             table->ExpandGroups(expand);
     });
-    connect(&FForm, &TKRNMainForm::bestFitRequested, this, [this] {
+    connect(&FForm.Edits(), &TListEdits::bestFitRequested, this, [this] {
         if (TAlbumTable* table = CurrentTable())
             table->ApplyBestFit();
     });
-    connect(&FForm, &TKRNMainForm::openFolderRequested, this,
+    connect(&FForm.Pane(), &TDetailSession::openFolderRequested, this,
             [](const QString& folder) { QDesktopServices::openUrl(QUrl::fromLocalFile(folder)); });
     connect(&FForm, &TKRNMainForm::jobProgressed, this, [this](const QString& text, int value, int maximum) {
         maximum > 0 ? FStatus->ShowProgress(text, value, maximum, true) : FStatus->HideProgress();
@@ -302,31 +303,28 @@ void TMainWindow::ConnectViews()
     connect(selection, &QItemSelectionModel::selectionChanged, &FSelectionTimer, qOverload<>(&QTimer::start));
     connect(selection, &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& now) {
         if (now.isValid() && !FForm.TracksShown())
-            FForm.SetFocusedRelease(FModel->IdOf(now));
+            FForm.Lists().Releases().SetFocused(FModel->IdOf(now));
     });
     QItemSelectionModel* tracks = FTracks->selectionModel();
     connect(tracks, &QItemSelectionModel::selectionChanged, &FTrackSelectionTimer, qOverload<>(&QTimer::start));
     connect(tracks, &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& now) {
         const int row = FTracks->Groups().SourceRow(now);
         if (row >= 0 && FForm.TracksShown())
-            FForm.SetFocusedTrack(FTracksModel->IdOf(FTracksModel->index(row, 0)));
+            FForm.Lists().Tracks().SetFocused(FTracksModel->IdOf(FTracksModel->index(row, 0)));
     });
     for (QAbstractItemView* view : std::initializer_list<QAbstractItemView*>{FTiles, FTable, FTracks}) {
         connect(view, &QWidget::customContextMenuRequested, this,
                 [this, view](const QPoint& at) { OpenContextMenu(view->viewport()->mapToGlobal(at)); });
         connect(view, &QAbstractItemView::activated, this, [this] { FForm.Actions().Trigger(u"actEditItem"_s); });
     }
-    connect(FEmpty, &TEmptyPage::recentChosen, &FForm, &TKRNMainForm::OpenRecent);
+    connect(FEmpty, &TEmptyPage::recentChosen, &FForm.Files(), &TCollectionFiles::OpenRecent);
 }
 
 void TMainWindow::ConnectTables()
 {
-    connect(FGroupPanel, &TGroupPanel::removeRequested, this, [this](const QString& column) {
-        QStringList groups = FForm.List().Grouping();
-        groups.removeAll(column);
-        FForm.SetGrouping(groups);
-    });
-    connect(FGroupPanel, &TGroupPanel::expandRequested, &FForm, &TKRNMainForm::expandRequested);
+    connect(FGroupPanel, &TGroupPanel::removeRequested, this,
+            [this](const QString& column) { FForm.Lists().Active().RemoveGroup(column); });
+    connect(FGroupPanel, &TGroupPanel::expandRequested, &FForm.Edits(), &TListEdits::expandRequested);
     connect(FFind, &TFindBar::textChanged, this, &TMainWindow::Find);
     connect(FFind, &TFindBar::stepRequested, this, &TMainWindow::StepFind);
     connect(FFind, &TFindBar::closeRequested, this, [this] {
@@ -340,15 +338,16 @@ void TMainWindow::ConnectFilters()
 {
     TSearchBox* search = FRibbon->SearchBox();
     connect(search, &TSearchBox::fieldChanged, this,
-            [this](const QString& field) { FForm.SetSearchBy(field.isEmpty() ? EverythingField : field); });
-    connect(search, &TSearchBox::textChanged, &FForm, &TKRNMainForm::SetSearchText);
+            [this](const QString& field) { FForm.Search().SetSearchBy(field.isEmpty() ? EverythingField : field); });
+    connect(search, &TSearchBox::textChanged, &FForm.Search(), &TListSearch::SetSearchText);
     connect(search, &TSearchBox::searchRequested, this, [this] { FForm.Actions().Trigger(u"actSearch"_s); });
-    connect(search, &TSearchBox::cleared, this,
-            [this] { FForm.RemoveFilter(FForm.SearchBy() == EverythingField ? fckEverything : fckKeyword); });
+    connect(search, &TSearchBox::cleared, this, [this] {
+        FForm.Search().RemoveFilter(FForm.Search().SearchBy() == EverythingField ? fckEverything : fckKeyword);
+    });
     connect(search, &TSearchBox::leaveRequested, this, [this] { CurrentViewWidget()->setFocus(); });
     TChipRow* chips = FFilters->Chips();
     connect(chips, &TChipRow::removeRequested, this, [this](const QString& id) {
-        FForm.RemoveFilter(static_cast<TFilterChipKind>(id.section(u'|', 0, 0).toInt()), id.section(u'|', 1));
+        FForm.Search().RemoveFilter(static_cast<TFilterChipKind>(id.section(u'|', 0, 0).toInt()), id.section(u'|', 1));
     });
     connect(chips, &TChipRow::editRequested, this, [this](const QString& id) {
         EditChip(static_cast<TFilterChipKind>(id.section(u'|', 0, 0).toInt()), id.section(u'|', 1));
@@ -358,32 +357,34 @@ void TMainWindow::ConnectFilters()
     connect(FNoHits, &TEmptyPage::clearFiltersRequested, this, clearAll);
     connect(FFilters->Sizes(), &TSegments::chosen, &FForm, &TKRNMainForm::SetThumbSize);
     connect(FLetters, &TLetterBar::letterChosen, this, [this](const QString& letter) {
-        FForm.LetterClick(letter.isEmpty() ? GetLanguageString(u"cSGuiAllLetters"_s) : letter);
+        FForm.Lists().Active().LetterClick(letter.isEmpty() ? GetLanguageString(u"cSGuiAllLetters"_s) : letter);
     });
-    connect(FLetters, &TLetterBar::fieldChosen, &FForm, &TKRNMainForm::SetLetterField);
+    connect(FLetters, &TLetterBar::fieldChosen, &FForm.Search(), &TListSearch::SetLetterField);
 }
 
 void TMainWindow::ConnectPane()
 {
-    FPane->SetHiddenFields(FForm.HiddenFields());
-    FPane->SetEditing([this](const QString& column, QWidget* parent) { return MakePaneEditor(column, parent); },
-                      [this](const QString& column, const TVariant& value) { return FForm.EditDetail(column, value); });
-    connect(FPane, &TDetailPane::hiddenFieldsChanged, this, [this] { FForm.SetHiddenFields(FPane->HiddenFields()); });
-    connect(&FForm, &TKRNMainForm::paneCustomizeToggled, this,
+    FPane->SetHiddenFields(FForm.Pane().HiddenFields());
+    FPane->SetEditing(
+        [this](const QString& column, QWidget* parent) { return MakePaneEditor(column, parent); },
+        [this](const QString& column, const TVariant& value) { return FForm.Pane().Edit(column, value); });
+    connect(FPane, &TDetailPane::hiddenFieldsChanged, this,
+            [this] { FForm.Pane().SetHiddenFields(FPane->HiddenFields()); });
+    connect(&FForm.Pane(), &TDetailSession::customizeToggled, this,
             [this] { FPane->SetCustomizing(!FPane->Customizing()); });
-    connect(&FForm, &TKRNMainForm::paneFilterToggled, FPane, &TDetailPane::ToggleFilter);
-    connect(FPane, &TDetailPane::ratingChosen, &FForm, &TKRNMainForm::SetDetailRating);
+    connect(&FForm.Pane(), &TDetailSession::filterToggled, FPane, &TDetailPane::ToggleFilter);
+    connect(FPane, &TDetailPane::ratingChosen, &FForm.Pane(), &TDetailSession::SetRating);
     connect(FPane, &TDetailPane::linkActivated, this,
             [](const QString& link) { QDesktopServices::openUrl(QUrl(link, QUrl::StrictMode)); });
     connect(FStatus, &TStatusLine::cancelRequested, this, [this] {
-        if (TImportRun* run = FForm.AddFiles())
+        if (TImportRun* run = FForm.Adding().AddFiles())
             run->Cancel();
-        FForm.CancelJob();
+        FForm.Shell().CancelJob();
     });
     connect(FSplitter, &QSplitter::splitterMoved, this, [this] {
         FPaneDragged = true;
         const bool beside = FSplitter->orientation() == Qt::Horizontal;
-        FForm.SetFrameSize(beside ? FPane->width() : 0, beside ? 0 : FPane->height());
+        FForm.Pane().SetFrameSize(beside ? FPane->width() : 0, beside ? 0 : FPane->height());
     });
 }
 
@@ -397,7 +398,7 @@ TFieldEditor* TMainWindow::MakePaneEditor(const QString& column, QWidget* parent
     if (!TDataModuleMain::IsFieldAssignable(field) || field.Kind == fkDateTime)
         return nullptr;
     auto* editor = new TFieldEditor(collection, field, parent);
-    editor->SetValue(FForm.DetailValue(column));
+    editor->SetValue(FForm.Pane().Value(column));
     return editor;
 }
 
@@ -408,7 +409,7 @@ void TMainWindow::EditChip(TFilterChipKind kind, const QString& column)
     case fckEverything: return EditKeyword();
     case fckLetter: return FLetters->setFocus();
     case fckStatus: return FStatusMenu->popup(FFilters->mapToGlobal(QPoint(10, FFilters->height())));
-    case fckBuilder: return OpenDialog(mdFilterBuilder);
+    case fckBuilder: return OpenFilterBuilder();
     case fckColumn: break;
     }
     TAlbumTable* table = CurrentTable();
@@ -421,9 +422,9 @@ void TMainWindow::EditChip(TFilterChipKind kind, const QString& column)
 void TMainWindow::EditKeyword()
 {
     TSearchBox* search = FRibbon->SearchBox();
-    const auto [field, text] = FForm.Keyword();
-    search->SetCurrentField(field);
-    search->SetText(field.isEmpty() ? FForm.EverythingWords() : text);
+    const TFilterSet& set = FForm.Lists().Active().Filters().Set();
+    search->SetCurrentField(set.KeywordColumn);
+    search->SetText(set.KeywordColumn.isEmpty() ? set.Everything : set.KeywordText);
     search->FocusEditor();
 }
 

@@ -35,6 +35,7 @@ class TListModel;
 class TMessageBars;
 class TProgressWindow;
 class TReleasesModel;
+struct TReportOptions;
 class TSelectionLink;
 class TTracksModel;
 class TRibbon;
@@ -119,6 +120,8 @@ private:
     void KeepColumns();
     void ResetColumns();
     TAlbumTable* CurrentTable() const;
+    /// The list that a table shows.
+    TListSession& SessionOf(const TAlbumTable& table) const;
     TListModel* CurrentModel() const;
     void SetUpCards();
     void ShowGroups();
@@ -137,8 +140,13 @@ private:
     void Copy(bool rows);
     void ReportTrackSelection();
     void RestoreCurrentTrack();
-    void OpenDialog(TMainDialog dialog);
+    void OpenWindow(const QString& action);
     void OpenSort();
+    void OpenColumns();
+    void OpenAbout();
+    void OpenHelp();
+    void OpenPalette();
+    void OpenAllOptions();
     void OpenFilterBuilder();
     void OpenMultiEdit();
     void OpenSaveFilter();
@@ -154,7 +162,11 @@ private:
     TExportSource MakeSource(bool thumbnails);
     QString ReportTitle() const;
     void Export(const QString& word);
-    void Print(TMainDialog dialog);
+    /// Lets the active list be shown or a printer be chosen, and prints it when that gives true.
+    void WithReport(const std::function<bool(TExportSource& source, const TReportOptions& options)>& show);
+    void PrintChosen();
+    void PrintQuickly();
+    void PreviewPrint();
     /// An editor for a field of the release in the pane, or null where it cannot be changed.
     TFieldEditor* MakePaneEditor(const QString& column, QWidget* parent);
     void EditChip(TFilterChipKind kind, const QString& column);

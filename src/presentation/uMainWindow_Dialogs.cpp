@@ -25,31 +25,46 @@
 #include <QPrinter>
 #include <QPrinterInfo>
 
+#include <algorithm>
+
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-void TMainWindow::OpenDialog(TMainDialog dialog)
+// The windows of actions by their names; an action without a row here has no window.
+void TMainWindow::OpenWindow(const QString& action)
 {
-    switch (dialog) {
-    case mdSort: return OpenSort();
-    case mdColumns:
-        if (TAlbumTable* table = CurrentTable())
-            TColumnsDialog(*table, this).exec();
-        return;
-    case mdFilterBuilder: return OpenFilterBuilder();
-    case mdMultiEdit: return OpenMultiEdit();
-    case mdOptions: return OpenOptions();
-    case mdExecSQL: return OpenSQL();
-    case mdAbout: TAboutWindow(this).exec(); return;
-    case mdHelp: THelpWindow(this).exec(); return;
-    case mdPalette: TCommandPalette(*FActions, this).exec(); return;
-    case mdSaveFilter: return OpenSaveFilter();
-    case mdPrint:
-    case mdQuickPrint:
-    case mdPrintPreview: return Print(dialog);
-    }
+    using TOpen = void (TMainWindow::*)();
+    static const std::pair<QString, TOpen> windows[] = {
+        {u"actSort"_s, &TMainWindow::OpenSort},
+        {u"actCustomizeColumns"_s, &TMainWindow::OpenColumns},
+        {u"actAdvancedSearch"_s, &TMainWindow::OpenFilterBuilder},
+        {u"actMultiEdit"_s, &TMainWindow::OpenMultiEdit},
+        {u"actOptions"_s, &TMainWindow::OpenAllOptions},
+        {u"actExecSQL"_s, &TMainWindow::OpenSQL},
+        {u"actAbout"_s, &TMainWindow::OpenAbout},
+        {u"actHelp"_s, &TMainWindow::OpenHelp},
+        {u"actCommandPalette"_s, &TMainWindow::OpenPalette},
+        {u"actSaveFilter"_s, &TMainWindow::OpenSaveFilter},
+        {u"actPrint"_s, &TMainWindow::PrintChosen},
+        {u"actQuickPrint"_s, &TMainWindow::PrintQuickly},
+        {u"actPrintPreview"_s, &TMainWindow::PreviewPrint},
+    };
+    const auto window = std::ranges::find(windows, action, &std::pair<QString, TOpen>::first);
+    if (window != std::end(windows))
+        (this->*window->second)();
 }
+
+void TMainWindow::OpenColumns()
+{
+    if (TAlbumTable* table = CurrentTable())
+        TColumnsDialog(*table, this).exec();
+}
+
+void TMainWindow::OpenAbout() { TAboutWindow(this).exec(); }
+void TMainWindow::OpenHelp() { THelpWindow(this).exec(); }
+void TMainWindow::OpenPalette() { TCommandPalette(*FActions, this).exec(); }
+void TMainWindow::OpenAllOptions() { OpenOptions(); }
 
 void TMainWindow::OpenSort()
 {
@@ -60,21 +75,22 @@ void TMainWindow::OpenSort()
             columns.emplace_back(list.headerData(column, Qt::Horizontal, FullCaptionRole).toString(),
                                  list.FieldOf(column));
     TSortForm sort;
-    sort.LoadFromCustomGridTableView(std::move(columns), FForm.List().Sort());
+    sort.LoadFromCustomGridTableView(std::move(columns), FForm.Lists().Active().List().Sort());
     if (TSortDialog(sort, this).exec() == QDialog::Accepted)
-        FForm.SetSort(sort.ApplySorting());
+        FForm.Lists().Active().SetSort(sort.ApplySorting());
 }
 
 void TMainWindow::OpenFilterBuilder()
 {
-    TFilterDialog dialog(FForm.Data(), FForm.List().Fields(), FForm.BuilderFilter(), this);
+    TFilterDialog dialog(FForm.Data(), FForm.Lists().Active().List().Fields(),
+                         FForm.Lists().Active().Filters().Set().Builder, this);
     if (dialog.exec() == QDialog::Accepted)
-        FForm.SetBuilderFilter(dialog.Node());
+        FForm.Lists().Active().SetBuilderFilter(dialog.Node());
 }
 
 void TMainWindow::OpenMultiEdit()
 {
-    TMultiEditForm edit(FForm);
+    TMultiEditForm edit(FForm.Lists().Active(), FForm.Edits());
     const QStringList shown = FindColumns();
     edit.LoadFromCustomGridTableView({shown.begin(), shown.end()});
     if (TMultiEditDialog(edit, FForm.Data(), this).exec() == QDialog::Accepted)
@@ -84,18 +100,18 @@ void TMainWindow::OpenMultiEdit()
 void TMainWindow::OpenSaveFilter()
 {
     QStringList known;
-    for (const TSavedFilter& filter : FForm.SavedFilters())
+    for (const TSavedFilter& filter : FForm.Search().SavedFilters())
         known << filter.Name;
     const QString name =
         AskName(GetLanguageString(u"cSactSaveFilter"_s), GetLanguageString(u"cSFilterName"_s), known, this);
     if (!name.isEmpty())
-        FForm.SaveFilter(name);
+        FForm.Search().SaveFilter(name);
 }
 
 void TMainWindow::OpenOptions(int page, QWidget* parent)
 {
     TOptionsWindow options(Defaults(), FForm.Data(), parent ? parent : this);
-    connect(&options, &TOptionsWindow::updateServicesRequested, this, [this] { FForm.UpdateServices(false); });
+    connect(&options, &TOptionsWindow::updateServicesRequested, this, [this] { FForm.Adding().UpdateServices(false); });
     if (page == 1)
         options.ShowServicesPage();
     else if (page == 2)
@@ -109,7 +125,7 @@ void TMainWindow::OpenOptions(int page, QWidget* parent)
     Defaults() = options.Settings();
     SetDesktopIcons(Defaults().DesktopIcons);
     FTheme.Apply(Defaults().ThemeIndex, Defaults().ColorSchemeAccentIndex);
-    FForm.ApplySettings();
+    FForm.Upkeep().ApplySettings();
     if (sizeChanged && FForm.Data().HasData())
         FForm.Actions().Trigger(u"actRegenerateThumbnails"_s);
     if (!otherLanguage)
@@ -123,17 +139,17 @@ void TMainWindow::OpenOptions(int page, QWidget* parent)
 
 void TMainWindow::OpenSearch()
 {
-    auto* window = new TSearchWindow(*FForm.AddMusicForm(), this);
+    auto* window = new TSearchWindow(*FForm.Adding().AddMusicForm(), this);
     window->setAttribute(Qt::WA_DeleteOnClose);
     connect(window, &TSearchWindow::optionsRequested, this,
             [this, window](bool network) { OpenOptions(network ? 2 : 1, window); });
-    connect(window, &QDialog::finished, &FForm, &TKRNMainForm::AddMusicClosed);
+    connect(window, &QDialog::finished, &FForm.Adding(), &TAdding::AddMusicClosed);
     window->open();
 }
 
 void TMainWindow::OpenUpdater(bool visible, QWidget* parent)
 {
-    TServiceUpdaterForm& updater = *FForm.ServiceUpdater();
+    TServiceUpdaterForm& updater = *FForm.Adding().ServiceUpdater();
     auto* window = new TUpdaterWindow(updater, parent);
     connect(&updater, &TServiceUpdaterForm::closed, window, &QObject::deleteLater);
     if (visible)
@@ -172,7 +188,7 @@ void TMainWindow::LauchDictionaryEditForm(const TDict& dict, const QString& fiel
 {
     TDictionaryDialog dialog(fieldDisplayName, dict.Text, dict.DefaultText, this);
     if (dialog.exec() == QDialog::Accepted)
-        FForm.SetDictionary(column, dialog.Text());
+        FForm.Upkeep().SetDictionary(column, dialog.Text());
 }
 
 TExportSource TMainWindow::MakeSource(bool thumbnails)
@@ -189,7 +205,7 @@ TExportSource TMainWindow::MakeSource(bool thumbnails)
         fields << u"Rating_Calc"_s << u"Genre"_s << u"Label"_s << u"CatalogNO"_s << u"CountryCode"_s;
     for (const QString& field : fields)
         columns.push_back({field, list.headerData(list.ColumnOf(field), Qt::Horizontal, FullCaptionRole).toString()});
-    return TExportSource(FForm.Data(), FForm.List(), std::move(columns), thumbnails);
+    return TExportSource(FForm.Data(), FForm.Lists().Active().List(), std::move(columns), thumbnails);
 }
 
 QString TMainWindow::ReportTitle() const { return QFileInfo(FForm.Data().CurrentFile()).completeBaseName(); }
@@ -197,7 +213,7 @@ QString TMainWindow::ReportTitle() const { return QFileInfo(FForm.Data().Current
 void TMainWindow::Export(const QString& word)
 {
     const std::optional<TExportFormat> format = ExportFormatOf(word);
-    if (!format || FForm.Working())
+    if (!format || FForm.Shell().Working())
         return;
     TFileDialogRequest request;
     request.Title = FullCaptionOf(word == "xlsx"_L1  ? u"actExportToExcel"_s
@@ -206,28 +222,28 @@ void TMainWindow::Export(const QString& word)
     request.Filter = ExportFileFilter(*format);
     request.DefaultExtension = word;
     request.FileName = ReportTitle() + u'.' + word;
-    const QString path = FForm.Prompt().AskSaveFile(request);
+    const QString path = FForm.Shell().Prompt().AskSaveFile(request);
     if (path.isEmpty())
         return;
-    FForm.RunJob(request.Title, [&](const TKRNMainForm::TJobProgress& progress) {
+    FForm.Shell().RunJob(request.Title, [&](const TShell::TJobProgress& progress) {
         TExportSource source = MakeSource(*format == efHTML || *format == efPDF);
         try {
             if (WriteExport(source, *format, path, ReportTitle(), progress))
-                Q_EMIT FForm.barRaised(bkDone, GetLanguageString(u"cSExportDone"_s).arg(source.RowCount()), path);
+                FForm.Shell().Tell(bkDone, GetLanguageString(u"cSExportDone"_s).arg(source.RowCount()), path);
             else
-                Q_EMIT FForm.barRaised(bkWarning, GetLanguageString(u"cSExportStopped"_s), path);
+                FForm.Shell().Tell(bkWarning, GetLanguageString(u"cSExportStopped"_s), path);
         } catch (const EExportError& failure) {
-            Q_EMIT FForm.barRaised(bkError, failure.Text(), {});
+            FForm.Shell().Tell(bkError, failure.Text(), {});
         }
     });
 }
 
-void TMainWindow::Print(TMainDialog dialog)
+void TMainWindow::WithReport(const std::function<bool(TExportSource& source, const TReportOptions& options)>& show)
 {
-    if (FForm.Working())
+    if (FForm.Shell().Working())
         return;
     TExportSource source = MakeSource(true);
-    TReportOptions options{ReportTitle(), CurrentTable() == nullptr};
+    const TReportOptions options{ReportTitle(), CurrentTable() == nullptr};
     // The page setup of the last time stands until the program ends.
     if (!FPrinter) {
         FPrinter = std::make_unique<QPrinter>(QPrinter::HighResolution);
@@ -236,20 +252,38 @@ void TMainWindow::Print(TMainDialog dialog)
             FPrinter->setPageOrientation(QPageLayout::Landscape);
     }
     FPrinter->setDocName(options.Title);
-    if (dialog == mdPrintPreview)
-        return ShowPrintPreview(*FPrinter, source, options, this);
-    if (dialog == mdPrint) {
+    if (!show(source, options))
+        return;
+    FForm.Shell().RunJob(GetLanguageString(u"cSactPrint"_s), [&](const TShell::TJobProgress& progress) {
+        if (PrintReport(*FPrinter, source, options, progress) == 0)
+            FForm.Shell().Tell(bkError, GetLanguageString(u"cSPrintFailed"_s));
+    });
+}
+
+void TMainWindow::PreviewPrint()
+{
+    WithReport([this](TExportSource& source, const TReportOptions& options) {
+        ShowPrintPreview(*FPrinter, source, options, this);
+        return false;
+    });
+}
+
+void TMainWindow::PrintChosen()
+{
+    WithReport([this](TExportSource&, const TReportOptions&) {
         QPrintDialog ask(FPrinter.get(), this);
         ask.setWindowTitle(GetLanguageString(u"cSactPrint"_s));
-        if (ask.exec() != QDialog::Accepted)
-            return;
-    } else if (QPrinterInfo::defaultPrinter().isNull()) {
-        Q_EMIT FForm.barRaised(bkError, GetLanguageString(u"cSPrintNoPrinter"_s), {});
-        return;
-    }
-    FForm.RunJob(GetLanguageString(u"cSactPrint"_s), [&](const TKRNMainForm::TJobProgress& progress) {
-        if (PrintReport(*FPrinter, source, options, progress) == 0)
-            Q_EMIT FForm.barRaised(bkError, GetLanguageString(u"cSPrintFailed"_s), {});
+        return ask.exec() == QDialog::Accepted;
+    });
+}
+
+void TMainWindow::PrintQuickly()
+{
+    WithReport([this](TExportSource&, const TReportOptions&) {
+        if (!QPrinterInfo::defaultPrinter().isNull())
+            return true;
+        FForm.Shell().Tell(bkError, GetLanguageString(u"cSPrintNoPrinter"_s));
+        return false;
     });
 }
 

@@ -49,6 +49,11 @@ TAlbumTable* TMainWindow::CurrentTable() const
     }
 }
 
+TListSession& TMainWindow::SessionOf(const TAlbumTable& table) const
+{
+    return &table == FTracks ? FForm.Lists().Tracks() : FForm.Lists().Releases();
+}
+
 TListModel* TMainWindow::CurrentModel() const
 {
     return FForm.TracksShown() ? static_cast<TListModel*>(FTracksModel) : FModel;
@@ -62,9 +67,9 @@ void TMainWindow::SetUpColumns()
             ShowColumns(preset.OfTracks ? *FTracks : *FTable, preset.VisibleColumns);
     FTable->ShareWidth({FModel->ColumnOf(u"Artist"_s), FModel->ColumnOf(u"ReleaseName"_s)});
     FTracks->ShareWidth({FTracksModel->ColumnOf(u"TrackTitle"_s), FTracksModel->ColumnOf(u"ReleaseName"_s)});
-    for (const bool ofTracks : {false, true})
-        if (FForm.Layout(ofTracks) && !FForm.Layout(ofTracks)->Columns.empty())
-            RestoreColumns(ofTracks ? *FTracks : *FTable, FForm.Layout(ofTracks)->Columns);
+    for (TAlbumTable* table : {FTable, FTracks})
+        if (const auto& layout = SessionOf(*table).Layout(); layout && !layout->Columns.empty())
+            RestoreColumns(*table, layout->Columns);
 }
 
 // Columns that the layout does not know stay as they are, behind the others.
@@ -87,7 +92,7 @@ void TMainWindow::RestoreColumns(TAlbumTable& table, const std::vector<TColumnSt
     }
     // A table without any heading could not be mended by the user.
     if (header->hiddenSectionCount() == header->count())
-        header->setSectionHidden(list.ColumnOf(&table == FTracks ? u"TrackTitle"_s : u"ReleaseName"_s), false);
+        header->setSectionHidden(list.ColumnOf(list.List().TitleField()), false);
 }
 
 void TMainWindow::KeepColumns()
@@ -103,7 +108,7 @@ void TMainWindow::KeepColumns()
             const int width = hidden || table->SharesWidth(column) ? 0 : header->sectionSize(column);
             columns.push_back({field, width, hidden});
         }
-        FForm.SetColumns(table == FTracks, std::move(columns));
+        SessionOf(*table).SetColumns(std::move(columns));
     }
 }
 
@@ -111,19 +116,18 @@ void TMainWindow::SetUpTable(TAlbumTable& table)
 {
     TListModel& list = table.Groups().Source();
     TTableHeader* header = table.Header();
-    const bool ofTracks = &list == FTracksModel;
-    list.SetEdit([this, ofTracks](qint64 id, const QString& field, const TVariant& value) {
-        return FForm.EditField(ofTracks, id, field, value);
+    list.SetEdit([&session = SessionOf(table)](qint64 id, const QString& field, const TVariant& value) {
+        return session.EditField(id, field, value);
     });
     table.SetOnRefusal([this](const QString& sentence) {
-        Q_EMIT FForm.barRaised(bkWarning, GetLanguageString(u"cSNotSaved"_s), sentence);
+        FForm.Shell().Tell(bkWarning, GetLanguageString(u"cSNotSaved"_s), sentence);
     });
     header->FilterTextOf = [this, &list](int column) {
-        const auto& texts = FForm.Filters().Set().Columns;
+        const auto& texts = FForm.Lists().Active().Filters().Set().Columns;
         const auto text = texts.find(list.FieldOf(column));
         return text == texts.end() ? QString() : text->second;
     };
-    header->FilterChoicesOf = [&list, ofTracks](int column) {
+    header->FilterChoicesOf = [&list](int column) {
         const TFieldDef* field = list.FieldDefOf(column);
         const TEditorKind kind = field ? EditorKindOf(*field) : ekText;
         QStringList choices;
@@ -133,12 +137,12 @@ void TMainWindow::SetUpTable(TAlbumTable& table)
         return choices;
     };
     connect(header, &TTableHeader::filterChanged, this, [this, &list, header](int column, const QString& text) {
-        header->MarkFilter(column, !FForm.SetColumnFilter(list.FieldOf(column), text));
+        header->MarkFilter(column, !FForm.Lists().Active().SetColumnFilter(list.FieldOf(column), text));
     });
     connect(header, &TTableHeader::groupRequested, this, [this, &list](int column) { GroupBy(list.FieldOf(column)); });
     connect(&table, &TAlbumTable::sortRequested, this, [this, &list](int column, bool add) {
         if (const QString field = list.FieldOf(column); !field.isEmpty())
-            FForm.SortBy(field, add);
+            FForm.Lists().Active().SortBy(field, add);
     });
     header->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(header, &QWidget::customContextMenuRequested, this, [this, &table](const QPoint& at) {
@@ -148,11 +152,11 @@ void TMainWindow::SetUpTable(TAlbumTable& table)
 
 void TMainWindow::GroupBy(const QString& field)
 {
-    QStringList groups = FForm.List().Grouping();
+    QStringList groups = FForm.Lists().Active().List().Grouping();
     if (field.isEmpty() || groups.contains(field))
         return;
     groups << field;
-    FForm.SetGrouping(groups);
+    FForm.Lists().Active().SetGrouping(groups);
 }
 
 void TMainWindow::OpenHeaderMenu(TAlbumTable& table, int column, const QPoint& globalPosition)
@@ -162,20 +166,20 @@ void TMainWindow::OpenHeaderMenu(TAlbumTable& table, int column, const QPoint& g
     if (!field.isEmpty()) {
         const auto sort = [&](const QString& key, bool descending) {
             connect(menu.addAction(GetLanguageString(key)), &QAction::triggered, this, [this, field, descending] {
-                FForm.SetSort({{field, descending}});
+                FForm.Lists().Active().SetSort({{field, descending}});
             });
         };
         sort(u"cSactSortAsc"_s, false);
         sort(u"cSactSortDesc"_s, true);
         menu.addSeparator();
-        const bool grouped = FForm.List().Grouping().contains(field);
+        const bool grouped = FForm.Lists().Active().List().Grouping().contains(field);
         QAction* group = menu.addAction(GetLanguageString(grouped ? u"cSGuiUngroup"_s : u"cSGuiGroupByThis"_s));
         connect(group, &QAction::triggered, this, [this, field, grouped] {
             if (!grouped)
                 return GroupBy(field);
-            QStringList groups = FForm.List().Grouping();
+            QStringList groups = FForm.Lists().Active().List().Grouping();
             groups.removeAll(field);
-            FForm.SetGrouping(groups);
+            FForm.Lists().Active().SetGrouping(groups);
         });
         menu.addSeparator();
     }
@@ -194,7 +198,7 @@ void TMainWindow::FillGroupMenu()
     const TListModel& list = *CurrentModel();
     for (int column = 0; column < list.columnCount(); ++column) {
         const QString field = list.FieldOf(column);
-        if (field.isEmpty() || FForm.List().Grouping().contains(field))
+        if (field.isEmpty() || FForm.Lists().Active().List().Grouping().contains(field))
             continue;
         QAction* item = FGroupMenu->addAction(list.headerData(column, Qt::Horizontal, FullCaptionRole).toString());
         connect(item, &QAction::triggered, this, [this, field] { GroupBy(field); });
@@ -253,7 +257,7 @@ QStringList TMainWindow::FindColumns() const
 
 void TMainWindow::Find(const QString& text)
 {
-    FHits = text.isEmpty() ? std::vector<int>() : FForm.FindRows(FindColumns(), text);
+    FHits = text.isEmpty() ? std::vector<int>() : FForm.Lists().Active().FindRows(FindColumns(), text);
     FTable->SetFindText(FFind->isHidden() ? QString() : text);
     FTracks->SetFindText(FFind->isHidden() ? QString() : text);
     FFind->SetHits(-1, 0);
@@ -330,7 +334,7 @@ void TMainWindow::Copy(bool rows)
         captions << list->headerData(list->ColumnOf(column), Qt::Horizontal, FullCaptionRole).toString();
     addLine(captions, u"th"_s);
     std::vector<int> selected;
-    for (const qint64 key : FForm.ActiveKeys())
+    for (const qint64 key : FForm.Lists().Active().Keys())
         if (const int row = list->List().RowOfKey(key); row >= 0)
             selected.push_back(row);
     std::ranges::sort(selected); // in the order in which they are shown

@@ -18,8 +18,8 @@ void TMainWindow::FillFileMenu()
     qDeleteAll(FFileMenu->findChildren<QMenu*>(Qt::FindDirectChildrenOnly));
     FActions->Fill(*FFileMenu, {u"actNewDatabase"_s, u"actOpenDatabase"_s});
     QMenu* recent = FFileMenu->addMenu(GetLanguageString(u"cSGuiRecent"_s));
-    for (const QString& path : FForm.RecentDBs())
-        connect(recent->addAction(path), &QAction::triggered, this, [this, path] { FForm.OpenRecent(path); });
+    for (const QString& path : FForm.Files().Recent())
+        connect(recent->addAction(path), &QAction::triggered, this, [this, path] { FForm.Files().OpenRecent(path); });
     recent->setEnabled(!recent->isEmpty());
     FActions->Fill(*FFileMenu, {QString(), u"actSaveDatabase"_s, u"actSaveDatabaseAs"_s, QString(), u"actImport"_s});
     QMenu* exports = FFileMenu->addMenu(GetLanguageString(u"cSGuiExport"_s));
@@ -58,13 +58,13 @@ void TMainWindow::FillStatusMenu()
     FStatusMenu->clear();
     FActions->Fill(*FStatusMenu, {u"actFilterStatusAll"_s, u"actFilterStatusOther"_s});
     FStatusMenu->addSeparator();
-    for (const QString& status : FForm.StatusItems()) {
+    for (const QString& status : FForm.Search().StatusItems()) {
         if (status.isEmpty())
             continue;
         QAction* item = FStatusMenu->addAction(status);
         item->setCheckable(true);
-        item->setChecked(status == FForm.StatusFilter());
-        connect(item, &QAction::triggered, this, [this, status] { FForm.FilterStatus(status); });
+        item->setChecked(status == FForm.Lists().Active().Filters().Set().Status);
+        connect(item, &QAction::triggered, this, [this, status] { FForm.Search().FilterStatus(status); });
     }
 }
 
@@ -78,10 +78,10 @@ void TMainWindow::FillSortMenu()
         if (column < 0)
             continue;
         QAction* item = FSortMenu->addAction(list.headerData(column, Qt::Horizontal, Qt::DisplayRole).toString());
-        const auto& sort = FForm.List().Sort();
+        const auto& sort = FForm.Lists().Active().List().Sort();
         item->setCheckable(true);
         item->setChecked(!sort.empty() && sort.front().Column == field);
-        connect(item, &QAction::triggered, this, [this, field] { FForm.SortBy(field, false); });
+        connect(item, &QAction::triggered, this, [this, field] { FForm.Lists().Active().SortBy(field, false); });
     }
     FActions->Fill(*FSortMenu, {QString(), u"actSort"_s, u"actSortAsc"_s, u"actSortDesc"_s, u"actClearSorting"_s});
 }
@@ -91,16 +91,16 @@ void TMainWindow::FillSavedMenu()
     FSavedMenu->clear();
     qDeleteAll(FSavedMenu->findChildren<QMenu*>(Qt::FindDirectChildrenOnly));
     QStringList names;
-    for (const TSavedFilter& filter : FForm.SavedFilters())
+    for (const TSavedFilter& filter : FForm.Search().SavedFilters())
         names << filter.Name;
     for (const QString& name : names)
         connect(FSavedMenu->addAction(QString(name).replace(u'&', u"&&"_s)), &QAction::triggered, this,
-                [this, name] { FForm.RecallFilter(name); });
+                [this, name] { FForm.Search().RecallFilter(name); });
     if (!names.isEmpty()) {
         QMenu* forget = FSavedMenu->addMenu(GetLanguageString(u"cSGuiForgetFilter"_s));
         for (const QString& name : names)
             connect(forget->addAction(QString(name).replace(u'&', u"&&"_s)), &QAction::triggered, this,
-                    [this, name] { FForm.ForgetFilter(name); });
+                    [this, name] { FForm.Search().ForgetFilter(name); });
         FSavedMenu->addSeparator();
     }
     FActions->Fill(*FSavedMenu, {u"actSaveFilter"_s});

@@ -79,7 +79,7 @@ void TMainWindow::FillSearchFields()
 {
     FSearchesTracks = FForm.TracksShown();
     std::vector<TSearchBoxField> fields{{{}, GetLanguageString(u"cSGuiEverything"_s), {}}};
-    for (const TSearchField& field : FForm.SearchFields()) {
+    for (const TSearchField& field : FForm.Lists().Active().Filters().Fields()) {
         TSearchBoxField shown{field.Column, field.Caption, {}};
         if (field.IsList)
             for (const TValueAndText& item : field.Items)
@@ -87,16 +87,16 @@ void TMainWindow::FillSearchFields()
         fields.push_back(std::move(shown));
     }
     // The field stays where the other list has it too.
-    const QString current = FForm.SearchBy() == EverythingField ? QString() : FForm.SearchBy();
+    const QString current = FForm.Search().SearchBy() == EverythingField ? QString() : FForm.Search().SearchBy();
     FRibbon->SearchBox()->SetFields(std::move(fields));
     FRibbon->SearchBox()->SetCurrentField(current);
 }
 
 void TMainWindow::ShowOpenFailure()
 {
-    if (FForm.OpenFailure().isEmpty())
+    if (FForm.Files().Failure().isEmpty())
         return;
-    TBarMessage bar{bkError, FForm.OpenFailure(), Defaults().DBPath, {}, {}};
+    TBarMessage bar{bkError, FForm.Files().Failure(), Defaults().DBPath, {}, {}};
     bar.Actions.push_back(
         {GetLanguageString(u"cSGuiOpenOther"_s), [this] { FForm.Actions().Trigger(u"actOpenDatabase"_s); }});
     FBars->Show(std::move(bar));
@@ -115,8 +115,8 @@ void TMainWindow::ShowView()
     FTiles->SetPainter(painter);
     FFilters->Sizes()->SetCurrent(FForm.ThumbSize());
     FFilters->Sizes()->setVisible(view == mvThumbs || view == mvShelf);
-    FTable->SetEditing(FForm.InPlaceEditing());
-    FTracks->SetEditing(FForm.InPlaceEditing());
+    FTable->SetEditing(FForm.Lists().Active().InPlaceEditing());
+    FTracks->SetEditing(FForm.Lists().Active().InPlaceEditing());
     FGroupPanel->setVisible(CurrentTable() != nullptr);
     if (FSearchesTracks != FForm.TracksShown())
         FillSearchFields();
@@ -130,9 +130,9 @@ void TMainWindow::ShowGroups()
 {
     const TListModel& list = *CurrentModel();
     QStringList captions;
-    for (const QString& field : FForm.List().Grouping())
+    for (const QString& field : FForm.Lists().Active().List().Grouping())
         captions << list.headerData(list.ColumnOf(field), Qt::Horizontal, FullCaptionRole).toString();
-    FGroupPanel->SetGroups(FForm.List().Grouping(), captions);
+    FGroupPanel->SetGroups(FForm.Lists().Active().List().Grouping(), captions);
 }
 
 // Which of the pages stands in the middle, and which view in it.
@@ -140,14 +140,14 @@ void TMainWindow::ShowPage()
 {
     const bool hadFocus = FViews->isAncestorOf(QApplication::focusWidget());
     const bool hasData = FForm.Data().HasData();
-    const TStatusFigures figures = FForm.StatusFigures();
+    const TStatusFigures figures = FForm.Figures().Status();
     FFilters->setVisible(hasData);
     const auto card = [this](const QString& title, const QString& text, const QString& action) {
         return TEmptyCard{GetLanguageString(title), GetLanguageString(text), FActions->Find(action)};
     };
     if (!hasData) {
         std::vector<TRecentFile> recent;
-        for (const QString& path : FForm.RecentDBs()) {
+        for (const QString& path : FForm.Files().Recent()) {
             const bool missing = !QFileInfo::exists(path);
             recent.push_back({path, missing ? GetLanguageString(u"cSGuiNotFound"_s) : QString(), missing});
         }
@@ -172,15 +172,15 @@ void TMainWindow::ShowPage()
 void TMainWindow::ShowFilters()
 {
     std::vector<TChipText> chips;
-    for (const TFilterChip& chip : FForm.FilterChips())
+    for (const TFilterChip& chip : FForm.Lists().Active().Filters().Chips())
         chips.push_back({u"%1|%2"_s.arg(static_cast<int>(chip.Kind)).arg(chip.Column), chip.Field, chip.Value});
     FFilters->Chips()->SetChips(chips);
-    FLetters->SetCurrent(FForm.Letter());
-    FLetters->SetField(FForm.LetterField());
+    FLetters->SetCurrent(FForm.Lists().Active().Filters().Set().Letter);
+    FLetters->SetField(FForm.Lists().Active().Filters().Set().LetterField);
     if (TAlbumTable* table = CurrentTable())
         table->Header()->RefreshFilters();
     if (!FFind->isHidden() && !FFind->Text().isEmpty())
-        FHits = FForm.FindRows(FindColumns(), FFind->Text());
+        FHits = FForm.Lists().Active().FindRows(FindColumns(), FFind->Text());
     ShowPage();
 }
 
@@ -188,7 +188,7 @@ void TMainWindow::ShowSort()
 {
     const TListModel& list = *CurrentModel();
     std::vector<TSortMark> marks;
-    const std::vector<TSortItem> sort = FForm.List().Sort();
+    const std::vector<TSortItem> sort = FForm.Lists().Active().List().Sort();
     for (const TSortItem& item : sort)
         if (const int column = list.ColumnOf(item.Column); column >= 0)
             marks.push_back({column, !item.Descending});
@@ -210,7 +210,7 @@ void TMainWindow::ShowSort()
 
 void TMainWindow::ShowFigures()
 {
-    const TStatusFigures figures = FForm.StatusFigures();
+    const TStatusFigures figures = FForm.Figures().Status();
     const QLocale locale;
     QStringList facts;
     QString shown = GetLanguageString(figures.OfTracks ? u"cSGuiFigureTracks"_s : u"cSGuiFigureReleases"_s)
@@ -236,11 +236,11 @@ void TMainWindow::ShowFigures()
         ShowPage();
 }
 
-void TMainWindow::ShowDetail() { FPane->SetData(FForm.Detail()); }
+void TMainWindow::ShowDetail() { FPane->SetData(FForm.Pane().Detail()); }
 
 void TMainWindow::ShowPane()
 {
-    const int location = FForm.PaneLocation();
+    const int location = FForm.Pane().Location();
     const bool beside = location == 1;
     FSplitter->setOrientation(beside ? Qt::Horizontal : Qt::Vertical);
     // The pane stands first only when it is at the top.
@@ -279,8 +279,8 @@ void TMainWindow::SizePane()
 
 void TMainWindow::FitSmallWindow()
 {
-    const bool tooNarrow = FForm.PaneLocation() == 1 && width() < PaneHidesBelow;
-    FPane->setVisible(!FForm.PaneClosed() && !tooNarrow);
+    const bool tooNarrow = FForm.Pane().Location() == 1 && width() < PaneHidesBelow;
+    FPane->setVisible(!FForm.Pane().Closed() && !tooNarrow);
     FLetters->setVisible(height() >= LettersHideBelow);
 }
 
@@ -304,8 +304,10 @@ void TMainWindow::FocusRelease(qint64 id)
         // A track of that release has the focus already, or the first one gets it.
         const int row = CurrentRow();
         const TVariant shown =
-            row < 0 ? TVariant() : FForm.List().ValueAt(row, FForm.List().FieldIndex(u"ReleaseId"_s));
-        const int first = FForm.List().RowOfKey(FForm.Data().FirstTrackOf(id));
+            row < 0
+                ? TVariant()
+                : FForm.Lists().Active().List().ValueAt(row, FForm.Lists().Active().List().FieldIndex(u"ReleaseId"_s));
+        const int first = FForm.Lists().Active().List().RowOfKey(FForm.Data().FirstTrackOf(id));
         if (shown.toLongLong() != id && first >= 0)
             FocusRow(first);
         return;
@@ -325,12 +327,12 @@ void TMainWindow::FocusRelease(qint64 id)
 // that has the keyboard may have made the first row current by itself, without selecting it.
 void TMainWindow::RestoreCurrent()
 {
-    if (FForm.Detail().ID != 0)
-        FPlace = FForm.Detail().ID;
+    if (FForm.Pane().Detail().ID != 0)
+        FPlace = FForm.Pane().Detail().ID;
     if (FModel->rowCount() == 0) {
         // Nothing in sight is selected: no command may reach a release that the filters hide.
-        FForm.SetFocusedRelease(0);
-        FForm.SetSelection({});
+        FForm.Lists().Releases().SetFocused(0);
+        FForm.Lists().Releases().SetSelection({});
         return;
     }
     if (FTiles->selectionModel()->hasSelection()) {
@@ -351,7 +353,7 @@ void TMainWindow::ReportSelection()
             ids.push_back(FModel->IdOf(FModel->index(row, 0)));
     std::sort(ids.begin(), ids.end());
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
-    FForm.SetSelection(std::move(ids));
+    FForm.Lists().Releases().SetSelection(std::move(ids));
 }
 
 void TMainWindow::ReportTrackSelection()
@@ -362,14 +364,14 @@ void TMainWindow::ReportTrackSelection()
             ids.push_back(FTracksModel->IdOf(FTracksModel->index(row, 0)));
     std::sort(ids.begin(), ids.end());
     ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
-    FForm.SetTrackSelection(std::move(ids));
+    FForm.Lists().Tracks().SetSelection(std::move(ids));
 }
 
 void TMainWindow::RestoreCurrentTrack()
 {
     if (!FForm.TracksShown() || FTracksModel->rowCount() == 0 || FTracks->selectionModel()->hasSelection())
         return;
-    FocusRow(std::max(0, FForm.List().RecNo()));
+    FocusRow(std::max(0, FForm.Lists().Active().List().RecNo()));
 }
 
 // The columns there are follow the settings: custom fields come and go with their captions.
@@ -378,7 +380,7 @@ void TMainWindow::ResetColumns()
     KeepColumns();
     for (TAlbumTable* table : {FTable, FTracks}) {
         table->Groups().Source().ResetColumns();
-        RestoreColumns(*table, FForm.Layout(table == FTracks)->Columns);
+        RestoreColumns(*table, SessionOf(*table).Layout()->Columns);
     }
     SetUpCards();
     FCovers.Clear();
@@ -389,7 +391,7 @@ void TMainWindow::ResetColumns()
 
 void TMainWindow::OpenAddFiles()
 {
-    TImportRun* run = FForm.AddFiles();
+    TImportRun* run = FForm.Adding().AddFiles();
     if (!run)
         return;
     FProgress = new TProgressWindow(GetLanguageString(u"cSGuiAddingFiles"_s), this);
@@ -415,7 +417,7 @@ void TMainWindow::OpenAddFiles()
 
 void TMainWindow::OpenImport()
 {
-    auto* window = new TImportWindow(*FForm.ImportForm(), this);
+    auto* window = new TImportWindow(*FForm.Adding().ImportForm(), this);
     window->setAttribute(Qt::WA_DeleteOnClose);
     window->open();
 }
@@ -463,14 +465,14 @@ void TMainWindow::showEvent(QShowEvent* event)
 
 void TMainWindow::closeEvent(QCloseEvent* event)
 {
-    if (FForm.Working()) { // a job serves this event: it is stopped first
-        FForm.CancelJob();
+    if (FForm.Shell().Working()) { // a job serves this event: it is stopped first
+        FForm.Shell().CancelJob();
         event->ignore();
         return;
     }
     KeepGeometry();
     KeepColumns();
-    FForm.SetFoldedSections(FPane->Folded());
+    FForm.Pane().SetFoldedSections(FPane->Folded());
     FForm.FormClose();
     event->accept();
 }
@@ -500,7 +502,7 @@ void TMainWindow::moveEvent(QMoveEvent* event)
 void TMainWindow::dragEnterEvent(QDragEnterEvent* event)
 {
     const bool local = event->mimeData()->hasUrls() && event->mimeData()->urls().constFirst().isLocalFile();
-    if (local && !FForm.Working() && FForm.Actions().IsEnabled(u"actAddMP3"_s))
+    if (local && !FForm.Shell().Working() && FForm.Actions().IsEnabled(u"actAddMP3"_s))
         event->acceptProposedAction();
 }
 
@@ -511,7 +513,7 @@ void TMainWindow::dropEvent(QDropEvent* event)
         if (url.isLocalFile())
             paths << url.toLocalFile();
     event->acceptProposedAction();
-    FForm.AddFolders(paths);
+    FForm.Adding().AddFolders(paths);
 }
 
 } // namespace Kestrune

@@ -92,7 +92,9 @@ TEST_F(Collection, ValuesOfTheReleaseWinOverDefaults)
 {
     TAlbumRelease release = Simple(u"A"_s, u"B"_s);
     Defaults().Values.Country = u"DE"_s;
-    release.SetItem2(u"CountryCode"_s, TVariant());
+    release.SetItem2(u"CountryCode"_s, TVariant()); // what a source leaves out is the user's to fill
+    Defaults().Values.Genre = u"Jazz"_s;
+    release.SetItem2(u"Genre"_s, QString());
     release.SetItem2(u"rating_calc"_s, 4.5);
     release.SetItem2(u"Rating"_s, 1);
     release.SetItem2(u"CatalogNo"_s, u"CAT 1"_s);
@@ -105,7 +107,8 @@ TEST_F(Collection, ValuesOfTheReleaseWinOverDefaults)
     release.SetItem2(u"DateAdded"_s, u"2001-02-03 04:05:06"_s);
     release.SetItem2(u"no such column"_s, 1);
     const qint64 id = Add(release);
-    const std::pair<QString, TVariant> cases[] = {{u"CountryCode"_s, {}},
+    const std::pair<QString, TVariant> cases[] = {{u"CountryCode"_s, u"DE"_s},
+                                                  {u"Genre"_s, {}},
                                                   {u"Rating"_s, 9},
                                                   {u"CatalogNO"_s, u"CAT 1"_s},
                                                   {u"Quantity"_s, 0},

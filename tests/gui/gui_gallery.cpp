@@ -225,8 +225,8 @@ public:
         for (int round = 0; round < 30; ++round)
             QTest::qWait(10);
         Save(window, u"program-thumbs"_s);
-        form.LetterClick(u"S"_s);
-        form.SortBy(u"ReleaseYear"_s, false);
+        form.Lists().Active().LetterClick(u"S"_s);
+        form.Lists().Active().SortBy(u"ReleaseYear"_s, false);
         form.SetCurrentView(mvAlbums);
         QTest::qWait(200);
         Save(window, u"program-table"_s);

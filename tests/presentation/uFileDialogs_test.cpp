@@ -86,7 +86,8 @@ TEST_F(FileDialogs, AfterADialogThatLookedIntoTheFileItIsLockedAgain)
         Kit::ReadAll(FPath);
     });
     EXPECT_TRUE(Held()) << "when it has closed";
-    EXPECT_TRUE(Form().EditField(false, Form().FocusedRelease(), u"Label"_s, u"still ours"_s));
+    EXPECT_TRUE(
+        Form().Lists().Releases().EditField(Form().Lists().Active().FocusedRelease(), u"Label"_s, u"still ours"_s));
     EXPECT_EQ(InFile(u"SELECT count(*) FROM Releases2 WHERE Label = 'still ours'"_s), u"1"_s);
 }
 

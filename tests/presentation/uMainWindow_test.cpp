@@ -158,7 +158,8 @@ TEST_F(MainWindow, LetterSearchAndChipsFilterTheList)
     EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 1);
     QApplication::processEvents();
     EXPECT_EQ(FocusedTitle(), u"Salt Atlas 001"_s);
-    EXPECT_EQ(FForm->Selection().size(), 1u) << "the focused release is selected again after a filter";
+    EXPECT_EQ(FForm->Lists().Releases().Selection().size(), 1u)
+        << "the focused release is selected again after a filter";
     QList<TChip*> chips;
     for (TChip* chip : FWindow->Filters()->findChildren<TChip*>())
         if (chip->isVisible())
@@ -172,13 +173,13 @@ TEST_F(MainWindow, LetterSearchAndChipsFilterTheList)
     EXPECT_FALSE(FWindow->Tiles()->isVisible());
     EXPECT_TRUE(qobject_cast<TEmptyPage*>(FWindow->Views()->currentWidget()));
     QApplication::processEvents();
-    EXPECT_TRUE(FForm->Selection().empty());
+    EXPECT_TRUE(FForm->Lists().Releases().Selection().empty());
     EXPECT_FALSE(FWindow->Actions().Find(u"actRemoveSelected"_s)->isEnabled()) << "nothing in sight to remove";
     Q_EMIT FWindow->Filters()->Chips()->clearRequested();
     EXPECT_EQ(FWindow->Tiles()->model()->rowCount(), 40);
     EXPECT_TRUE(FWindow->Tiles()->isVisible());
     QApplication::processEvents();
-    EXPECT_EQ(FForm->Selection().size(), 1u);
+    EXPECT_EQ(FForm->Lists().Releases().Selection().size(), 1u);
 }
 
 TEST_F(MainWindow, SearchBoxSearchesInTheFieldItNames)
@@ -222,10 +223,10 @@ TEST_F(MainWindow, SelectionIsToldAndRemovedAfterAQuestion)
     Open(10);
     FWindow->Actions().Find(u"actSelectAll"_s)->trigger();
     QApplication::processEvents();
-    EXPECT_EQ(FForm->Selection().size(), 10u);
+    EXPECT_EQ(FForm->Lists().Releases().Selection().size(), 10u);
     FWindow->Tiles()->setCurrentIndex(FWindow->Tiles()->model()->index(4, 0));
     QApplication::processEvents();
-    EXPECT_EQ(FForm->Selection().size(), 1u);
+    EXPECT_EQ(FForm->Lists().Releases().Selection().size(), 1u);
     FWindow->Actions().Find(u"actRemoveSelected"_s)->trigger();
     QApplication::processEvents();
     EXPECT_EQ(FPrompt.Questions.size(), 1);
@@ -240,7 +241,7 @@ TEST_F(MainWindow, ARatingFromThePaneReachesTheTile)
     QTest::keyClick(FWindow->Tiles(), Qt::Key_Right);
     ASSERT_TRUE(detail.wait(2000));
     Q_EMIT FWindow->Pane()->ratingChosen(3);
-    EXPECT_EQ(FForm->Detail().Rating, 3);
+    EXPECT_EQ(FForm->Pane().Detail().Rating, 3);
     EXPECT_EQ(FWindow->Tiles()->currentIndex().data(rrRating).toInt(), 3);
 }
 
@@ -293,8 +294,8 @@ TEST_F(MainWindow, ClosingKeepsColumnsSortAndFoldedSections)
     header()->resizeSection(genre, 207);
     header()->moveSection(header()->visualIndex(genre), 0);
     header()->setSectionHidden(column(u"Label"_s), true);
-    FForm->SortBy(u"ReleaseName"_s, false);
-    FForm->SortBy(u"ReleaseName"_s, false); // a second click turns it
+    FForm->Lists().Active().SortBy(u"ReleaseName"_s, false);
+    FForm->Lists().Active().SortBy(u"ReleaseName"_s, false); // a second click turns it
     FWindow->Pane()->SetFolded({u"tracks"_s});
     FWindow->close();
     FWindow.reset();

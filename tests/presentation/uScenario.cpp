@@ -84,7 +84,8 @@ void TScenario::Settle()
     // The longest delay in the window is that of the detail pane, which tells when it has followed.
     QSignalSpy detail(FForm.get(), &TKRNMainForm::detailChanged);
     QApplication::processEvents();
-    if (FForm->FocusedRelease() != 0 && FForm->Detail().ID != FForm->FocusedRelease())
+    if (FForm->Lists().Active().FocusedRelease() != 0 &&
+        FForm->Pane().Detail().ID != FForm->Lists().Active().FocusedRelease())
         detail.wait(2000);
     QApplication::processEvents();
 }
@@ -135,7 +136,7 @@ void TScenario::InDialog(const char* action, const std::function<void(QDialog&)>
 
 QStringList TScenario::Rows() const
 {
-    const TListDataset& list = FForm->List();
+    const TListDataset& list = FForm->Lists().Active().List();
     const int field = list.FieldIndex(FForm->TracksShown() ? u"TrackTitle"_s : u"ReleaseName"_s);
     QStringList rows;
     for (int row = 0; row < list.RecordCount(); ++row)
@@ -146,7 +147,7 @@ QStringList TScenario::Rows() const
 QStringList TScenario::Chips() const
 {
     QStringList chips;
-    for (const TFilterChip& chip : FForm->FilterChips())
+    for (const TFilterChip& chip : FForm->Lists().Active().Filters().Chips())
         chips << (chip.Field + u'=' + chip.Value);
     return chips;
 }
@@ -159,7 +160,7 @@ QString TScenario::State() const
         return views[static_cast<int>(FForm->CurrentView())] + u" | nothing"_s;
     return u"%1 | %2 | %3"_s
         .arg(views[static_cast<int>(FForm->CurrentView())], view->currentIndex().data(rrTitle).toString())
-        .arg(FForm->ActiveKeys().size());
+        .arg(FForm->Lists().Active().Keys().size());
 }
 
 QString TScenario::InFile(const QString& sql) const

@@ -141,7 +141,7 @@ TEST_F(Scenario, FiveViewsShareFocusSelectionAndFilters)
         EXPECT_TRUE(shown->viewport()->rect().intersects(shown->visualRect(shown->currentIndex())));
         EXPECT_TRUE(shown->hasFocus()) << "the keyboard goes along";
     }
-    Form().LetterClick(u"I"_s);
+    Form().Lists().Active().LetterClick(u"I"_s);
     Settle();
     for (const auto& [keys, view] : views) {
         Press(keys);
@@ -185,7 +185,7 @@ TEST_F(Scenario, EveryActionRunsInEveryView)
             action->trigger();
             QApplication::processEvents();
             EXPECT_TRUE(Window().isVisible());
-            EXPECT_FALSE(Form().Working());
+            EXPECT_FALSE(Form().Shell().Working());
             ++run;
         }
     }
@@ -198,7 +198,7 @@ TEST_F(Scenario, ACellIsEditedInItsPlace)
 {
     Open(5);
     Do("actAlbumTableView");
-    if (!Form().InPlaceEditing())
+    if (!Form().Lists().Active().InPlaceEditing())
         Do("actToggleGridEditMode");
     FocusCell(*Window().Table(), 2, u"ReleaseYear"_s);
     Press(u"F2"_s);
@@ -216,7 +216,7 @@ TEST_F(Scenario, ACellIsEditedInItsPlace)
     Press(u"Esc"_s);
     EXPECT_EQ(InFile(u"SELECT Artist FROM Releases2 WHERE ID = 3"_s), u"Ilva Marren"_s);
     Do("actTracksView");
-    if (!Form().InPlaceEditing())
+    if (!Form().Lists().Active().InPlaceEditing())
         Do("actToggleGridEditMode");
     FocusCell(*Window().Tracks(), 1, u"TrackLength"_s);
     Press(u"F2"_s);
@@ -229,7 +229,7 @@ TEST_F(Scenario, AnEditThatTheFileRefusesStaysInItsEditor)
 {
     Open(3);
     Do("actAlbumTableView");
-    if (!Form().InPlaceEditing())
+    if (!Form().Lists().Active().InPlaceEditing())
         Do("actToggleGridEditMode");
     TSQLiteConnection other;
     other.Open(FPath);
@@ -253,10 +253,10 @@ TEST_F(Scenario, GroupsFoldAndStayOverARestart)
     Open(9);
     Do("actAlbumTableView");
     TAlbumTable& table = *Window().Table();
-    Form().SetGrouping({u"Genre"_s});
+    Form().Lists().Active().SetGrouping({u"Genre"_s});
     Settle();
     EXPECT_EQ(table.Groups().rowCount(), 3);
-    EXPECT_EQ(Form().StatusFigures().Groups, 3);
+    EXPECT_EQ(Form().Figures().Status().Groups, 3);
     Do("actCollapseAll");
     EXPECT_FALSE(table.isExpanded(table.model()->index(0, 0)));
     Do("actExpandAll");
@@ -265,7 +265,7 @@ TEST_F(Scenario, GroupsFoldAndStayOverARestart)
     Reopen();
     EXPECT_EQ(Window().Table()->Groups().rowCount(), 3);
     EXPECT_TRUE(State().startsWith(u"albums | "_s));
-    Form().SetGrouping({});
+    Form().Lists().Active().SetGrouping({});
     Settle();
     EXPECT_EQ(Window().Table()->Groups().rowCount(), 9);
 }
@@ -497,7 +497,7 @@ TEST_F(Scenario, SuggestionListsReachTheirEditors)
         dialog.findChild<QPlainTextEdit*>()->appendPlainText(u"On its way"_s);
         dialog.accept();
     });
-    EXPECT_TRUE(Form().StatusItems().contains(u"On its way"_s));
+    EXPECT_TRUE(Form().Search().StatusItems().contains(u"On its way"_s));
 }
 
 TEST_F(Scenario, CellsAndRowsGoToTheClipboard)
@@ -520,8 +520,8 @@ TEST_F(Scenario, AnExportHoldsTheColumnsOfTheView)
     Open(4);
     Do("actAlbumTableView");
     ShowColumns(*Window().Table(), {u"ReleaseName"_s, u"Artist"_s});
-    Form().SetSort({{u"ReleaseName"_s, true}});
-    Form().SetColumnFilter(u"Artist"_s, u"kiln"_s);
+    Form().Lists().Active().SetSort({{u"ReleaseName"_s, true}});
+    Form().Lists().Active().SetColumnFilter(u"Artist"_s, u"kiln"_s);
     FPrompt.FileAnswer = FDir.File(u"out.csv"_s);
     Do("actExportToCSV");
     EXPECT_EQ(Kit::ReadAll(FPrompt.FileAnswer).toStdString(),
@@ -542,8 +542,8 @@ TEST_F(Scenario, PresetsShapeTheTable)
         Settle();
         EXPECT_EQ(ShownColumns(table).join(u' ').toStdString(), preset.VisibleColumns.join(u' ').toStdString())
             << "every column of a preset is there";
-        EXPECT_EQ(Form().List().Grouping(), preset.GroupedColumns);
-        EXPECT_EQ(Form().List().Sort().size(), static_cast<size_t>(preset.SortedColumns.size()));
+        EXPECT_EQ(Form().Lists().Active().List().Grouping(), preset.GroupedColumns);
+        EXPECT_EQ(Form().Lists().Active().List().Sort().size(), static_cast<size_t>(preset.SortedColumns.size()));
     }
 }
 
@@ -554,15 +554,15 @@ TEST_F(Scenario, TheTracksViewKeepsALayoutOfItsOwn)
     ShowColumns(*Window().Table(), {u"ReleaseName"_s, u"Genre"_s});
     Do("actTracksView");
     ShowColumns(*Window().Tracks(), {u"TrackTitle"_s, u"ReleaseName"_s});
-    Form().SetSort({{u"TrackTitle"_s, true}});
-    Form().SetColumnFilter(u"TrackTitle"_s, u"song 1"_s);
-    Form().SaveFilter(u"firsts"_s);
+    Form().Lists().Active().SetSort({{u"TrackTitle"_s, true}});
+    Form().Lists().Active().SetColumnFilter(u"TrackTitle"_s, u"song 1"_s);
+    Form().Search().SaveFilter(u"firsts"_s);
     Reopen();
     EXPECT_EQ(State().section(u' ', 0, 0), u"tracks"_s);
     EXPECT_EQ(ShownColumns(*Window().Tracks()), (QStringList{u"TrackTitle"_s, u"ReleaseName"_s}));
     EXPECT_EQ(ShownColumns(*Window().Table()), (QStringList{u"ReleaseName"_s, u"Genre"_s}));
     EXPECT_EQ(Rows().front(), u"Song 3 of 003"_s);
-    Form().RecallFilter(u"firsts"_s);
+    Form().Search().RecallFilter(u"firsts"_s);
     EXPECT_EQ(Rows().size(), 4);
 }
 
@@ -595,7 +595,7 @@ TEST_F(Scenario, LayoutsOfAnotherVersionAreLeftAside)
     });
     EXPECT_EQ(State(), u"tracks | Song 1 of 000 | 1"_s);
     EXPECT_GT(ShownColumns(*Window().Tracks()).size(), 3);
-    EXPECT_TRUE(Form().SavedFilters().empty());
+    EXPECT_TRUE(Form().Search().SavedFilters().empty());
 }
 
 TEST_F(Scenario, TheSearchBoxSearchesWhereItSays)
@@ -606,7 +606,7 @@ TEST_F(Scenario, TheSearchBoxSearchesWhereItSays)
         Press(u"Ctrl+K"_s);
         Press(u"Ctrl+A"_s);
         Type(text);
-        QSignalSpy filtered(&Form(), &TKRNMainForm::filtersChanged);
+        QSignalSpy filtered(&Form().Lists(), &TLists::filtersChanged);
         Press(u"Return"_s);
         if (filtered.isEmpty()) // the index is being built
             filtered.wait(20000);
@@ -667,8 +667,8 @@ TEST_F(Scenario, WhatTheKeyboardReachesHasAName)
     Do("actAlbumTableView");
     Press(u"F6"_s);
     Press(u"Ctrl+F"_s);
-    Form().SetGrouping({u"Genre"_s});
-    Form().FilterStatus(u"In collection"_s);
+    Form().Lists().Active().SetGrouping({u"Genre"_s});
+    Form().Search().FilterStatus(u"In collection"_s);
     Settle();
     EXPECT_EQ(Nameless(Window()).toStdString(), "") << "with filter row, find panel, groups and chips";
     for (const char* dialog : {"actSort", "actAdvancedSearch", "actMultiEdit", "actOptions", "actExecSQL",
@@ -689,7 +689,7 @@ TEST_F(Scenario, TilesAndGroupsTellWhatTheyAre)
         EXPECT_TRUE(tiles->child(0)->state().selected) << view;
     }
     Do("actAlbumTableView");
-    Form().SetGrouping({u"Genre"_s});
+    Form().Lists().Active().SetGrouping({u"Genre"_s});
     Settle();
     const QModelIndex group = Window().Table()->model()->index(0, 0);
     EXPECT_TRUE(group.data(Qt::AccessibleTextRole).toString().contains(u"Folk"_s))

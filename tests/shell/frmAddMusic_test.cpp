@@ -471,8 +471,8 @@ TEST_F(AddMusic, TheConnectionTestTellsItsResult)
 TEST_F(AddMusic, TheMainWindowStoresWhatWasChosen)
 {
     Package.Server.Serve("/one", {.Body = Package.Hits({"A", "B"})});
-    FForm.SetAddMusicForm(&*Form);
-    QSignalSpy opened(&FForm, &TKRNMainForm::addMusicStarted);
+    FForm.Adding().SetAddMusicForm(&*Form);
+    QSignalSpy opened(&FForm.Adding(), &TAdding::addMusicStarted);
     QSignalSpy bars(&FForm, &TKRNMainForm::barRaised);
     FForm.Actions().Trigger(u"actAddByBarcode"_s);
     EXPECT_EQ(opened.size(), 1);
@@ -482,7 +482,7 @@ TEST_F(AddMusic, TheMainWindowStoresWhatWasChosen)
     SearchBarcode(u"1"_s);
     Form->actSelectAll();
     Form->actSaveAndContinue();
-    FForm.AddMusicClosed();
+    FForm.Adding().AddMusicClosed();
     EXPECT_EQ(FData.qReleasesMain.RecordCount(), 2);
     ASSERT_EQ(bars.size(), 1);
     EXPECT_EQ(bars[0][1].toString(), u"Added to the collection: 2"_s);

@@ -48,10 +48,10 @@ TEST_F(Upkeep, SaveAsCopiesTheOpenFileAndGoesOnWithTheCopy)
     FForm.Actions().Trigger(u"actSaveDatabaseAs"_s);
     EXPECT_EQ(FData.CurrentFile(), copy);
     EXPECT_EQ(Shown().size(), 4);
-    EXPECT_TRUE(FForm.EditField(false, FData.qReleasesMain.KeyAt(0), u"Label"_s, u"only here"_s));
+    EXPECT_TRUE(FForm.Lists().Releases().EditField(FData.qReleasesMain.KeyAt(0), u"Label"_s, u"only here"_s));
     EXPECT_EQ(Count(copy, u"SELECT count(*) FROM Releases2 WHERE Label = 'only here'"_s), 1);
     EXPECT_EQ(Count(FPath, u"SELECT count(*) FROM Releases2 WHERE Label = 'only here'"_s), 0);
-    EXPECT_EQ(FForm.RecentDBs().front(), copy);
+    EXPECT_EQ(FForm.Files().Recent().front(), copy);
 
     // The same file under any name does nothing.
     QFile::link(copy, FDir.File(u"link.db"_s));
@@ -83,20 +83,20 @@ TEST_F(Upkeep, ACopyThatCannotBeWrittenLeavesAllAsItWas)
     EXPECT_EQ(failures.size(), 1);
     EXPECT_EQ(FData.CurrentFile(), FPath);
     EXPECT_EQ(Shown().size(), 4);
-    EXPECT_TRUE(FForm.EditField(false, FData.qReleasesMain.KeyAt(0), u"Label"_s, u"x"_s));
+    EXPECT_TRUE(FForm.Lists().Releases().EditField(FData.qReleasesMain.KeyAt(0), u"Label"_s, u"x"_s));
 }
 
 TEST_F(Upkeep, ADuplicateIsAReleaseOfItsOwn)
 {
     OpenFilled();
-    FForm.SetFocusedRelease(FData.qReleasesMain.KeyAt(1));
+    FForm.Lists().Releases().SetFocused(FData.qReleasesMain.KeyAt(1));
     FForm.Actions().Trigger(u"actDuplicate"_s);
     EXPECT_EQ(Shown(), (QStringList{u"Help"_s, u"Arrival"_s, u"Lexicon"_s, u"100% Zappa"_s, u"Arrival"_s}));
-    EXPECT_EQ(FForm.FocusedRelease(), FData.qReleasesMain.KeyAt(4));
-    EXPECT_EQ(FForm.StatusFigures().Total, 5);
+    EXPECT_EQ(FForm.Lists().Active().FocusedRelease(), FData.qReleasesMain.KeyAt(4));
+    EXPECT_EQ(FForm.Figures().Status().Total, 5);
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Tracks2"_s), 5);
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(DISTINCT No) FROM Releases2"_s), 5);
-    FForm.SetSelection({FForm.FocusedRelease()});
+    FForm.Lists().Releases().SetSelection({FForm.Lists().Active().FocusedRelease()});
     FForm.Actions().Trigger(u"actRemoveSelected"_s);
     EXPECT_EQ(Shown().size(), 4);
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Tracks2"_s), 4) << "the first one keeps its track";
@@ -144,14 +144,14 @@ TEST_F(Upkeep, ALongJobBlocksActionsAndCancelEndsIt)
     QObject::connect(&FForm, &TKRNMainForm::jobProgressed, &FForm, [&](const QString&, int value, int maximum) {
         steps << u"%1/%2"_s.arg(value).arg(maximum);
         if (value == 2)
-            FForm.CancelJob();
+            FForm.Shell().CancelJob();
     });
     int done = 0;
-    FForm.RunJob(u"work"_s, [&](const TKRNMainForm::TJobProgress& progress) {
-        EXPECT_TRUE(FForm.Working());
+    FForm.Shell().RunJob(u"work"_s, [&](const TShell::TJobProgress& progress) {
+        EXPECT_TRUE(FForm.Shell().Working());
         EXPECT_FALSE(FForm.Actions().IsEnabled(u"actRefresh"_s));
         FForm.Actions().Trigger(u"actDuplicate"_s);
-        FForm.RunJob(u"second"_s, [&](const TKRNMainForm::TJobProgress&) { ADD_FAILURE() << "one at a time"; });
+        FForm.Shell().RunJob(u"second"_s, [&](const TShell::TJobProgress&) { ADD_FAILURE() << "one at a time"; });
         while (progress(done, 10))
             ++done;
     });
@@ -160,11 +160,11 @@ TEST_F(Upkeep, ALongJobBlocksActionsAndCancelEndsIt)
     EXPECT_EQ(Shown().size(), 4) << "no action ran meanwhile";
     EXPECT_TRUE(FForm.Actions().IsEnabled(u"actRefresh"_s));
     try {
-        FForm.RunJob(u"fails"_s, [](const TKRNMainForm::TJobProgress&) { throw std::runtime_error("x"); });
+        FForm.Shell().RunJob(u"fails"_s, [](const TShell::TJobProgress&) { throw std::runtime_error("x"); });
         FAIL();
     } catch (const std::runtime_error&) {
     }
-    EXPECT_FALSE(FForm.Working());
+    EXPECT_FALSE(FForm.Shell().Working());
     EXPECT_TRUE(FForm.Actions().IsEnabled(u"actRefresh"_s));
 }
 
@@ -174,8 +174,8 @@ TEST_F(Upkeep, SettingsGoToABackupAndComeBack)
     OpenFilled();
     Defaults().LargeWidth = 222;
     Defaults().Values.Country = u"Ünited \"K\""_s;
-    FForm.FilterStatus(u"In collection"_s);
-    FForm.SaveFilter(u"mine"_s);
+    FForm.Search().FilterStatus(u"In collection"_s);
+    FForm.Search().SaveFilter(u"mine"_s);
     FForm.FormClose();
     FPrompt.FileAnswer = FDir.File(u"backup.reg"_s);
     FForm.Actions().Trigger(u"actBackupSettings"_s);
@@ -184,12 +184,12 @@ TEST_F(Upkeep, SettingsGoToABackupAndComeBack)
 
     Defaults().LargeWidth = 100;
     Defaults().Values.Country.clear();
-    FForm.ForgetFilter(u"mine"_s);
+    FForm.Search().ForgetFilter(u"mine"_s);
     FForm.Actions().Trigger(u"actRestoreSettings"_s);
     EXPECT_EQ(Defaults().LargeWidth, 222);
     EXPECT_EQ(Defaults().Values.Country, u"Ünited \"K\""_s);
     EXPECT_EQ(Defaults().DBPath, FPath) << "the open collection stays";
-    ASSERT_EQ(FForm.SavedFilters().size(), 1u);
+    ASSERT_EQ(FForm.Search().SavedFilters().size(), 1u);
 
     FPrompt.FileAnswer = FDir.Write(u"other.reg"_s, "no settings");
     FForm.Actions().Trigger(u"actRestoreSettings"_s);
@@ -201,21 +201,21 @@ TEST_F(Upkeep, EditsAreInTheFileAtOnceAndBadOnesAreToldAndUndone)
 {
     OpenFilled();
     const qint64 id = FData.qReleasesMain.KeyAt(0);
-    EXPECT_FALSE(FForm.EditField(false, id, u"ReleaseName"_s, u"  "_s));
-    EXPECT_FALSE(FForm.EditField(false, id, u"ReleaseName"_s, {}));
+    EXPECT_FALSE(FForm.Lists().Releases().EditField(id, u"ReleaseName"_s, u"  "_s));
+    EXPECT_FALSE(FForm.Lists().Releases().EditField(id, u"ReleaseName"_s, {}));
     EXPECT_EQ(FBars.size(), 2);
-    EXPECT_TRUE(FForm.EditField(false, id, u"ReleaseYear"_s, 1999));
+    EXPECT_TRUE(FForm.Lists().Releases().EditField(id, u"ReleaseYear"_s, 1999));
     EXPECT_EQ(Count(FPath, u"SELECT ReleaseYear FROM Releases2 WHERE ID = %1"_s.arg(id)), 1999);
-    EXPECT_TRUE(FForm.EditField(false, id, u"ReleaseYear"_s, {}));
+    EXPECT_TRUE(FForm.Lists().Releases().EditField(id, u"ReleaseYear"_s, {}));
     EXPECT_EQ(Count(FPath, u"SELECT count(*) FROM Releases2 WHERE ReleaseYear IS NULL"_s), 1);
-    EXPECT_FALSE(FForm.EditField(false, 999, u"ReleaseYear"_s, 1)) << "a row that is gone";
+    EXPECT_FALSE(FForm.Lists().Releases().EditField(999, u"ReleaseYear"_s, 1)) << "a row that is gone";
 
-    FForm.SetFocusedRelease(id);
+    FForm.Lists().Releases().SetFocused(id);
     WaitFor(&TKRNMainForm::detailChanged);
-    EXPECT_TRUE(FForm.EditDetail(u"Comments"_s, u"line\nline"_s));
-    EXPECT_EQ(FForm.DetailValue(u"Comments"_s), TVariant(u"line\nline"_s));
-    EXPECT_FALSE(FForm.EditDetail(u"ReleaseName"_s, u""_s));
-    EXPECT_EQ(FForm.DetailValue(u"ReleaseName"_s), TVariant(u"Help"_s));
+    EXPECT_TRUE(FForm.Pane().Edit(u"Comments"_s, u"line\nline"_s));
+    EXPECT_EQ(FForm.Pane().Value(u"Comments"_s), TVariant(u"line\nline"_s));
+    EXPECT_FALSE(FForm.Pane().Edit(u"ReleaseName"_s, u""_s));
+    EXPECT_EQ(FForm.Pane().Value(u"ReleaseName"_s), TVariant(u"Help"_s));
 }
 
 TEST_F(Upkeep, AnEditOfALockedFileIsRefusedAndNothingIsLost)
@@ -226,12 +226,12 @@ TEST_F(Upkeep, AnEditOfALockedFileIsRefusedAndNothingIsLost)
         TSQLiteConnection other;
         other.Open(FPath);
         other.Exec(u"BEGIN IMMEDIATE"_s);
-        EXPECT_FALSE(FForm.EditField(false, id, u"Label"_s, u"x"_s));
+        EXPECT_FALSE(FForm.Lists().Releases().EditField(id, u"Label"_s, u"x"_s));
         EXPECT_EQ(FBars.size(), 1);
         EXPECT_EQ(FData.qReleasesMain.State(), dsBrowse);
         other.Exec(u"ROLLBACK"_s);
     }
-    EXPECT_TRUE(FForm.EditField(false, id, u"Label"_s, u"x"_s));
+    EXPECT_TRUE(FForm.Lists().Releases().EditField(id, u"Label"_s, u"x"_s));
 }
 
 TEST_F(Upkeep, TracksAreEditedAndRemovedInTheirView)
@@ -241,11 +241,11 @@ TEST_F(Upkeep, TracksAreEditedAndRemovedInTheirView)
     FForm.SetCurrentView(mvTracks);
     ASSERT_EQ(FData.qTracksAll.RecordCount(), 4);
     const qint64 track = FData.qTracksAll.KeyAt(2);
-    FForm.SetFocusedTrack(track);
-    EXPECT_EQ(FForm.FocusedRelease(), FData.qReleasesMain.KeyAt(2));
-    EXPECT_TRUE(FForm.EditField(true, track, u"TrackTitle"_s, u"Other"_s));
+    FForm.Lists().Tracks().SetFocused(track);
+    EXPECT_EQ(FForm.Lists().Active().FocusedRelease(), FData.qReleasesMain.KeyAt(2));
+    EXPECT_TRUE(FForm.Lists().Tracks().EditField(track, u"TrackTitle"_s, u"Other"_s));
     EXPECT_EQ(Count(FPath, u"SELECT count(*) FROM Tracks2 WHERE TrackTitle = 'Other'"_s), 1);
-    FForm.SetTrackSelection({track});
+    FForm.Lists().Tracks().SetSelection({track});
     FForm.Actions().Trigger(u"actRemoveSelected"_s);
     EXPECT_EQ(FData.qTracksAll.RecordCount(), 3);
     EXPECT_EQ(Count(FPath, u"SELECT count(*) FROM Tracks2"_s), 3);
@@ -257,14 +257,14 @@ TEST_F(Upkeep, TracksAreEditedAndRemovedInTheirView)
 TEST_F(Upkeep, WordsAreFoundInEverythingOnceTheIndexStands)
 {
     OpenFilled();
-    FForm.EditField(false, FData.qReleasesMain.KeyAt(2), u"Comments"_s, u"Björk sang along"_s);
-    FForm.SetSearchBy(EverythingField);
-    FForm.SetSearchText(u"bjork SANG"_s);
+    FForm.Lists().Releases().EditField(FData.qReleasesMain.KeyAt(2), u"Comments"_s, u"Björk sang along"_s);
+    FForm.Search().SetSearchBy(EverythingField);
+    FForm.Search().SetSearchText(u"bjork SANG"_s);
     FForm.Actions().Trigger(u"actSearch"_s);
-    while (FForm.EverythingWords().isEmpty())
+    while (FForm.Lists().Active().Filters().Set().Everything.isEmpty())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     EXPECT_EQ(Shown(), QStringList{u"Lexicon"_s});
-    FForm.SetSearchText(u""_s);
+    FForm.Search().SetSearchText(u""_s);
     FForm.Actions().Trigger(u"actSearch"_s);
     EXPECT_EQ(Shown().size(), 4);
 }

@@ -32,18 +32,18 @@ TEST_F(MainForm, TitlesAreLocatedAsShownFromARowOnAndRound)
                                                    {u"the w"_s, 9, 4}, {QString(), 0, -1}};
     for (const auto& [text, from, row] : cases) {
         SCOPED_TRACE(text.toStdString());
-        EXPECT_EQ(FForm.LocateTitle(text, from), row);
+        EXPECT_EQ(FForm.Search().LocateTitle(text, from), row);
     }
     Defaults().ArticlesEnabled = Defaults().ArticlesFieldReleaseName = true;
     Defaults().ArticlesDisplayMode = 2;
-    EXPECT_EQ(FForm.LocateTitle(u"wall, th"_s, 0), 4) << "shown as \"Wall, The\"";
-    EXPECT_EQ(FForm.LocateTitle(u"the w"_s, 0), -1);
+    EXPECT_EQ(FForm.Search().LocateTitle(u"wall, th"_s, 0), 4) << "shown as \"Wall, The\"";
+    EXPECT_EQ(FForm.Search().LocateTitle(u"the w"_s, 0), -1);
     Defaults().ArticlesDisplayMode = 1;
-    EXPECT_EQ(FForm.LocateTitle(u"the w"_s, 0), 4);
-    FForm.SortBy(u"ReleaseName"_s, false);
-    EXPECT_EQ(FForm.LocateTitle(u"h"_s, 0), FData.qReleasesMain.RowOfKey(1));
-    FForm.LetterClick(u"A"_s);
-    EXPECT_EQ(FForm.LocateTitle(u"h"_s, 0), -1) << "filtered out";
+    EXPECT_EQ(FForm.Search().LocateTitle(u"the w"_s, 0), 4);
+    FForm.Lists().Active().SortBy(u"ReleaseName"_s, false);
+    EXPECT_EQ(FForm.Search().LocateTitle(u"h"_s, 0), FData.qReleasesMain.RowOfKey(1));
+    FForm.Lists().Active().LetterClick(u"A"_s);
+    EXPECT_EQ(FForm.Search().LocateTitle(u"h"_s, 0), -1) << "filtered out";
 }
 
 TEST_F(MainForm, ADamagedTrackTableCostsTheTracksOnly)
@@ -74,6 +74,7 @@ TEST_F(MainForm, ADamagedTrackTableCostsTheTracksOnly)
     form.WMAfterFormShow();
     EXPECT_EQ(form.CurrentView(), mvThumbs);
     EXPECT_EQ(FData.qReleasesMain.RecordCount(), 4) << "the releases are there";
+    EXPECT_EQ(FData.qReleasesMain.Value(u"ReleaseName"_s), TVariant(u"Help"_s)) << "and can be read";
     EXPECT_FALSE(bars.isEmpty()) << "and the user knows";
     form.Actions().Trigger(u"actTracksView"_s);
     EXPECT_EQ(form.CurrentView(), mvThumbs);
@@ -82,7 +83,7 @@ TEST_F(MainForm, ADamagedTrackTableCostsTheTracksOnly)
     int resets = 0;
     form.Actions().Trigger(u"actRefresh"_s);
     QObject::connect(&FData.qReleasesMain, &TDataset::dataReset, &form, [&] { ++resets; });
-    form.SortBy(u"Artist"_s, false);
+    form.Lists().Active().SortBy(u"Artist"_s, false);
     EXPECT_GT(resets, 0) << "a refresh that failed has switched the lists on again";
 }
 
@@ -98,14 +99,14 @@ TEST_F(MainForm, WhatIsEditedInOneListIsSeenInTheOther)
     };
     ASSERT_EQ(shown(tracks, u"ReleaseName"_s), TVariant(u"Help"_s));
     ASSERT_NEAR(shown(releases, u"TotalTracksLength"_s).toDouble(), 61 / 86400.0, 1e-9);
-    EXPECT_TRUE(FForm.EditField(false, releases.KeyAt(0), u"ReleaseName"_s, u"Help!"_s));
+    EXPECT_TRUE(FForm.Lists().Releases().EditField(releases.KeyAt(0), u"ReleaseName"_s, u"Help!"_s));
     EXPECT_EQ(shown(tracks, u"ReleaseName"_s), TVariant(u"Help!"_s));
-    EXPECT_TRUE(FForm.EditField(true, tracks.KeyAt(0), u"TrackLength"_s, 0.5));
+    EXPECT_TRUE(FForm.Lists().Tracks().EditField(tracks.KeyAt(0), u"TrackLength"_s, 0.5));
     EXPECT_DOUBLE_EQ(shown(releases, u"TotalTracksLength"_s).toDouble(), 0.5);
     WaitFor(&TKRNMainForm::figuresChanged);
-    while (FForm.StatusFigures().Tracks < 0)
+    while (FForm.Figures().Status().Tracks < 0)
         WaitFor(&TKRNMainForm::figuresChanged);
-    EXPECT_NEAR(FForm.StatusFigures().TracksLength, 0.5 + 3 * 61 / 86400.0, 1e-9);
+    EXPECT_NEAR(FForm.Figures().Status().TracksLength, 0.5 + 3 * 61 / 86400.0, 1e-9);
 }
 
 TEST(FieldTexts, DatesKeepTheirCenturyInEveryLocale)
@@ -193,7 +194,7 @@ TEST_F(MainForm, AFirstStartSaysOnceThatThereIsNoFile)
     FForm.WMAfterFormShow();
     EXPECT_EQ(FPrompt.Errors, QStringList({u"Database file not found."_s}));
     EXPECT_FALSE(FData.HasData());
-    EXPECT_EQ(FForm.OpenFailure(), u"Database file not found."_s);
+    EXPECT_EQ(FForm.Files().Failure(), u"Database file not found."_s);
     EXPECT_FALSE(FForm.Actions().IsEnabled(u"actRefresh"_s));
     EXPECT_TRUE(FForm.Actions().IsEnabled(u"actNewDatabase"_s));
 
@@ -202,7 +203,7 @@ TEST_F(MainForm, AFirstStartSaysOnceThatThereIsNoFile)
     EXPECT_TRUE(FData.HasData());
     EXPECT_EQ(FPrompt.Errors.size(), 1);
     EXPECT_EQ(FForm.Caption(), u"c.db - Kestrune"_s);
-    EXPECT_EQ(FForm.RecentDBs(), QStringList({FPath}));
+    EXPECT_EQ(FForm.Files().Recent(), QStringList({FPath}));
 }
 
 TEST_F(MainForm, OpeningShowsTheSplashTextsInOrder)
@@ -221,24 +222,24 @@ TEST_F(MainForm, OpeningShowsTheSplashTextsInOrder)
 TEST_F(MainForm, TheThreeFiltersStandSideBySide)
 {
     OpenFilled();
-    FForm.FilterStatus(u"In collection"_s);
+    FForm.Search().FilterStatus(u"In collection"_s);
     EXPECT_EQ(Shown(), QStringList({u"Help"_s, u"Lexicon"_s}));
-    FForm.LetterClick(u"A"_s);
-    FForm.LetterClick(u"A"_s);
+    FForm.Lists().Active().LetterClick(u"A"_s);
+    FForm.Lists().Active().LetterClick(u"A"_s);
     EXPECT_EQ(Shown(), QStringList({u"Lexicon"_s}));
-    EXPECT_EQ(FForm.FilterChips().size(), 2u) << "a letter twice is one criterion";
-    FForm.SetSearchBy(u"ReleaseName"_s);
-    FForm.SetSearchText(u"nothing"_s);
+    EXPECT_EQ(FForm.Lists().Active().Filters().Chips().size(), 2u) << "a letter twice is one criterion";
+    FForm.Search().SetSearchBy(u"ReleaseName"_s);
+    FForm.Search().SetSearchText(u"nothing"_s);
     FForm.Actions().Trigger(u"actSearch"_s);
     EXPECT_TRUE(Shown().isEmpty());
-    FForm.SetSearchText(u"lex"_s);
+    FForm.Search().SetSearchText(u"lex"_s);
     FForm.Actions().Trigger(u"actSearch"_s);
     EXPECT_EQ(Shown(), QStringList({u"Lexicon"_s}));
-    FForm.RemoveFilter(fckStatus);
-    FForm.LetterClick(u"All"_s);
-    EXPECT_EQ(FForm.FilterChips().size(), 1u);
+    FForm.Search().RemoveFilter(fckStatus);
+    FForm.Lists().Active().LetterClick(u"All"_s);
+    EXPECT_EQ(FForm.Lists().Active().Filters().Chips().size(), 1u);
     FForm.Actions().Trigger(u"actFilterStatusOther"_s);
-    EXPECT_TRUE(FForm.FilterChips().empty());
+    EXPECT_TRUE(FForm.Lists().Active().Filters().Chips().empty());
     EXPECT_FALSE(FData.qReleasesMain.FilterActive());
     EXPECT_EQ(Shown().size(), 4);
 }
@@ -246,11 +247,11 @@ TEST_F(MainForm, TheThreeFiltersStandSideBySide)
 TEST_F(MainForm, TheLetterBarWorksOnTheStoredText)
 {
     OpenFilled();
-    FForm.LetterClick(u"T"_s);
+    FForm.Lists().Active().LetterClick(u"T"_s);
     EXPECT_EQ(Shown(), QStringList({u"Help"_s}));
-    FForm.SetLetterField(1);
+    FForm.Search().SetLetterField(1);
     EXPECT_TRUE(Shown().isEmpty());
-    FForm.LetterClick(u"h"_s);
+    FForm.Lists().Active().LetterClick(u"h"_s);
     EXPECT_EQ(Shown(), QStringList({u"Help"_s}));
 }
 
@@ -266,8 +267,8 @@ TEST_F(MainForm, ListFieldsAreSearchedByEqualityOthersByText)
                        {u"ReleaseName", u"", 4},       {u"Label", u"", 0},        {u"IsLive", u"No", 4}};
     for (const auto& row : cases) {
         SCOPED_TRACE(QString::fromUtf16(row.Field).toStdString() + " " + QString::fromUtf16(row.Text).toStdString());
-        FForm.SetSearchBy(QString::fromUtf16(row.Field));
-        FForm.SetSearchText(QString::fromUtf16(row.Text));
+        FForm.Search().SetSearchBy(QString::fromUtf16(row.Field));
+        FForm.Search().SetSearchText(QString::fromUtf16(row.Text));
         FForm.Actions().Trigger(u"actSearch"_s);
         EXPECT_EQ(Shown().size(), row.Rows);
     }
@@ -277,22 +278,22 @@ TEST_F(MainForm, TheDetailPaneFollowsAfterItsDelay)
 {
     OpenFilled();
     const qint64 id = FData.qReleasesMain.KeyAt(1);
-    FForm.SetFocusedRelease(FData.qReleasesMain.KeyAt(3));
-    FForm.SetFocusedRelease(id);
+    FForm.Lists().Releases().SetFocused(FData.qReleasesMain.KeyAt(3));
+    FForm.Lists().Releases().SetFocused(id);
     WaitFor(&TKRNMainForm::detailChanged);
-    EXPECT_EQ(FForm.Detail().ID, id) << "only the last one is read";
-    EXPECT_EQ(FForm.Detail().Title, u"Arrival"_s);
-    EXPECT_EQ(FForm.Detail().TracksSummary, u"1 · 1:01"_s);
+    EXPECT_EQ(FForm.Pane().Detail().ID, id) << "only the last one is read";
+    EXPECT_EQ(FForm.Pane().Detail().Title, u"Arrival"_s);
+    EXPECT_EQ(FForm.Pane().Detail().TracksSummary, u"1 · 1:01"_s);
 
-    FForm.SetDetailRating(9);
-    EXPECT_EQ(FForm.Detail().Rating, 9);
+    FForm.Pane().SetRating(9);
+    EXPECT_EQ(FForm.Pane().Detail().Rating, 9);
     EXPECT_EQ(FData.qReleasesMain.Value(u"Rating_Calc"_s).toDouble(), 4.5) << "the row in the list is refreshed";
 }
 
 TEST_F(MainForm, RemovingAsksAndTakesTheSelection)
 {
     OpenFilled();
-    FForm.SetSelection({FData.qReleasesMain.KeyAt(0), FData.qReleasesMain.KeyAt(2)});
+    FForm.Lists().Releases().SetSelection({FData.qReleasesMain.KeyAt(0), FData.qReleasesMain.KeyAt(2)});
     FPrompt.YesNoAnswer = false;
     FForm.Actions().Trigger(u"actRemoveSelected"_s);
     EXPECT_EQ(Shown().size(), 4);
@@ -301,18 +302,18 @@ TEST_F(MainForm, RemovingAsksAndTakesTheSelection)
     EXPECT_EQ(Shown(), QStringList({u"Arrival"_s, u"100% Zappa"_s}));
     EXPECT_EQ(FPrompt.Questions.back(), u"Do you want to delete selected item(s)?"_s);
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Tracks2"_s), 2);
-    EXPECT_TRUE(FForm.Selection().empty());
+    EXPECT_TRUE(FForm.Lists().Releases().Selection().empty());
 }
 
 TEST_F(MainForm, WhatAFilterHidesIsNotRemoved)
 {
     OpenFilled();
-    FForm.SetSelection(FData.qReleasesMain.Keys());
-    FForm.SetFocusedRelease(FData.qReleasesMain.KeyAt(1));
-    FForm.LetterClick(u"Z"_s);
-    EXPECT_EQ(FForm.Selection().size(), 1u);
-    FForm.LetterClick(u"Q"_s);
-    EXPECT_TRUE(FForm.Selection().empty());
+    FForm.Lists().Releases().SetSelection(FData.qReleasesMain.Keys());
+    FForm.Lists().Releases().SetFocused(FData.qReleasesMain.KeyAt(1));
+    FForm.Lists().Active().LetterClick(u"Z"_s);
+    EXPECT_EQ(FForm.Lists().Releases().Selection().size(), 1u);
+    FForm.Lists().Active().LetterClick(u"Q"_s);
+    EXPECT_TRUE(FForm.Lists().Releases().Selection().empty());
     EXPECT_FALSE(FForm.Actions().IsEnabled(u"actRemoveSelected"_s));
     FForm.Actions().Trigger(u"actRemoveSelected"_s);
     EXPECT_TRUE(FPrompt.Questions.isEmpty());
@@ -322,12 +323,12 @@ TEST_F(MainForm, WhatAFilterHidesIsNotRemoved)
 TEST_F(MainForm, ARefusedFileLeavesCollectionAndFilters)
 {
     OpenFilled();
-    FForm.LetterClick(u"Z"_s);
+    FForm.Lists().Active().LetterClick(u"Z"_s);
     FPrompt.FileAnswer = FDir.Write(u"other.db"_s, QByteArray(5000, 'x'));
     FForm.Actions().Trigger(u"actOpenDatabase"_s);
     EXPECT_EQ(FPrompt.Errors.size(), 1);
     EXPECT_EQ(Shown(), QStringList({u"100% Zappa"_s}));
-    EXPECT_EQ(FForm.FilterChips().size(), 1u);
+    EXPECT_EQ(FForm.Lists().Active().Filters().Chips().size(), 1u);
     FForm.Actions().Trigger(u"actFilterStatusOther"_s);
     EXPECT_EQ(Shown().size(), 4);
 }
@@ -335,13 +336,13 @@ TEST_F(MainForm, ARefusedFileLeavesCollectionAndFilters)
 TEST_F(MainForm, HeadingsSortAndTurn)
 {
     OpenFilled();
-    FForm.SortBy(u"Artist"_s, false);
+    FForm.Lists().Active().SortBy(u"Artist"_s, false);
     EXPECT_EQ(Shown(), QStringList({u"Arrival"_s, u"Lexicon"_s, u"Help"_s, u"100% Zappa"_s}));
-    FForm.SortBy(u"Artist"_s, false);
+    FForm.Lists().Active().SortBy(u"Artist"_s, false);
     EXPECT_EQ(Shown().front(), u"100% Zappa"_s);
-    FForm.SortBy(u"Status"_s, false);
-    FForm.SortBy(u"ReleaseYear"_s, true);
-    FForm.SortBy(u"ReleaseYear"_s, true);
+    FForm.Lists().Active().SortBy(u"Status"_s, false);
+    FForm.Lists().Active().SortBy(u"ReleaseYear"_s, true);
+    FForm.Lists().Active().SortBy(u"ReleaseYear"_s, true);
     EXPECT_EQ(Shown(), QStringList({u"100% Zappa"_s, u"Lexicon"_s, u"Help"_s, u"Arrival"_s}));
     FForm.Actions().Trigger(u"actClearSorting"_s);
     EXPECT_EQ(Shown().front(), u"Help"_s);
@@ -357,14 +358,14 @@ TEST_F(MainForm, FoldersAreAddedInTheBackground)
                                      u"title=T%1"_s.arg(i), FDir.File(u"music/Tones/0%1.mp3"_s.arg(i))}));
     FPrompt.FileAnswer = FDir.File(u"music"_s);
     bool finished = false;
-    QObject::connect(&FForm, &TKRNMainForm::addFilesFinished, &FForm, [&] { finished = true; });
+    QObject::connect(&FForm.Adding(), &TAdding::addFilesFinished, &FForm, [&] { finished = true; });
     FForm.Actions().Trigger(u"actAddMP3"_s);
-    ASSERT_TRUE(FForm.AddFiles());
+    ASSERT_TRUE(FForm.Adding().AddFiles());
     EXPECT_FALSE(FForm.Actions().IsEnabled(u"actRemoveSelected"_s)) << "while a run is on";
-    WaitFor(&TKRNMainForm::addFilesFinished);
+    WaitFor(FForm.Adding(), &TAdding::addFilesFinished);
     ASSERT_TRUE(finished);
     EXPECT_EQ(Shown().back(), u"Tones"_s);
-    EXPECT_EQ(FForm.StatusFigures().Total, 5);
+    EXPECT_EQ(FForm.Figures().Status().Total, 5);
     QCoreApplication::processEvents();
     EXPECT_TRUE(FForm.Actions().IsEnabled(u"actAddMP3"_s));
 }

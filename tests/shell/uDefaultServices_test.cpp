@@ -28,7 +28,7 @@ protected:
         Defaults().DBPath = FPath;
         FForm.FormCreate({});
         Form.emplace(Grabber, FData, FPrompt);
-        FForm.SetAddMusicForm(&*Form);
+        FForm.Adding().SetAddMusicForm(&*Form);
     }
 
     void WaitForDownloads()
@@ -56,7 +56,7 @@ protected:
             break;
         }
         Form->actSaveAndClose();
-        FForm.AddMusicClosed();
+        FForm.Adding().AddMusicClosed();
         FData.SelectRelease(FData.LastAddedReleaseID());
         return FData.CurrentReleaseToAlbumRelease();
     }

@@ -58,8 +58,13 @@ protected:
     template <typename TSignal>
     void WaitFor(TSignal signal)
     {
+        WaitFor(FForm, signal);
+    }
+    template <typename TPart, typename TSignal>
+    void WaitFor(TPart& part, TSignal signal)
+    {
         QEventLoop loop;
-        QObject::connect(&FForm, signal, &loop, &QEventLoop::quit);
+        QObject::connect(&part, signal, &loop, &QEventLoop::quit);
         loop.exec();
     }
 

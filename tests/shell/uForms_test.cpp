@@ -61,8 +61,8 @@ TEST_F(FormsTest, MultiEditSetsTheSameValuesByTheRulesOfTheCursor)
     FData.ExecSQL(u"UPDATE Releases2 SET LastModified = '2001-01-01 00:00:00'"_s);
     FData.RefreshAll();
     const std::vector<qint64> two{FData.qReleasesMain.KeyAt(1), FData.qReleasesMain.KeyAt(2)};
-    FForm.SetSelection(two);
-    TMultiEditForm form(FForm);
+    FForm.Lists().Releases().SetSelection(two);
+    TMultiEditForm form(FForm.Lists().Active(), FForm.Edits());
     form.LoadFromCustomGridTableView({u"Label"_s, u"Genre"_s});
     ASSERT_GT(form.Fields().size(), 20u);
     EXPECT_EQ(form.Fields()[0].Name, u"Label"_s) << "columns in sight come first";
@@ -91,7 +91,7 @@ TEST_F(FormsTest, MultiEditSetsTheSameValuesByTheRulesOfTheCursor)
     form.actRemove(4);
     EXPECT_EQ(form.Question(), u"Change 2 items?\nSet: Label, Rating\nCleared: Release year"_s);
     EXPECT_EQ(form.ApplyChanges(), 2);
-    EXPECT_EQ(FForm.Selection(), two);
+    EXPECT_EQ(FForm.Lists().Releases().Selection(), two);
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2 WHERE Label = 'Blue Lamp' AND Rating = 9"
                                     " AND ReleaseYear IS NULL AND substr(LastModified, 1, 4) > '2020'"_s),
               2);
@@ -108,30 +108,29 @@ TEST_F(FormsTest, ACancelledMultiEditChangesNothing)
     FData.ExecSQL(u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 300)"
                   " INSERT INTO Releases2(ReleaseName) SELECT 'copy ' || i FROM n"_s);
     FData.RefreshAll();
-    FForm.SetSelection(FData.qReleasesMain.Keys());
-    TMultiEditForm form(FForm);
+    FForm.Lists().Releases().SetSelection(FData.qReleasesMain.Keys());
+    TMultiEditForm form(FForm.Lists().Active(), FForm.Edits());
     form.LoadFromCustomGridTableView({u"Label"_s});
     form.actAdd();
     form.SetValue(0, u"Blue Lamp"_s);
     int steps = 0;
     QObject::connect(&FForm, &TKRNMainForm::jobProgressed, &FForm, [&](const QString&, int value, int) {
         if (value >= 200 && ++steps == 1)
-            FForm.CancelJob();
+            FForm.Shell().CancelJob();
     });
     EXPECT_EQ(form.ApplyChanges(), 0);
     EXPECT_EQ(steps, 1);
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Releases2 WHERE Label = 'Blue Lamp'"_s), 0);
-    EXPECT_FALSE(FForm.Working());
+    EXPECT_FALSE(FForm.Shell().Working());
 }
 
 TEST_F(FormsTest, MultiEditOfTracksChangesTracks)
 {
     OpenFilled();
     FForm.SetCurrentView(mvTracks);
-    FForm.SetTrackSelection({FData.qTracksAll.KeyAt(0), FData.qTracksAll.KeyAt(3)});
-    TMultiEditForm form(FForm);
+    FForm.Lists().Tracks().SetSelection({FData.qTracksAll.KeyAt(0), FData.qTracksAll.KeyAt(3)});
+    TMultiEditForm form(FForm.Lists().Active(), FForm.Edits());
     form.LoadFromCustomGridTableView({});
-    EXPECT_TRUE(form.OfTracks());
     for (const TFieldDef& field : form.Fields())
         EXPECT_FALSE(field.Name == u"ReleaseArtist"_s || field.Name == u"ReleaseId"_s) << field.Name.toStdString();
     form.actAdd();
@@ -164,7 +163,7 @@ TEST_F(FormsTest, ReadOnlySQLReadsAndRefusesEveryWayToWrite)
     EXPECT_TRUE(form.Run(u"   \n"_s).Error.isEmpty());
     EXPECT_FALSE(form.Run(u"SELECT * FROM nowhere"_s).Error.isEmpty());
     // The program itself still writes.
-    EXPECT_TRUE(FForm.EditField(false, FData.qReleasesMain.KeyAt(0), u"Label"_s, u"L"_s));
+    EXPECT_TRUE(FForm.Lists().Releases().EditField(FData.qReleasesMain.KeyAt(0), u"Label"_s, u"L"_s));
 }
 
 TEST_F(FormsTest, WritingSQLIsOneTransactionAndCanBeStopped)

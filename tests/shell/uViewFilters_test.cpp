@@ -27,7 +27,7 @@ protected:
     }
     QStringList Under(const TFilterNode& node)
     {
-        FForm.SetBuilderFilter(node);
+        FForm.Lists().Active().SetBuilderFilter(node);
         return Shown();
     }
 };
@@ -73,12 +73,12 @@ TEST_F(ViewFilters, FilterRowTextsMeanWhatTheyLookLike)
                            {u"ReleaseYear"_s, u"   "_s, all}};
     for (const TCase& item : cases) {
         SCOPED_TRACE((item.Column + u' ' + item.Text).toStdString());
-        EXPECT_EQ(FForm.SetColumnFilter(item.Column, item.Text), item.Rows.has_value());
+        EXPECT_EQ(FForm.Lists().Active().SetColumnFilter(item.Column, item.Text), item.Rows.has_value());
         EXPECT_EQ(Shown(), item.Rows.value_or(all)) << "what is no condition filters nothing";
-        FForm.RemoveFilter(fckColumn, item.Column);
+        FForm.Search().RemoveFilter(fckColumn, item.Column);
     }
-    EXPECT_FALSE(FForm.SetColumnFilter(u"Gone"_s, u"1"_s));
-    EXPECT_TRUE(FForm.FilterChips().empty());
+    EXPECT_FALSE(FForm.Lists().Active().SetColumnFilter(u"Gone"_s, u"1"_s));
+    EXPECT_TRUE(FForm.Lists().Active().Filters().Chips().empty());
 }
 
 TEST_F(ViewFilters, BuilderTreesNestAndNegate)
@@ -99,7 +99,7 @@ TEST_F(ViewFilters, BuilderTreesNestAndNegate)
         << "not equal holds where nothing is known";
     EXPECT_EQ(Under(AllOf({{u"Gone"_s, foEquals, 1, {}}})).size(), 4) << "a column that is gone filters nothing";
     EXPECT_EQ(Under({}).size(), 4);
-    EXPECT_TRUE(FForm.FilterChips().empty());
+    EXPECT_TRUE(FForm.Lists().Active().Filters().Chips().empty());
 }
 
 TEST_F(ViewFilters, PeriodsCountFromToday)
@@ -131,11 +131,11 @@ TEST_F(ViewFilters, PeriodsCountFromToday)
 TEST_F(ViewFilters, TheSignOfTheLetterBarIsWhatBeginsWithNoLetter)
 {
     OpenFilled();
-    FForm.SetLetterField(1);
+    FForm.Search().SetLetterField(1);
     Set(u"Help"_s, u"ReleaseName"_s, u"Éire"_s);
     Set(u"Arrival"_s, u"ReleaseName"_s, u"(Arrival)"_s);
     Set(u"Lexicon"_s, u"ReleaseName"_s, u"日本"_s);
-    FForm.LetterClick(u"#"_s);
+    FForm.Lists().Active().LetterClick(u"#"_s);
     EXPECT_EQ(Shown(), (QStringList{u"(Arrival)"_s, u"100% Zappa"_s}));
 }
 
@@ -180,42 +180,42 @@ TEST_F(ViewFilters, SavedFiltersSurviveAsTextWithAllTheyHold)
 TEST_F(ViewFilters, ASavedFilterIsRecalledReplacedAndForgotten)
 {
     OpenFilled();
-    FForm.FilterStatus(u"In collection"_s);
-    FForm.SetColumnFilter(u"ReleaseYear"_s, u">1970"_s);
-    FForm.SaveFilter(u"mine"_s);
+    FForm.Search().FilterStatus(u"In collection"_s);
+    FForm.Lists().Active().SetColumnFilter(u"ReleaseYear"_s, u">1970"_s);
+    FForm.Search().SaveFilter(u"mine"_s);
     FForm.Actions().Trigger(u"actFilterStatusOther"_s);
     EXPECT_EQ(Shown().size(), 4);
-    FForm.RecallFilter(u"mine"_s);
+    FForm.Search().RecallFilter(u"mine"_s);
     EXPECT_EQ(Shown(), QStringList{u"Lexicon"_s});
-    EXPECT_EQ(FForm.FilterChips().size(), 2u);
-    FForm.RemoveFilter(fckStatus);
-    FForm.SaveFilter(u"mine"_s);
-    FForm.SaveFilter(u"Again"_s);
-    ASSERT_EQ(FForm.SavedFilters().size(), 2u);
-    EXPECT_EQ(FForm.SavedFilters()[0].Name, u"Again"_s) << "by name";
-    FForm.RecallFilter(u"mine"_s);
+    EXPECT_EQ(FForm.Lists().Active().Filters().Chips().size(), 2u);
+    FForm.Search().RemoveFilter(fckStatus);
+    FForm.Search().SaveFilter(u"mine"_s);
+    FForm.Search().SaveFilter(u"Again"_s);
+    ASSERT_EQ(FForm.Search().SavedFilters().size(), 2u);
+    EXPECT_EQ(FForm.Search().SavedFilters()[0].Name, u"Again"_s) << "by name";
+    FForm.Search().RecallFilter(u"mine"_s);
     EXPECT_EQ(Shown().size(), 3);
-    FForm.ForgetFilter(u"mine"_s);
-    FForm.RecallFilter(u"mine"_s);
-    EXPECT_EQ(FForm.SavedFilters().size(), 1u);
+    FForm.Search().ForgetFilter(u"mine"_s);
+    FForm.Search().RecallFilter(u"mine"_s);
+    EXPECT_EQ(FForm.Search().SavedFilters().size(), 1u);
     EXPECT_EQ(Shown().size(), 3);
 }
 
 TEST_F(ViewFilters, TracksHaveFiltersOfTheirOwn)
 {
     OpenFilled();
-    FForm.LetterClick(u"A"_s);
+    FForm.Lists().Active().LetterClick(u"A"_s);
     FForm.SetCurrentView(mvTracks);
     EXPECT_EQ(FData.qTracksAll.RecordCount(), 4);
-    EXPECT_TRUE(FForm.FilterChips().empty());
-    FForm.SetColumnFilter(u"TrackTitle"_s, u"son"_s);
-    FForm.SetColumnFilter(u"TrackLength"_s, u"<1:00"_s);
+    EXPECT_TRUE(FForm.Lists().Active().Filters().Chips().empty());
+    FForm.Lists().Active().SetColumnFilter(u"TrackTitle"_s, u"son"_s);
+    FForm.Lists().Active().SetColumnFilter(u"TrackLength"_s, u"<1:00"_s);
     EXPECT_EQ(FData.qTracksAll.RecordCount(), 0);
-    FForm.RemoveFilter(fckColumn, u"TrackLength"_s);
+    FForm.Search().RemoveFilter(fckColumn, u"TrackLength"_s);
     EXPECT_EQ(FData.qTracksAll.RecordCount(), 4);
     FForm.SetCurrentView(mvThumbs);
     EXPECT_EQ(Shown(), (QStringList{u"Arrival"_s, u"Lexicon"_s}));
-    EXPECT_EQ(FForm.FilterChips().size(), 1u);
+    EXPECT_EQ(FForm.Lists().Active().Filters().Chips().size(), 1u);
 }
 
 TEST_F(ViewFilters, ConditionsAreSaidInWords)

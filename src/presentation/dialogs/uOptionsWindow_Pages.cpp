@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
-#include "frmMain.h"
+#include "uAdding.h"
 #include "uDictionaries.h"
 #include "uOptionsWindow.h"
 #include "uTHStrings.h"
@@ -200,7 +200,7 @@ void TOptionsWindow::ServicesPage()
               Texts({u"cSOptInterval0"_s, u"cSOptInterval1"_s, u"cSOptInterval2"_s, u"cSOptInterval3"_s}));
     auto* update = new QPushButton(GetLanguageString(u"cSUpdateNow"_s), page.parentWidget());
     update->setAutoDefault(false);
-    update->setEnabled(TKRNMainForm::CanUpdateServices());
+    update->setEnabled(TAdding::CanUpdateServices());
     connect(update, &QPushButton::clicked, this, &TOptionsWindow::updateServicesRequested);
     page.addRow(update);
     if (update->isEnabled())

@@ -86,8 +86,8 @@ void TTableViewCustomizationConf::Apply(TAlbumTable& table, TKRNMainForm& form) 
     std::vector<TSortItem> sort;
     for (const QString& column : SortedColumns)
         sort.push_back({column.startsWith(u'-') ? column.mid(1) : column, column.startsWith(u'-')});
-    form.SetGrouping(GroupedColumns);
-    form.SetSort(std::move(sort));
+    form.Lists().Active().SetGrouping(GroupedColumns);
+    form.Lists().Active().SetSort(std::move(sort));
 }
 
 } // namespace Kestrune

@@ -33,6 +33,9 @@ public:
     /// Gives an action its handler, the rule that enables it (none: always) and the rule that checks it.
     void Bind(const QString& name, std::function<void()> execute, TRule enabled = {}, TRule checked = {});
 
+    /// Adds a condition to the rule of a bound action.
+    void Restrict(const QString& name, TRule enabled);
+
     bool IsBound(const QString& name) const;
     bool IsEnabled(const QString& name) const;
     bool IsChecked(const QString& name) const;

@@ -11,18 +11,18 @@
 
 namespace Kestrune {
 
-class TKRNMainForm;
+class TListEdits;
+class TListSession;
 
 /// The multi-edit dialog without widgets: fields with the values that all selected rows shall get.
 class TMultiEditForm {
 public:
-    /// The form outlives it. The rows are those selected now.
-    explicit TMultiEditForm(TKRNMainForm& form);
+    /// Both outlive it. The rows are those of the list that are selected now.
+    TMultiEditForm(TListSession& list, TListEdits& edits);
 
     /// The fields that can be edited, those of the view's shown columns first.
     void LoadFromCustomGridTableView(const std::vector<QString>& shownColumns);
     const std::vector<TFieldDef>& Fields() const { return FFields; }
-    bool OfTracks() const { return FOfTracks; }
     int RowCount() const { return static_cast<int>(FKeys.size()); }
 
     /// What one field shall become.
@@ -52,8 +52,8 @@ public:
     int ApplyChanges();
 
 private:
-    TKRNMainForm& FForm;
-    bool FOfTracks;
+    TListSession& FList;
+    TListEdits& FEdits;
     std::vector<qint64> FKeys;
     std::vector<TFieldDef> FFields;
     std::vector<TRow> FRows;

@@ -101,6 +101,15 @@ void TActionList::Bind(const QString& name, std::function<void()> execute, TRule
     FBindings.push_back({name, std::move(execute), std::move(enabled), std::move(checked)});
 }
 
+void TActionList::Restrict(const QString& name, TRule enabled)
+{
+    const auto binding = std::ranges::find(FBindings, name, &TBinding::Name);
+    Q_ASSERT(binding != FBindings.end());
+    binding->EnabledRule = [both = std::move(enabled), rule = std::move(binding->EnabledRule)] {
+        return both() && (!rule || rule());
+    };
+}
+
 const TActionList::TBinding* TActionList::Find(const QString& name) const
 {
     const auto found = std::ranges::find(FBindings, name, &TBinding::Name);

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frmMultiEdit.h"
 
-#include "frmMain.h"
 #include "uDefaults.h"
+#include "uListEdits.h"
+#include "uListSession.h"
 #include "uTHStrings.h"
 
 #include <algorithm>
@@ -11,14 +12,13 @@ namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-TMultiEditForm::TMultiEditForm(TKRNMainForm& form)
-    : FForm(form), FOfTracks(form.TracksShown()), FKeys(form.ActiveKeys())
+TMultiEditForm::TMultiEditForm(TListSession& list, TListEdits& edits) : FList(list), FEdits(edits), FKeys(list.Keys())
 {}
 
 void TMultiEditForm::LoadFromCustomGridTableView(const std::vector<QString>& shownColumns)
 {
     FFields.clear();
-    for (const TFieldDef& field : FForm.List().Fields()) {
+    for (const TFieldDef& field : FList.List().Fields()) {
         const bool internal = field.LabelKey.isEmpty() && !field.Name.startsWith("Custom"_L1);
         const bool editable = TDataModuleMain::IsFieldAssignable(field) && field.Kind != fkDateTime && !internal;
         if (editable && IsFieldShown(field, Defaults()))
@@ -93,6 +93,6 @@ QString TMultiEditForm::Question() const
                : GetLanguageString(u"cSMultiEditConfirm"_s).arg(RowCount()) + u'\n' + sentences.join(u'\n');
 }
 
-int TMultiEditForm::ApplyChanges() { return FForm.ApplyChanges(FKeys, GetList()); }
+int TMultiEditForm::ApplyChanges() { return FEdits.ApplyChanges(FKeys, GetList()); }
 
 } // namespace Kestrune

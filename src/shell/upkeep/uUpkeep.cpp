@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "uUpkeep.h"
+
+#include "uDefaults.h"
+#include "uFieldEditors.h"
+#include "uHttpClient.h"
+#include "uLists.h"
+#include "uPrompt.h"
+#include "uRegistryFile.h"
+#include "uShell.h"
+#include "uTHStrings.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+namespace Kestrune {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int ServeEvents = 10; // rows between turns of the event loop
+
+TFileDialogRequest SettingsDialog(const QString& titleKey)
+{
+    TFileDialogRequest request;
+    request.Title = GetLanguageString(titleKey);
+    request.Filter = GetLanguageString(u"cSRegistryFileFilter"_s);
+    request.DefaultExtension = u"reg"_s;
+    request.FileName = u"KRN_Settings.reg"_s;
+    return request;
+}
+
+QString SettingsKey()
+{
+    const TOEMInfo& oem = Defaults().OEM;
+    return u"HKEY_CURRENT_USER\\Software\\%1\\%2"_s.arg(oem.Company, oem.Product);
+}
+
+} // namespace
+
+TUpkeep::TUpkeep(TShell& shell, TLists& lists) : FShell(shell), FLists(lists) { BindActions(); }
+
+void TUpkeep::BindActions()
+{
+    TActionList& actions = FShell.Actions();
+    const auto canWork = [this] { return FShell.CanWork(); };
+    const auto canWrite = [this] { return FShell.CanWrite(); };
+    const auto idle = [this] { return !FShell.Busy(); };
+    actions.Bind(
+        u"actRefresh"_s,
+        [this] {
+            FShell.Data().RefreshAll();
+            Q_EMIT refreshed();
+        },
+        canWork);
+    actions.Bind(
+        u"actVacuumDB"_s,
+        [this] {
+            if (!FShell.Prompt().AskYesNo(GetLanguageString(u"cSConfirmOptimization"_s)))
+                return;
+            FShell.Data().VacuumDB();
+            FShell.Tell(bkDone, GetLanguageString(u"cSOptimizationDone"_s));
+        },
+        canWrite);
+    actions.Bind(
+        u"actRegenerateThumbnails"_s, [this] { RegenerateThumbnails(); }, canWrite);
+    FShell.BindWindow(u"actExecSQL"_s, canWork);
+    FShell.BindWindow(u"actOptions"_s, idle);
+    actions.Bind(
+        u"actBackupSettings"_s, [this] { BackupSettings(); }, idle);
+    actions.Bind(
+        u"actRestoreSettings"_s, [this] { RestoreSettingsBackup(); }, idle);
+    actions.Bind(
+        u"actToggleDebug"_s, [this] { Q_EMIT debugWindowToggled(); }, [this] { return FDebugMode; });
+    const std::pair<QString, QString> dictionaries[] = {
+        {u"actEditMediaTypes"_s, u"MediaType"_s},   {u"actEditGenres"_s, u"Genre"_s},
+        {u"actEditConditions"_s, u"Condition"_s},   {u"actEditPackaging"_s, u"Packaging"_s},
+        {u"actEditStatuses"_s, u"Status"_s},        {u"actEditChannels"_s, u"Channels"_s},
+        {u"actEditInstruments"_s, u"Instrument"_s}, {u"actEditLocations"_s, u"Location"_s}};
+    for (const auto& [action, column] : dictionaries)
+        actions.Bind(action, [this, column = column] { Q_EMIT dictionaryRequested(column); });
+}
+
+void TUpkeep::RegenerateThumbnails()
+{
+    if (!FShell.Prompt().AskYesNo(GetLanguageString(u"cSConfirmRegenerateThumbs"_s)))
+        return;
+    int made = 0;
+    FShell.RunJob(GetLanguageString(u"cSactRegenerateThumbnails"_s), [&](const TShell::TJobProgress& progress) {
+        made = FShell.Data().RegenerateThumbnails(
+            [&](int row, int count) { return (row % ServeEvents != 0 && row != count) || progress(row, count); });
+    });
+    FLists.Releases().List().Refresh();
+    Q_EMIT thumbnailsChanged();
+    FShell.Tell(FShell.Cancelled() ? bkWarning : bkDone, GetLanguageString(u"cSThumbnailsMade"_s).arg(made), {});
+}
+
+void TUpkeep::BackupSettings()
+{
+    const QString path = FShell.Prompt().AskSaveFile(SettingsDialog(u"cSactBackupSettings"_s));
+    if (path.isEmpty())
+        return;
+    Q_EMIT settingsNeeded();
+    if (HasSettingsStore())
+        WriteSettings(Defaults(), SettingsStore());
+    const TSettingValues values = HasSettingsStore() ? SettingsStore().AllValues() : TSettingValues();
+    if (values.empty()) {
+        FShell.Prompt().ShowError(GetLanguageString(u"cSNoSettings"_s));
+        return;
+    }
+    QSaveFile file(path);
+    const QByteArray bytes = WriteRegistryFile(SettingsKey(), values);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit()) {
+        FShell.Tell(bkError, GetLanguageString(u"cSFileCannotBeWritten"_s).replace(u"%s"_s, path), file.errorString());
+        return;
+    }
+    FShell.Tell(bkDone, GetLanguageString(u"cSSettingsSaved"_s), path);
+}
+
+void TUpkeep::RestoreSettingsBackup()
+{
+    const QString path = FShell.Prompt().AskOpenFile(SettingsDialog(u"cSactRestoreSettings"_s));
+    if (path.isEmpty() || !HasSettingsStore())
+        return;
+    QFile file(path);
+    const auto values = file.open(QIODevice::ReadOnly) ? ReadRegistryFile(file.readAll(), SettingsKey()) : std::nullopt;
+    if (!values || values->empty()) {
+        FShell.Tell(bkError, GetLanguageString(u"cSNoSettingsFile"_s), path);
+        return;
+    }
+    SettingsStore().TakeValues(*values);
+    const QString open = Defaults().DBPath;
+    ReloadSettings();
+    Defaults().DBPath = open; // the collection that is open stays
+    Q_EMIT settingsReplaced();
+    ApplySettings();
+    FShell.Tell(bkDone, GetLanguageString(u"cSSettingsRestored"_s), GetLanguageString(u"cSSettingsAfterRestart"_s));
+}
+
+void TUpkeep::ApplySettings()
+{
+    KeepSetting("DefaultDBFolder");
+    SetNetworkSettings(NetworkSettingsFrom(Defaults()));
+    FShell.Data().ApplyArticleSettings();
+    for (TListSession* list : FLists.All())
+        if (list->List().Active())
+            list->List().ApplyFilter();
+    Q_EMIT settingsApplied();
+    FShell.Actions().Update();
+}
+
+void TUpkeep::SetDictionary(const QString& column, const QString& text)
+{
+    const PDict dict = DictionaryOf(column);
+    if (!dict)
+        return;
+    dict->Text = text;
+    Q_EMIT settingsApplied();
+}
+
+} // namespace Kestrune
