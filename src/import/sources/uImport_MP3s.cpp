@@ -5,73 +5,16 @@
 #include "uFolderScan.h"
 #include "uMP3Folder.h"
 #include "uMP3Image.h"
+#include "uReadAhead.h"
 #include "uTHStrings.h"
 
-#include <atomic>
-#include <exception>
-#include <future>
-#include <semaphore>
+#include <optional>
 #include <utility>
 #include <vector>
 
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-// Reads the folders in their order on a thread of its own: the next one while the one taken last is being stored.
-class TReadAhead {
-public:
-    TReadAhead(const TFolderLists& lists, const TMP3ScanOptions& options)
-        : FReader(std::async(std::launch::async, [&] { Read(lists, options); }))
-    {}
-    ~TReadAhead()
-    {
-        FStopped = true;
-        FRoom.release();
-    }
-    TReadAhead(const TReadAhead&) = delete;
-    TReadAhead& operator=(const TReadAhead&) = delete;
-
-    /// What came of the next folder; once for each.
-    std::vector<TFolderStep> Take()
-    {
-        FRead.acquire();
-        std::vector<TFolderStep> steps = std::move(FSteps);
-        const std::exception_ptr failure = FFailure;
-        FRoom.release();
-        if (failure)
-            std::rethrow_exception(failure);
-        return steps;
-    }
-
-private:
-    void Read(const TFolderLists& lists, const TMP3ScanOptions& options)
-    {
-        for (const QStringList& list : lists) {
-            FRoom.acquire();
-            if (FStopped)
-                return;
-            try {
-                FSteps = ReadFolder(list, options);
-            } catch (...) {
-                FFailure = std::current_exception();
-            }
-            FRead.release();
-        }
-    }
-
-    // The steps pass from thread to thread with the semaphores: room for the next, and the next is there.
-    std::vector<TFolderStep> FSteps;
-    std::exception_ptr FFailure;
-    std::counting_semaphore<> FRoom{1};
-    std::counting_semaphore<> FRead{0};
-    std::atomic<bool> FStopped{false};
-    std::future<void> FReader; // last: its end is waited for while the rest still lives
-};
-
-} // namespace
 
 TMP3ScanOptions TMP3ScanOptions::FromSettings()
 {
@@ -121,10 +64,17 @@ void TKRNImporter_MP3s::Import()
     MergeDiscFolders(lists);
     for (const QStringList& list : lists)
         FFilesCount += static_cast<int>(list.size());
-    TReadAhead ahead(lists, FOptions);
-    for (size_t i = 0; i < lists.size() && !Terminated(); ++i)
-        for (const TFolderStep& step : ahead.Take())
+    using TSteps = std::vector<TFolderStep>;
+    TReadAhead<TSteps> ahead([&lists, this, next = size_t(0)]() mutable {
+        return next < lists.size() ? std::optional(ReadFolder(lists[next++], FOptions)) : std::nullopt;
+    });
+    while (!Terminated()) {
+        const std::optional<TSteps> steps = ahead.Take();
+        if (!steps)
+            break;
+        for (const TFolderStep& step : *steps)
             TakeStep(step);
+    }
     DoOnImportDone(FReleasesCount, FPosition);
 }
 
