@@ -40,10 +40,11 @@ protected:
     void Run(const QString& input = {}, const std::function<void(TKRNImporter_MP3s&)>& prepare = {})
     {
         TKRNImporter_MP3s importer(FData);
+        importer.SetOptions(TMP3ScanOptions::New());
         importer.SetInputPath(input.isEmpty() ? Music() : input);
         importer.SetOnDone([this](TKRNImporter&, int releases, int files) { FDone = {releases, files}; });
         importer.SetOnError([this](TKRNImporter&, const QString& error) { FErrors += error; });
-        importer.SetOnFileError([this](TKRNImporter&, const QString& file, const QString& error) {
+        importer.SetOnItemError([this](TKRNImporter&, const QString& file, const QString& error) {
             FErrors += file.sliced(file.lastIndexOf(u'/') + 1) + u": "_s + error;
         });
         if (prepare)
@@ -453,7 +454,7 @@ TEST_F(ImportFolders, ADiscImageIsAReleaseOfItsOwn)
             track.Album = image.endsWith("one.iso"_L1) ? u"One"_s : u"Four"_s;
             return {{track}};
         };
-        importer.SetOptions(std::move(options));
+        importer.SetOptions(options.Clone());
     };
     Run({}, prepare);
     EXPECT_EQ(Rows(u"SELECT ReleaseName FROM Releases2 ORDER BY ID"_s), u"Four\nOne\nFiles"_s);
