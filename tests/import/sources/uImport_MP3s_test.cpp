@@ -495,6 +495,16 @@ TEST_F(ImportFolders, AListingStoresNothingAndItsKeysSelect)
     EXPECT_EQ(Rows(u"SELECT ReleaseName FROM Releases2 ORDER BY ID"_s), u"Y"_s);
 }
 
+TEST_F(ImportFolders, WhatTagsLeaveOutTheDefaultsOfTheUserFill)
+{
+    Defaults().Values.Genre = u"Jazz"_s;
+    Defaults().Values.Country = u"FR"_s;
+    Flac(u"a/1.flac"_s, 1, {"ALBUM=A"});
+    Flac(u"b/1.flac"_s, 1, {"ALBUM=B", "GENRE=Dub", "COUNTRY=JM"});
+    Run();
+    EXPECT_EQ(Rows(u"SELECT ReleaseName, Genre, CountryCode FROM Releases2 ORDER BY ID"_s), u"A|Jazz|FR\nB|Dub|JM"_s);
+}
+
 TEST_F(ImportFolders, AnImportMayBeRepeated)
 {
     Flac(u"a/1.flac"_s, 1);
