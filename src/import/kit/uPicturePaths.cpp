@@ -74,7 +74,7 @@ QString TPicturePaths::Expanded(QString path) const
 
 QString TPicturePaths::Find(const QString& path)
 {
-    const QString expanded = Expanded(path);
+    QString expanded = Expanded(path);
     // Longer ones come from damaged data; the system opens none of them.
     if (expanded.isEmpty() || expanded.size() >= PATH_MAX || expanded.contains(QChar(u'\0')))
         return {};
