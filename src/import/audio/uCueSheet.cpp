@@ -4,8 +4,9 @@
 #include "uByteReader.h"
 #include "uDebugLog.h"
 #include "uFilePath.h"
+#include "uFolderList.h"
 #include "uFolderNames.h"
-#include "uFolderScan.h"
+#include "uSourceValues.h"
 
 #include <QSet>
 #include <QStringDecoder>
@@ -104,7 +105,7 @@ private:
         if (key == "GENRE"_L1)
             FSheet.Genre = Unquoted(value);
         else if (key == "DATE"_L1)
-            FSheet.Year = Unquoted(value).toInt();
+            FSheet.Year = WholeNumber(Unquoted(value));
         else if (key == "COMMENT"_L1)
             FSheet.Comment = Unquoted(value);
     }
@@ -115,7 +116,7 @@ private:
         FInTrack = true;
         FTrack = {};
         FTrack.FileName = FFile;
-        FTrack.No = SplitWord(value).first.toInt();
+        FTrack.No = WholeNumber(SplitWord(value).first);
     }
 
     void TakeIndex(const QString& value)
