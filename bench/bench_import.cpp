@@ -43,13 +43,14 @@ int Run(const QStringList& arguments)
     clock.start();
     {
         TKRNImporter_MP3s importer(data);
+        importer.SetOptions(TMP3ScanOptions::New());
         importer.SetInputPath(arguments.mid(2).join(u'|'));
         importer.SetOnDone([&](TKRNImporter&, int releasesCount, int filesCount) {
             releases = releasesCount;
             files = filesCount;
         });
         importer.SetOnError([&](TKRNImporter&, const QString& error) { failure = error; });
-        importer.SetOnFileError([&](TKRNImporter&, const QString&, const QString&) { ++errors; });
+        importer.SetOnItemError([&](TKRNImporter&, const QString&, const QString&) { ++errors; });
         importer.Start();
         importer.WaitFor();
     }

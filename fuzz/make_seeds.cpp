@@ -142,6 +142,9 @@ int main(int argc, char** argv)
     }
     WriteImages(write);
     WriteOnline(write);
+    write("values", "european", "dd/mm/yyyy hh:nn:ss\n31-12-2001 07:05:09");
+    write("values", "compact", "yyyymmdd hhnn\n20120131 0730");
+    write("values", "picture", "dd mmm yy\nC:\\Covers\\..\\%RelativePath%\\%DBFilenameWithoutExt%1.jpg");
     write("settings", "backup",
           "Windows Registry Editor Version 5.00\r\n\r\n[HKEY_CURRENT_USER\\Software\\C\\P]\r\n"
           "\"A\"=dword:00000001\r\n\"B\"=\"x\"\r\n\"C\"=hex(1):41,00,0a,00,\\\r\n  00,00\r\n");

@@ -24,7 +24,8 @@ void RunToEnd(TImportRun& run)
 {
     QEventLoop loop;
     QObject::connect(&run, &TImportRun::finished, &loop, &QEventLoop::quit);
-    run.Start();
+    if (!run.Start())
+        throw ECommandError(u"%1 %2"_s.arg(run.MissingDriver()->Sentence, run.MissingDriver()->URL));
     loop.exec();
 }
 
@@ -33,15 +34,15 @@ class TRunErrors {
 public:
     TRunErrors(TImportRun& run, bool print)
     {
-        QObject::connect(&run, &TImportRun::fileFailed, &run, [this, print](const QString& file, const QString& why) {
-            Add(file, why);
+        QObject::connect(&run, &TImportRun::itemFailed, &run, [this, print](const QString& item, const QString& why) {
+            Add(item, why);
             if (print)
-                std::fprintf(stderr, "%s: %s\n", qUtf8Printable(Printable(file)), qUtf8Printable(Printable(why)));
+                std::fprintf(stderr, "%s: %s\n", qUtf8Printable(Printable(item)), qUtf8Printable(Printable(why)));
         });
     }
-    void Add(const QString& file, const QString& sentence)
+    void Add(const QString& item, const QString& sentence)
     {
-        FList.append(QJsonObject{{u"file"_s, file}, {u"sentence"_s, sentence}});
+        FList.append(QJsonObject{{u"file"_s, item}, {u"sentence"_s, sentence}});
     }
     const QJsonArray& List() const { return FList; }
 
@@ -148,13 +149,14 @@ public:
     {
         QStringList names;
         for (const TImporterClass& source : ImporterClasses())
-            names += u"%1 (%2)"_s.arg(source.ClassName.mid(ClassPrefix.size()), source.GetDisplayName());
+            names += u"%1 (%2)"_s.arg(ShortName(source), source.GetDisplayName());
         parser.addPositionalArgument(u"FILE"_s, u"the collection"_s);
         parser.addPositionalArgument(u"SOURCE"_s, u"file, folder or text that the source asks for"_s);
         parser.addOption({u"from"_s, u"kind of source: "_s + names.join(u", "_s), u"CLASS"_s});
         parser.addOption({u"list"_s, u"print the releases of the source and change nothing"_s});
         parser.addOption(
             {u"ids"_s, u"import only these keys, as --list prints them; further keys may follow"_s, u"KEY..."_s});
+        parser.addOption({u"option"_s, u"an option of the source, once for each"_s + OptionNames(), u"NAME=VALUE"_s});
         parser.addOption({JsonOption, u"end with one JSON object"_s});
     }
     void Run(const QCommandLineParser& parser) override
@@ -163,12 +165,13 @@ public:
         const QStringList arguments = Arguments(parser, 2, someOnly ? -1 : 2);
         TImportJob job;
         job.Class = SourceOf(parser.value(u"from"_s));
-        const TKRNImporterInputType input = job.Class->GetImporterType();
+        const TKRNImporterInputType input = job.Class->ImporterType;
         job.InputPath = input == iitFile || input == iitFolder ? ExistingPath(arguments[1]) : arguments[1];
         if (input == iitMemo)
             job.Data = arguments[1];
         for (const QString& key : parser.values(u"ids"_s) + arguments.mid(2))
             job.IDsArray.emplace_back(key);
+        job.Options = OptionsOf(*job.Class, parser.values(u"option"_s));
         if (parser.isSet(u"list"_s)) {
             job.JobType = ijtGetReleasesList;
             return ListWith(parser, arguments.front(), job);
@@ -178,6 +181,32 @@ public:
 
 private:
     static inline const QString ClassPrefix = u"TKRNImporter_"_s;
+
+    static QString ShortName(const TImporterClass& source) { return source.ClassName.mid(ClassPrefix.size()); }
+
+    // "; MP3s: covers=yes, back-cover=yes" for each source that has some.
+    static QString OptionNames()
+    {
+        QString text;
+        for (const TImporterClass& source : ImporterClasses()) {
+            const std::unique_ptr<TImportOptions> options = source.MakeOptions();
+            QStringList names;
+            for (const QString& name : options->Names())
+                names += u"%1=%2"_s.arg(name, options->Get(name));
+            if (!names.isEmpty())
+                text += u"; %1: %2"_s.arg(ShortName(source), names.join(u", "_s));
+        }
+        return text;
+    }
+
+    static std::shared_ptr<const TImportOptions> OptionsOf(const TImporterClass& source, const QStringList& given)
+    {
+        std::shared_ptr<TImportOptions> options = source.MakeOptions();
+        for (const QString& text : given)
+            if (!options->Set(text.section(u'=', 0, 0), text.section(u'=', 1)))
+                throw EUsageError(u"%1 is no option of %2"_s.arg(text, ShortName(source)));
+        return options;
+    }
 
     static const TImporterClass* SourceOf(const QString& name)
     {

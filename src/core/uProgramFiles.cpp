@@ -3,6 +3,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 
@@ -16,6 +17,16 @@ QString ProgramFile(const QString& name)
     const QString beside = folder.filePath(name);
     const QString installed = QDir::cleanPath(folder.filePath(u"../share/kestrune/"_s + name));
     return !QFileInfo::exists(beside) && QFileInfo::exists(installed) ? installed : beside;
+}
+
+QByteArray ProgramText(const QString& fileName, const QString& resource)
+{
+    const QString path = ProgramFile(fileName);
+    QFile file(QFile::exists(path) ? path : resource);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray text = file.readAll();
+    return text.isNull() ? QByteArray("") : text;
 }
 
 QString ConfigFolder(const QString& company, const QString& product)

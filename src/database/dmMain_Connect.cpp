@@ -9,7 +9,6 @@
 #include "uTHStrings.h"
 #include "uThreads.h"
 
-#include <QFile>
 #include <QFileInfo>
 #include <QScopeGuard>
 
@@ -25,12 +24,10 @@ using namespace Qt::StringLiterals;
 QString DatabaseScript(const QString& name)
 {
     InitDatabaseResources();
-    // A file beside the program wins over the text that is compiled in.
-    const QString override = ProgramFile(name + u".sql"_s);
-    QFile file(QFile::exists(override) ? override : u":/sql/%1.sql"_s.arg(name));
-    if (!file.open(QIODevice::ReadOnly))
+    const QByteArray text = ProgramText(name + u".sql"_s, u":/sql/%1.sql"_s.arg(name));
+    if (text.isNull())
         throw EDatabaseError(u"script %1 is missing"_s.arg(name));
-    return QString::fromUtf8(file.readAll());
+    return QString::fromUtf8(text);
 }
 
 void ThrowFileError(const QString& path, const std::error_code& error)

@@ -346,6 +346,12 @@ TDataset::TRecord TListDataset::ReadOne(qint64 key, TSQLiteStatement& statement)
     return record;
 }
 
+void TListDataset::ForgetRecords()
+{
+    FCache.clear();
+    FKnownOrders.clear();
+}
+
 void TListDataset::TakeBack()
 {
     if (!Active())

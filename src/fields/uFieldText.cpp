@@ -4,6 +4,7 @@
 #include "dmMain.h"
 #include "uDefaults.h"
 #include "uDictionaries.h"
+#include "uLength.h"
 #include "uTHStrings.h"
 
 #include <QDateTime>
@@ -65,21 +66,10 @@ std::optional<double> ParseFloat(const QString& text)
     return ok ? std::optional(number) : std::nullopt;
 }
 
-// "m:ss", "h:mm:ss" or a plain number of seconds, in days.
 std::optional<double> ParseLength(const QString& text)
 {
-    const QStringList parts = text.split(u':');
-    if (parts.size() > 3)
-        return {};
-    double seconds = 0.0;
-    for (const QString& part : parts) {
-        bool ok = false;
-        const double number = QLocale::c().toDouble(part, &ok);
-        if (!ok || number < 0.0 || number > 1e7)
-            return {};
-        seconds = seconds * 60.0 + number;
-    }
-    return seconds / 86400.0;
+    const std::optional<double> seconds = ParseLengthSec(text);
+    return seconds ? std::optional(*seconds / 86400.0) : std::nullopt;
 }
 
 QDate ParseDate(const QString& text)

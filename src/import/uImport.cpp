@@ -13,7 +13,14 @@ using namespace Qt::StringLiterals;
 std::span<const TImporterClass> ImporterClasses()
 {
     static const std::array classes{
-        MakeImporterClass<TKRNImporter_MP3s>(u"TKRNImporter_MP3s"_s),
+        TImporterClass{.ClassName = u"TKRNImporter_MP3s"_s,
+                       .DisplayName = u"cSImporterMP3sDisplayName"_s,
+                       .DisplayDesc = u"cSImporterMP3sDisplayDesc"_s,
+                       .SelectSource = u"cSImporterMP3sSelectSourceDescription"_s,
+                       .ImporterType = iitFolder,
+                       .AllowsDragNDrop = true,
+                       .NewOptions = TMP3ScanOptions::New,
+                       .NewWorker = MakeImporter<TKRNImporter_MP3s>},
     };
     return classes;
 }

@@ -4,8 +4,8 @@
 #include "dmMain.h"
 #include "uDebugLog.h"
 #include "uObjs.h"
+#include "uTHStrings.h"
 
-#include <algorithm>
 #include <exception>
 
 namespace Kestrune {
@@ -19,6 +19,13 @@ constexpr size_t ReleaseBatch = 20;
 
 } // namespace
 
+void TEndAndFree::operator()(TKRNImporter* importer) const
+{
+    importer->Terminate();
+    importer->WaitFor();
+    delete importer;
+}
+
 void TKRNImporter::Execute()
 {
     try {
@@ -26,8 +33,10 @@ void TKRNImporter::Execute()
         FlushPendingReleases();
     } catch (const std::exception& failure) {
         DoOnError(QString::fromUtf8(failure.what()));
+    } catch (...) { // a source may use a library that throws what it likes
+        DoOnError({});
     }
-    Synchronize(TakeFileErrors());
+    Synchronize(TakeItemErrors());
 }
 
 void TKRNImporter::DoOnProgress(int position, int count, bool isRelease, const QString& currentItem)
@@ -40,7 +49,7 @@ void TKRNImporter::DoOnProgress(int position, int count, bool isRelease, const Q
     if (!isRelease && position % ProgressBatch != 0 && position < count - 1)
         return;
     const QString items = std::exchange(FPendingLogItems, QString());
-    Synchronize([&, deliverErrors = TakeFileErrors()] {
+    Synchronize([&, deliverErrors = TakeItemErrors()] {
         deliverErrors();
         FOnProgress(*this, position, count, isRelease, items);
     });
@@ -64,24 +73,24 @@ void TKRNImporter::FlushPendingReleases()
     Synchronize([&] { FOnReleaseFound(*this, releases); });
 }
 
-void TKRNImporter::DoOnFileError(const QString& file, const QString& error)
+void TKRNImporter::DoOnItemError(const QString& item, const QString& error)
 {
-    if (FOnFileError)
-        FPendingFileErrors.emplace_back(file, error);
+    if (FOnItemError)
+        FPendingItemErrors.emplace_back(item, error);
 }
 
 // The delivery of what has been collected, to be run on the main thread.
-std::function<void()> TKRNImporter::TakeFileErrors()
+std::function<void()> TKRNImporter::TakeItemErrors()
 {
-    return [this, errors = std::exchange(FPendingFileErrors, {})] {
-        for (const auto& [file, error] : errors)
-            FOnFileError(*this, file, error);
+    return [this, errors = std::exchange(FPendingItemErrors, {})] {
+        for (const auto& [item, error] : errors)
+            FOnItemError(*this, item, error);
     };
 }
 
 void TKRNImporter::DoOnImportDone(int releasesCount, int tracksCount)
 {
-    Synchronize([&, deliverErrors = TakeFileErrors()] {
+    Synchronize([&, deliverErrors = TakeItemErrors()] {
         deliverErrors();
         if (FOnDone)
             FOnDone(*this, releasesCount, tracksCount);
@@ -90,23 +99,29 @@ void TKRNImporter::DoOnImportDone(int releasesCount, int tracksCount)
 
 void TKRNImporter::DoOnError(const QString& error)
 {
-    if (FOnError)
-        Synchronize([&] { FOnError(*this, error); });
+    if (!FOnError)
+        return;
+    Synchronize([&] { FOnError(*this, error.isEmpty() ? GetLanguageString(u"cSImportDlgUnknownError"_s) : error); });
+}
+
+// A key that went through a command line comes back as text, and so all are compared.
+void TKRNImporter::SetIDsArray(std::vector<TVariant> keys)
+{
+    FIDsArray = std::move(keys);
+    FWanted.clear();
+    for (const TVariant& key : FIDsArray)
+        FWanted.insert(VarToStr(key));
 }
 
 bool TKRNImporter::IsWanted(const TVariant& releaseID) const
 {
-    // A key that went through a command line comes back as text.
-    const auto same = [&](const TVariant& key) {
-        return VarEquals(key, releaseID) || VarToStr(key) == VarToStr(releaseID);
-    };
-    return FIDsArray.empty() || std::ranges::any_of(FIDsArray, same);
+    return FWanted.isEmpty() || FWanted.contains(VarToStr(releaseID));
 }
 
 void TKRNImporter::StoreRelease(const TAlbumRelease& release, bool assignNewNo)
 {
     const QString name = VarToStr(release[u"Artist"_s]) + u" - "_s + VarToStr(release[u"ReleaseName"_s]);
-    Synchronize([&, deliverErrors = TakeFileErrors()] {
+    Synchronize([&, deliverErrors = TakeItemErrors()] {
         FDataModule.AddAlbumReleaseToDB(release, assignNewNo);
         deliverErrors();
         if (FOnReleaseStored)
@@ -128,6 +143,8 @@ TKRNImporter::TControlsOff::~TControlsOff()
         FImporter.Synchronize([this] { FImporter.FDataModule.EnableControlsAll(); });
     } catch (const std::exception& failure) {
         DebugLog(u"[Import] Views could not be switched on again: "_s + QString::fromUtf8(failure.what()));
+    } catch (...) {
+        DebugLog(u"[Import] Views could not be switched on again"_s);
     }
 }
 

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uImportOptions.h"
 #include "uTHTypes.h"
 #include "uThreads.h"
 
+#include <QSet>
 #include <QString>
 
-#include <concepts>
 #include <functional>
 #include <memory>
-#include <type_traits>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -50,14 +51,21 @@ using TOnError = std::function<void(TKRNImporter& sender, const QString& error)>
 using TOnReleaseFound = std::function<void(TKRNImporter& sender, const std::vector<TReleaseFoundItem>& releases)>;
 /// A release is in the collection file for good; `name` is "Artist - ReleaseName".
 using TOnReleaseStored = std::function<void(TKRNImporter& sender, qint64 releaseID, const QString& name)>;
-/// A file of the source was passed over; `error` is one sentence.
-using TOnFileError = std::function<void(TKRNImporter& sender, const QString& file, const QString& error)>;
+/// A part of the source was passed over: a file, a picture, a row; `error` is one sentence.
+using TOnItemError = std::function<void(TKRNImporter& sender, const QString& item, const QString& error)>;
+
+/// Ends a worker and waits for it before it is freed, so that no part of a source goes while its job runs.
+struct TEndAndFree {
+    void operator()(TKRNImporter* importer) const;
+};
+using TImporterPtr = std::unique_ptr<TKRNImporter, TEndAndFree>;
 
 /// The worker that brings one source into the collection. One object does one job: set the input and the events, call
-/// Start, and keep it until OnTerminate. Terminate ends the job after the release in work.
+/// Start, and keep it until OnTerminate, in a TImporterPtr where the job may still run. Terminate ends the job after
+/// the release in work.
 ///
-/// A source derives from it, writes Import and the class operations that CImporter names, and calls Terminate and
-/// WaitFor in its destructor.
+/// A source derives from it, writes Import, and has a row in the list of sources. On the worker's thread it uses what
+/// it is given: settings and texts of the language come with its options.
 class TKRNImporter : public TThread {
 public:
     /// The data module must outlive the importer. Main thread.
@@ -73,19 +81,16 @@ public:
     void SetJobType(TKRNImporterJobType type) { FJobType = type; }
     /// Keys of the releases to import; empty for all.
     const std::vector<TVariant>& IDsArray() const { return FIDsArray; }
-    void SetIDsArray(std::vector<TVariant> keys) { FIDsArray = std::move(keys); }
+    void SetIDsArray(std::vector<TVariant> keys);
+    /// What the source is told beside its input; a source that has options does not run without.
+    void SetOptions(std::shared_ptr<const TImportOptions> options) { FJobOptions = std::move(options); }
 
     void SetOnProgress(TOnProgress event) { FOnProgress = std::move(event); }
     void SetOnDone(TOnImportDone event) { FOnDone = std::move(event); }
     void SetOnError(TOnError event) { FOnError = std::move(event); }
     void SetOnReleaseFound(TOnReleaseFound event) { FOnReleaseFound = std::move(event); }
     void SetOnReleaseStored(TOnReleaseStored event) { FOnReleaseStored = std::move(event); }
-    void SetOnFileError(TOnFileError event) { FOnFileError = std::move(event); }
-
-    // Class operations with an answer for sources that say nothing.
-    static bool CanSelectWhichAlbumsToImport() { return false; }
-    static bool AllowsDragNDrop() { return false; }
-    static bool NeedToCheckForMissingDrivers() { return false; }
+    void SetOnItemError(TOnItemError event) { FOnItemError = std::move(event); }
 
 protected:
     /// The whole job of the source. Looks at Terminated before each release; what it throws reaches OnError.
@@ -96,12 +101,21 @@ protected:
     /// Collects one listed release; every 20 are delivered.
     void DoOnReleaseFound(const TVariant& releaseID, const QString& artist, const QString& releaseName,
                           const QString& releaseYear, int tracksCount);
-    /// Collects the failure of one file; it is delivered with the next call of the main thread.
-    void DoOnFileError(const QString& file, const QString& error);
+    /// Collects what was passed over; it is delivered with the next call of the main thread.
+    void DoOnItemError(const QString& item, const QString& error);
     void FlushPendingReleases();
     void DoOnImportDone(int releasesCount, int tracksCount);
+    /// An empty text becomes the sentence for a failure that told nothing.
     void DoOnError(const QString& error);
 
+    /// The options as the type that the source's row makes; throws when the job has none or other ones.
+    template <typename T>
+    const T& Options() const
+    {
+        if (const auto* options = dynamic_cast<const T*>(FJobOptions.get()))
+            return *options;
+        throw std::logic_error("the job lacks the options of its source");
+    }
     /// True when a release with this key is to be imported.
     bool IsWanted(const TVariant& releaseID) const;
     /// Stores one release by a blocking call of the main thread and reports it; throws when that fails.
@@ -121,120 +135,24 @@ protected:
 
 private:
     void Execute() final;
-    std::function<void()> TakeFileErrors();
+    std::function<void()> TakeItemErrors();
 
     TOnProgress FOnProgress;
     TOnImportDone FOnDone;
     TOnError FOnError;
     TOnReleaseFound FOnReleaseFound;
     TOnReleaseStored FOnReleaseStored;
-    TOnFileError FOnFileError;
+    TOnItemError FOnItemError;
     TKRNImporterJobType FJobType = ijtImport;
     std::vector<TVariant> FIDsArray;
+    QSet<QString> FWanted; // the keys as texts
+    std::shared_ptr<const TImportOptions> FJobOptions;
     std::vector<TReleaseFoundItem> FPendingReleases;
     QString FPendingLogItems;
-    std::vector<std::pair<QString, QString>> FPendingFileErrors;
+    std::vector<std::pair<QString, QString>> FPendingItemErrors;
     QString FInputPath;
     QString FData;
     TDataModuleMain& FDataModule; // main thread only
 };
-
-/// A source that needs a driver says where it is found and whether it is there.
-template <typename T>
-concept CChecksDrivers = requires
-{
-    {
-        T::CheckForMissingDrivers()
-        } -> std::same_as<bool>;
-    {
-        T::GetMissingDriversURL()
-        } -> std::same_as<QString>;
-    {
-        T::GetMissingDriversName()
-        } -> std::same_as<QString>;
-};
-
-/// What a source's class must answer before any object of it exists.
-template <typename T>
-concept CImporter = std::derived_from<T, TKRNImporter> && std::constructible_from<T, TDataModuleMain&> && requires
-{
-    {
-        T::CanSelectWhichAlbumsToImport()
-        } -> std::same_as<bool>;
-    {
-        T::CanCopyAndPasteData()
-        } -> std::same_as<bool>;
-    {
-        T::GetImporterType()
-        } -> std::same_as<TKRNImporterInputType>;
-    {
-        T::GetImporterFileExt()
-        } -> std::same_as<QString>;
-    {
-        T::GetImporterFileExtFilter()
-        } -> std::same_as<QString>;
-    {
-        T::GetDisplayName()
-        } -> std::same_as<QString>;
-    {
-        T::GetDisplayDesc()
-        } -> std::same_as<QString>;
-    {
-        T::GetSelectSourceDescription()
-        } -> std::same_as<QString>;
-    {
-        T::AllowsDragNDrop()
-        } -> std::same_as<bool>;
-    {
-        T::NeedToCheckForMissingDrivers()
-        } -> std::same_as<bool>;
-};
-
-/// The class operations of one source, as a value: what the list of sources is made of.
-struct TImporterClass {
-    QString ClassName; ///< "TKRNImporter_MP3s"
-    bool (*CanSelectWhichAlbumsToImport)() = nullptr;
-    bool (*CanCopyAndPasteData)() = nullptr;
-    TKRNImporterInputType (*GetImporterType)() = nullptr;
-    QString (*GetImporterFileExt)() = nullptr;       ///< default extension without point
-    QString (*GetImporterFileExtFilter)() = nullptr; ///< "Name (*.x)|*.x|All files (*.*)|*.*"
-    QString (*GetDisplayName)() = nullptr;
-    QString (*GetDisplayDesc)() = nullptr;
-    QString (*GetSelectSourceDescription)() = nullptr;
-    bool (*AllowsDragNDrop)() = nullptr;
-    bool (*NeedToCheckForMissingDrivers)() = nullptr;
-    // Null in classes that never need a driver.
-    bool (*CheckForMissingDrivers)() = nullptr; ///< true when the driver is there
-    QString (*GetMissingDriversURL)() = nullptr;
-    QString (*GetMissingDriversName)() = nullptr;
-    std::unique_ptr<TKRNImporter> (*Create)(TDataModuleMain& dataModule) = nullptr;
-};
-
-template <CImporter T>
-TImporterClass MakeImporterClass(const QString& className)
-{
-    constexpr bool asksForDrivers = &T::NeedToCheckForMissingDrivers != &TKRNImporter::NeedToCheckForMissingDrivers;
-    static_assert(!asksForDrivers || CChecksDrivers<T>, "a class that needs a driver must be able to look for it");
-    TImporterClass result{.ClassName = className,
-                          .CanSelectWhichAlbumsToImport = &T::CanSelectWhichAlbumsToImport,
-                          .CanCopyAndPasteData = &T::CanCopyAndPasteData,
-                          .GetImporterType = &T::GetImporterType,
-                          .GetImporterFileExt = &T::GetImporterFileExt,
-                          .GetImporterFileExtFilter = &T::GetImporterFileExtFilter,
-                          .GetDisplayName = &T::GetDisplayName,
-                          .GetDisplayDesc = &T::GetDisplayDesc,
-                          .GetSelectSourceDescription = &T::GetSelectSourceDescription,
-                          .AllowsDragNDrop = &T::AllowsDragNDrop,
-                          .NeedToCheckForMissingDrivers = &T::NeedToCheckForMissingDrivers};
-    if constexpr (CChecksDrivers<T>) {
-        result.CheckForMissingDrivers = &T::CheckForMissingDrivers;
-        result.GetMissingDriversURL = &T::GetMissingDriversURL;
-        result.GetMissingDriversName = &T::GetMissingDriversName;
-    }
-    result.Create = [](TDataModuleMain& dataModule) -> std::unique_ptr<TKRNImporter> {
-        return std::make_unique<T>(dataModule);
-    };
-    return result;
-}
 
 } // namespace Kestrune

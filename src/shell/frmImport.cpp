@@ -6,37 +6,19 @@
 #include "uTHStrings.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
-
-namespace {
-
-struct TPageTexts {
-    TImportPage Page;
-    QString TitleKey, StepKey, HintKey;
-};
-
-const TPageTexts& TextsOfPage(TImportPage page)
-{
-    static const TPageTexts texts[] = {
-        {pWelcome, u"cSImportWelcomeTitle"_s, u"cSGuiStepWelcome"_s, u"cSGuiHintWelcome"_s},
-        {pSelectSource, u"cSImportSelectSourceTitle"_s, u"cSGuiStepSource"_s, {}},
-        {pSelectAlbumsToImport, u"cSImportSelectAlbumsTabTitle"_s, u"cSImportSelectAlbumsTabTitle"_s,
-         u"cSGuiHintSelectAlbums"_s},
-        {pProgress, u"cSImportProgressTitle"_s, u"cSGuiStepImport"_s, u"cSGuiHintImport"_s},
-        {pFinish, u"cSImportFinishTitle"_s, u"cSGuiStepFinish"_s, {}}};
-    return texts[static_cast<size_t>(page)];
-}
-
-} // namespace
 
 void TKRNImportForm::ChooseClass(int row)
 {
     if (row == FClassIndex || row < 0 || row >= static_cast<int>(FClasses.size()))
         return;
     FClassIndex = row;
+    FOptions = Class().MakeOptions();
     FSourceText.clear();
     FMemo.clear();
     FPathCheck.Look({});
@@ -47,20 +29,13 @@ void TKRNImportForm::ChooseClass(int row)
 std::vector<TImportPage> TKRNImportForm::Pages() const
 {
     std::vector<TImportPage> pages{pWelcome, pSelectSource};
-    if (FClassIndex >= 0 && Class().CanSelectWhichAlbumsToImport())
-        pages.push_back(pSelectAlbumsToImport);
+    if (FClassIndex >= 0) {
+        pages.insert(pages.end(), Class().ExtraPages.begin(), Class().ExtraPages.end());
+        if (Class().CanSelectWhichAlbumsToImport)
+            pages.push_back(pSelectAlbumsToImport);
+    }
     pages.insert(pages.end(), {pProgress, pFinish});
     return pages;
-}
-
-QString TKRNImportForm::PageTitle(TImportPage page) { return GetLanguageString(TextsOfPage(page).TitleKey); }
-
-QString TKRNImportForm::StepTitle(TImportPage page) { return GetLanguageString(TextsOfPage(page).StepKey); }
-
-QString TKRNImportForm::PageHint() const
-{
-    const QString hint = GetLanguageString(TextsOfPage(FPage).HintKey);
-    return FPage == pSelectAlbumsToImport ? hint.arg(FRows.size()) : hint;
 }
 
 QString TKRNImportForm::NextCaption() const
@@ -79,14 +54,33 @@ TImportPage TKRNImportForm::Neighbour(int step) const
     return pages[static_cast<size_t>(std::clamp<qsizetype>(here + step, 0, static_cast<qsizetype>(pages.size()) - 1))];
 }
 
+/// When one may go on from a page, and what happens when it is entered; either may be null.
+struct TKRNImportForm::TPageRule {
+    TImportPage Page;
+    bool (TKRNImportForm::*NextEnabled)() const;
+    void (TKRNImportForm::*Enter)();
+};
+
+const TKRNImportForm::TPageRule* TKRNImportForm::RuleOf(const TImportPage& page)
+{
+    using F = TKRNImportForm;
+    static const TPageRule rules[] = {
+        {pWelcome, &F::ClassChosen, nullptr},
+        {pSelectSource, &F::SourceGiven, nullptr},
+        {pSelectAlbumsToImport, &F::AlbumsListed, &F::EnterSelection},
+        {pProgress, nullptr, &F::EnterProgress},
+        {pFinish, nullptr, nullptr},
+    };
+    const auto* rule = std::ranges::find(rules, page, &TPageRule::Page);
+    return rule == std::end(rules) ? nullptr : rule;
+}
+
+// The pages of a source have no rule here: its options know whether they have what they need.
 bool TKRNImportForm::NextEnabled() const
 {
-    switch (FPage) {
-    case pWelcome: return FClassIndex >= 0;
-    case pSelectSource: return SourceGiven();
-    case pSelectAlbumsToImport: return !FImporter && !FRows.empty();
-    default: return false;
-    }
+    if (const TPageRule* rule = RuleOf(FPage))
+        return rule->NextEnabled && (this->*rule->NextEnabled)();
+    return FOptions->IsComplete(FPage);
 }
 
 bool TKRNImportForm::BackEnabled() const { return FPage != pWelcome && FPage != pFinish && !FImporter; }
@@ -103,44 +97,25 @@ void TKRNImportForm::Back()
         GoTo(Neighbour(-1));
 }
 
-void TKRNImportForm::GoTo(TImportPage page)
+void TKRNImportForm::GoTo(const TImportPage& page)
 {
-    const TImportPage from = FPage;
-    FPage = page;
-    EnterPage(page, from);
+    const TImportPage from = std::exchange(FPage, page);
+    EnterPage(from);
 }
 
-void TKRNImportForm::EnterPage(TImportPage page, TImportPage from)
+void TKRNImportForm::EnterPage(const TImportPage& from)
 {
-    if (page == pSelectSource && from == pWelcome)
+    if (FPage == pSelectSource && from == pWelcome)
         EnterSource();
     Q_EMIT pageChanged();
-    if ((page == pSelectAlbumsToImport || page == pProgress) && DriverIsMissing()) {
-        FPage = from;
-        Q_EMIT openUrlRequested(Class().GetMissingDriversURL());
-        Q_EMIT closed(false);
-        return;
-    }
-    if (page == pSelectAlbumsToImport)
-        EnterSelection();
-    else if (page == pProgress)
-        EnterProgress();
+    if (const TPageRule* rule = RuleOf(FPage); rule && rule->Enter)
+        (this->*rule->Enter)();
     Q_EMIT updated();
-}
-
-bool TKRNImportForm::DriverIsMissing()
-{
-    const TImporterClass& source = Class();
-    if (!source.NeedToCheckForMissingDrivers() || source.CheckForMissingDrivers())
-        return false;
-    FPrompt.ShowInformation(
-        GetLanguageString(u"cSImportMissingDriverFmt"_s).replace(u"%s"_s, source.GetMissingDriversName()));
-    return true;
 }
 
 void TKRNImportForm::EnterSource()
 {
-    FAcceptsDrops = Class().AllowsDragNDrop();
+    FAcceptsDrops = Class().AllowsDragNDrop;
     if (FAcceptsDrops)
         FJustDragNDropped = false;
     FPasteMode = false;
@@ -159,7 +134,7 @@ void TKRNImportForm::SetSourceText(const QString& text)
 
 bool TKRNImportForm::CanBrowse() const
 {
-    const TKRNImporterInputType type = Class().GetImporterType();
+    const TKRNImporterInputType type = Class().ImporterType;
     return type == iitFile || type == iitFolder;
 }
 
@@ -167,12 +142,12 @@ void TKRNImportForm::Browse()
 {
     const QString title = GetLanguageString(u"cSImportSelectSourceTitle"_s);
     QString chosen;
-    if (Class().GetImporterType() == iitFolder) {
+    if (Class().ImporterType == iitFolder) {
         chosen = FPrompt.AskFolder(title, FSourceText);
     } else {
         TFileDialogRequest request;
         request.Title = title;
-        request.DefaultExtension = Class().GetImporterFileExt();
+        request.DefaultExtension = Class().ImporterFileExt;
         request.Filter = Class().GetImporterFileExtFilter();
         request.FileName = FSourceText;
         chosen = FPrompt.AskOpenFile(request);
@@ -183,7 +158,7 @@ void TKRNImportForm::Browse()
 
 void TKRNImportForm::SetPasteMode(bool paste)
 {
-    FPasteMode = paste && Class().CanCopyAndPasteData();
+    FPasteMode = paste && Class().CanCopyAndPasteData;
     Q_EMIT updated();
 }
 
@@ -195,7 +170,7 @@ void TKRNImportForm::SetMemo(const QString& text)
 
 bool TKRNImportForm::UsesMemo() const
 {
-    const TKRNImporterInputType type = Class().GetImporterType();
+    const TKRNImporterInputType type = Class().ImporterType;
     return type == iitMemo || (type == iitFile && FPasteMode);
 }
 
@@ -204,7 +179,7 @@ bool TKRNImportForm::SourceGiven() const
     if (UsesMemo())
         return !FMemo.isEmpty();
     const bool dropped = FJustDragNDropped && FAcceptsDrops;
-    switch (Class().GetImporterType()) {
+    switch (Class().ImporterType) {
     case iitFile: return !FSourceText.isEmpty() && (FPathCheck.IsFile() || dropped);
     case iitFolder: return FPathCheck.IsFolder() || dropped;
     default: return !FSourceText.isEmpty();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "uImportAbstract.h"
+#include "uImporterClass.h"
 #include "uPathCheck.h"
 
 #include <QObject>
@@ -16,11 +16,17 @@ namespace Kestrune {
 class TDataModuleMain;
 class TFileCatcher;
 class TImportRun;
+struct TImportJob;
 class TPrompt;
 
-/// Pages of the import wizard, in their order.
-enum class TImportPage : quint8 { pWelcome, pSelectSource, pSelectAlbumsToImport, pProgress, pFinish };
-using enum TImportPage;
+/// A page of the import wizard by its name. These are the pages of every source, in their order; a source may name
+/// pages of its own, which come behind the source page.
+using TImportPage = QString;
+inline const TImportPage pWelcome = QStringLiteral("pWelcome");
+inline const TImportPage pSelectSource = QStringLiteral("pSelectSource");
+inline const TImportPage pSelectAlbumsToImport = QStringLiteral("pSelectAlbumsToImport");
+inline const TImportPage pProgress = QStringLiteral("pProgress");
+inline const TImportPage pFinish = QStringLiteral("pFinish");
 
 /// One release of the source on the selection page.
 struct TImportRow {
@@ -44,14 +50,15 @@ public:
     void ChooseClass(int row);
     /// The chosen source; only when ClassIndex is not -1.
     const TImporterClass& Class() const { return FClasses[static_cast<size_t>(FClassIndex)]; }
+    /// What the source's own pages fill; only when ClassIndex is not -1. As the settings give them for each source
+    /// chosen.
+    TImportOptions& Options() { return *FOptions; }
+    /// A page changed the options.
+    void OptionsChanged() { Q_EMIT updated(); }
 
-    TImportPage Page() const { return FPage; }
+    const TImportPage& Page() const { return FPage; }
     /// The pages of the chosen source.
     std::vector<TImportPage> Pages() const;
-    /// Heading of a page, its short name in the list of steps, and one sentence on it.
-    static QString PageTitle(TImportPage page);
-    static QString StepTitle(TImportPage page);
-    QString PageHint() const;
     /// Caption of the Next button.
     QString NextCaption() const;
 
@@ -117,15 +124,19 @@ Q_SIGNALS:
     void closed(bool finished);
 
 private:
-    void EnterPage(TImportPage page, TImportPage from);
+    struct TPageRule;
+    static const TPageRule* RuleOf(const TImportPage& page);
+    bool ClassChosen() const { return FClassIndex >= 0; }
+    bool AlbumsListed() const { return !FImporter && !FRows.empty(); }
+    void EnterPage(const TImportPage& from);
     void EnterSource();
     void EnterSelection();
     void EnterProgress();
-    void GoTo(TImportPage page);
+    void GoTo(const TImportPage& page);
     TImportPage Neighbour(int step) const;
     bool SourceGiven() const;
-    bool DriverIsMissing();
     bool UsesMemo() const;
+    TImportJob Job(TKRNImporterJobType type) const;
     void StartImporter(TKRNImporterJobType type);
     void ListenToListing();
     void ListenToImport();
@@ -135,6 +146,7 @@ private:
     TPrompt& FPrompt;
     std::span<const TImporterClass> FClasses;
     int FClassIndex = -1;
+    std::unique_ptr<TImportOptions> FOptions;
     TImportPage FPage = pWelcome;
     QString FSourceText;
     QString FMemo;

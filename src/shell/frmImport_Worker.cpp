@@ -33,27 +33,40 @@ TKRNImportForm::TKRNImportForm(TDataModuleMain& data, TPrompt& prompt, std::span
 
 TKRNImportForm::~TKRNImportForm() = default;
 
-void TKRNImportForm::StartImporter(TKRNImporterJobType type)
+TImportJob TKRNImportForm::Job(TKRNImporterJobType type) const
 {
-    TImportJob job{.Class = &Class(), .JobType = type, .InputPath = FSourceText, .Data = {}, .IDsArray = {}};
-    if (UsesMemo())
-        job.Data = FMemo;
-    if (type == ijtImport && Class().CanSelectWhichAlbumsToImport())
+    TImportJob job{.Class = &Class(),
+                   .JobType = type,
+                   .InputPath = FSourceText,
+                   .Data = UsesMemo() ? FMemo : QString(),
+                   .Options = FOptions->Clone()};
+    if (type == ijtImport && Class().CanSelectWhichAlbumsToImport)
         for (const TImportRow& row : FRows)
             if (row.Ticked)
                 job.IDsArray.push_back(row.Item.ReleaseID);
-    FImporter = std::make_unique<TImportRun>(FData, job);
+    return job;
+}
+
+void TKRNImportForm::StartImporter(TKRNImporterJobType type)
+{
+    FImporter = std::make_unique<TImportRun>(FData, Job(type));
     if (type == ijtImport)
         ListenToImport();
     else
         ListenToListing();
     connect(FImporter.get(), &TImportRun::progressed, this, &TKRNImportForm::updated);
-    connect(FImporter.get(), &TImportRun::fileFailed, this, [this](const QString& file, const QString& sentence) {
-        Q_EMIT logWarning(file + u": "_s + sentence);
+    connect(FImporter.get(), &TImportRun::itemFailed, this, [this](const QString& item, const QString& sentence) {
+        Q_EMIT logWarning(item + u": "_s + sentence);
         Q_EMIT updated();
     });
     connect(FImporter.get(), &TImportRun::finished, this, &TKRNImportForm::ImporterFinished);
-    FImporter->Start();
+    if (FImporter->Start())
+        return;
+    const TMissingDriver driver = *FImporter->MissingDriver();
+    FImporter.reset();
+    FPrompt.ShowInformation(driver.Sentence);
+    Q_EMIT openUrlRequested(driver.URL);
+    Q_EMIT closed(false);
 }
 
 void TKRNImportForm::EnterSelection()

@@ -7,16 +7,25 @@ namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-TImportRun::TImportRun(TDataModuleMain& data, const TImportJob& job) : FImporter(job.Class->Create(data))
+TImportRun::TImportRun(TDataModuleMain& data, const TImportJob& job)
+    : FClass(job.Class), FImporter(job.Class->Create(data))
 {
     FImporter->SetJobType(job.JobType);
     FImporter->SetInputPath(job.InputPath);
     FImporter->SetData(job.Data);
     FImporter->SetIDsArray(job.IDsArray);
+    FImporter->SetOptions(job.Options ? job.Options : job.Class->MakeOptions());
     Listen();
 }
 
-TImportRun::~TImportRun() = default;
+// The worker may wait for the main thread right now, and its call is served here while the worker ends: it then raises
+// events of a run whose parts are all still there, but whose listeners are gone or going.
+TImportRun::~TImportRun()
+{
+    blockSignals(true);
+    FImporter.reset();
+    blockSignals(false);
+}
 
 void TImportRun::Listen()
 {
@@ -33,8 +42,8 @@ void TImportRun::Listen()
         ++FReleases;
         Q_EMIT releaseStored(id, name);
     });
-    FImporter->SetOnFileError(
-        [this](TKRNImporter&, const QString& file, const QString& error) { Q_EMIT fileFailed(file, error); });
+    FImporter->SetOnItemError(
+        [this](TKRNImporter&, const QString& item, const QString& error) { Q_EMIT itemFailed(item, error); });
     FImporter->SetOnReleaseFound(
         [this](TKRNImporter&, const std::vector<TReleaseFoundItem>& releases) { Q_EMIT releasesFound(releases); });
     FImporter->SetOnDone([this](TKRNImporter&, int releases, int tracks) {
@@ -54,11 +63,15 @@ void TImportRun::Listen()
     };
 }
 
-void TImportRun::Start()
+bool TImportRun::Start()
 {
+    FMissingDriver = FClass->FindMissingDriver();
+    if (FMissingDriver)
+        return false;
     FRunning = true;
     FClock.start();
     FImporter->Start();
+    return true;
 }
 
 void TImportRun::Cancel()
@@ -79,7 +92,7 @@ double TImportRun::RemainingSeconds() const
 
 TImportJob AddFilesJob(const QStringList& paths)
 {
-    return {FindImporterClass(u"TKRNImporter_MP3s"_s), ijtImport, paths.join(u'|'), {}, {}};
+    return {.Class = FindImporterClass(u"TKRNImporter_MP3s"_s), .InputPath = paths.join(u'|'), .Data = {}};
 }
 
 } // namespace Kestrune

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "uImportAbstract.h"
+#include "uImporterClass.h"
 
 #include <QElapsedTimer>
 #include <QObject>
 #include <QStringList>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace Kestrune {
@@ -19,11 +20,13 @@ struct TImportJob {
     const TImporterClass* Class = nullptr; ///< of the registry
     TKRNImporterJobType JobType = ijtImport;
     QString InputPath;
-    QString Data;                     ///< pasted text, or empty
-    std::vector<TVariant> IDsArray{}; ///< keys of the releases to import; empty for all
+    QString Data;                                    ///< pasted text, or empty
+    std::vector<TVariant> IDsArray{};                ///< keys of the releases to import; empty for all
+    std::shared_ptr<const TImportOptions> Options{}; ///< null for those that the settings give
 };
 
-/// One run of a source: the worker, and what windows and commands show of it. Main thread.
+/// One run of a source: the worker, and what windows and commands show of it. A run that goes early ends its worker
+/// and waits for it; nobody hears of that. Main thread.
 class TImportRun : public QObject {
     Q_OBJECT
 
@@ -31,7 +34,10 @@ public:
     TImportRun(TDataModuleMain& data, const TImportJob& job);
     ~TImportRun() override;
 
-    void Start();
+    /// False when the source lacks a driver: no worker starts, and no signal comes.
+    bool Start();
+    /// What is lacking after Start has answered false.
+    const std::optional<TMissingDriver>& MissingDriver() const { return FMissingDriver; }
     /// Ends the run after the release in work.
     void Cancel();
 
@@ -56,7 +62,7 @@ Q_SIGNALS:
     void progressed();
     void logLines(const QStringList& lines);
     void releaseStored(qint64 id, const QString& name);
-    void fileFailed(const QString& file, const QString& sentence);
+    void itemFailed(const QString& item, const QString& sentence);
     void releasesFound(const std::vector<Kestrune::TReleaseFoundItem>& releases);
     /// The source ended by itself: Releases and Tracks are final.
     void done();
@@ -67,7 +73,9 @@ Q_SIGNALS:
 private:
     void Listen();
 
-    std::unique_ptr<TKRNImporter> FImporter;
+    const TImporterClass* FClass; // not owned
+    TImporterPtr FImporter;
+    std::optional<TMissingDriver> FMissingDriver;
     bool FRunning = false;
     bool FCancelled = false;
     bool FDone = false;

@@ -196,6 +196,9 @@ TEST_F(Cli, ASourceIsListedAndImportedByKey)
     ASSERT_EQ(stored.size(), 2);
     EXPECT_EQ(stored[0][u"Artist"_s].toString(), u"Artist 0"_s);
     EXPECT_EQ(stored[1][u"Artist"_s].toString(), u"Artist 2"_s);
+    EXPECT_EQ(Run(call + QStringList{u"--list"_s, u"--option"_s, u"covers=no"_s}).Code, 0);
+    for (const QString& option : {u"covers=maybe"_s, u"colours=yes"_s, u"covers"_s})
+        EXPECT_EQ(Run(call + QStringList{u"--option"_s, option}).Code, 2) << option.toStdString();
     EXPECT_EQ(Run({u"import"_s, FPath, u"--from"_s, u"Nobody"_s, music}).Code, 2);
     EXPECT_EQ(Run({u"import"_s, FPath, music}).Code, 2);
 }

@@ -264,7 +264,7 @@ public:
         Kit::TScriptedPrompt prompt;
         TDataModuleMain data(prompt);
         std::vector<TImporterClass> classes(ImporterClasses().begin(), ImporterClasses().end());
-        classes.push_back(MakeImporterClass<Kit::TListedImporter>(u"TKRNImporter_Listed"_s));
+        classes.push_back(Kit::TListedImporter::Row());
         TKRNImportForm form(data, prompt, classes);
         TImportWindow window(form, nullptr);
         window.show();

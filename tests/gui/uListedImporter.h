@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "uImportAbstract.h"
+#include "uImporterClass.h"
 
 namespace Kestrune::Kit {
 
@@ -11,25 +11,25 @@ using namespace Qt::StringLiterals;
 class TListedImporter final : public TKRNImporter {
 public:
     using TKRNImporter::TKRNImporter;
-    ~TListedImporter() override
+
+    static TImporterClass Row()
     {
-        Terminate();
-        WaitFor();
+        return {.ClassName = u"TKRNImporter_Paper"_s,
+                .DisplayName = u"Paper list"_s,
+                .DisplayDesc = u"Import from a list on paper"_s,
+                .SelectSource = u"Select the list."_s,
+                .ImporterFileExt = u"x"_s,
+                .FileFilter = u"X (*.x)|*.x"_s,
+                .CanSelectWhichAlbumsToImport = true,
+                .CanCopyAndPasteData = true,
+                .NewWorker = MakeImporter<TListedImporter>};
     }
-    static bool CanSelectWhichAlbumsToImport() { return true; }
-    static bool CanCopyAndPasteData() { return true; }
-    static TKRNImporterInputType GetImporterType() { return iitFile; }
-    static QString GetImporterFileExt() { return u"x"_s; }
-    static QString GetImporterFileExtFilter() { return u"X (*.x)|*.x"_s; }
-    static QString GetDisplayName() { return u"Paper list"_s; }
-    static QString GetDisplayDesc() { return u"Import from a list on paper"_s; }
-    static QString GetSelectSourceDescription() { return u"Select the list."_s; }
 
 protected:
     void Import() override
     {
         if (InputPath().endsWith("torn.x"_L1))
-            DoOnFileError(u"page 7"_s, u"It is torn."_s);
+            DoOnItemError(u"page 7"_s, u"It is torn."_s);
         for (int i = 0; i < 30; ++i)
             if (JobType() == ijtGetReleasesList)
                 DoOnReleaseFound(i, i % 2 ? u"Ilva Marren"_s : u"Hask & Vane"_s, u"Salt Atlas %1"_s.arg(i), u"1974"_s,

@@ -1,11 +1,18 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uImport.h"
 #include "uImportKit.h"
+#include "uImport_MP3s.h"
 #include "uObjs.h"
 
+#include <QCoreApplication>
+
+#include <atomic>
 #include <functional>
+#include <memory>
+#include <new>
 #include <stdexcept>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -19,22 +26,8 @@ namespace {
 class TScriptedImporter final : public TKRNImporter {
 public:
     explicit TScriptedImporter(TDataModuleMain& data) : TKRNImporter(data) { Listen(); }
-    ~TScriptedImporter() override
-    {
-        Terminate();
-        WaitFor();
-    }
-
-    static bool CanCopyAndPasteData() { return true; }
-    static TKRNImporterInputType GetImporterType() { return iitFile; }
-    static QString GetImporterFileExt() { return u"x"_s; }
-    static QString GetImporterFileExtFilter() { return u"X (*.x)|*.x"_s; }
-    static QString GetDisplayName() { return u"Scripted"_s; }
-    static QString GetDisplayDesc() { return {}; }
-    static QString GetSelectSourceDescription() { return {}; }
-
-    using TKRNImporter::DoOnFileError;
     using TKRNImporter::DoOnImportDone;
+    using TKRNImporter::DoOnItemError;
     using TKRNImporter::DoOnProgress;
     using TKRNImporter::DoOnReleaseFound;
     using TKRNImporter::IsWanted;
@@ -81,16 +74,11 @@ private:
         });
         SetOnReleaseStored(
             [this](TKRNImporter&, qint64 id, const QString& name) { Note(u"stored %1 %2"_s.arg(id).arg(name)); });
-        SetOnFileError([this](TKRNImporter&, const QString& file, const QString& error) {
-            Note(u"file %1: %2"_s.arg(file, error));
+        SetOnItemError([this](TKRNImporter&, const QString& item, const QString& error) {
+            Note(u"item %1: %2"_s.arg(item, error));
         });
     }
 };
-
-static_assert(CImporter<TScriptedImporter>);
-static_assert(CImporter<TKRNImporter_MP3s>);
-static_assert(!CImporter<TKRNImporter>, "a class without answers is no source");
-static_assert(!CChecksDrivers<TScriptedImporter>);
 
 using ImportFramework = Kit::TImportCollection;
 
@@ -152,12 +140,37 @@ TEST_F(ImportFramework, AFailureOfTheSourceEndsTheJobWithItsMessage)
         const TScriptedImporter::TControlsOff controlsOff(self);
         self.Store(u"kept"_s);
         self.DoOnReleaseFound(1, {}, {}, {}, 0);
-        self.DoOnFileError(u"f"_s, u"Sentence."_s);
+        self.DoOnItemError(u"f"_s, u"Sentence."_s);
         throw std::runtime_error("the source broke");
     };
     importer.Run();
-    EXPECT_EQ(importer.Log, (QStringList{u"stored 1 A - kept"_s, u"error the source broke"_s, u"file f: Sentence."_s}));
+    EXPECT_EQ(importer.Log, (QStringList{u"stored 1 A - kept"_s, u"error the source broke"_s, u"item f: Sentence."_s}));
     EXPECT_EQ(Rows(u"SELECT ReleaseName FROM Releases2"_s), u"kept"_s);
+}
+
+TEST_F(ImportFramework, WhateverASourceThrowsBecomesItsErrorEvent)
+{
+    struct TNoException {};
+    const struct {
+        std::function<void()> Throw;
+        QString Expected;
+    } rows[] = {{[] { throw TNoException(); }, u"error The source failed without telling why."_s},
+                {[] { throw std::runtime_error(""); }, u"error The source failed without telling why."_s},
+                {[] { throw 7; }, u"error The source failed without telling why."_s},
+                {[] { throw std::bad_alloc(); }, u"error std::bad_alloc"_s}};
+    for (const auto& row : rows) {
+        TScriptedImporter importer(FData);
+        importer.Job = [&](TScriptedImporter& self) {
+            const TScriptedImporter::TControlsOff controlsOff(self);
+            row.Throw();
+        };
+        int resets = 0;
+        const auto listening = QObject::connect(&FData.qReleasesMain, &TDataset::dataReset, qApp, [&] { ++resets; });
+        importer.Run();
+        QObject::disconnect(listening);
+        EXPECT_EQ(importer.Log, QStringList{row.Expected});
+        EXPECT_EQ(resets, 1) << "the views go on";
+    }
 }
 
 TEST_F(ImportFramework, AFullDiskEndsTheJobWithNothingHalfStored)
@@ -182,21 +195,21 @@ TEST_F(ImportFramework, AFullDiskEndsTheJobWithNothingHalfStored)
     EXPECT_EQ(Rows(u"PRAGMA integrity_check"_s), u"ok"_s);
 }
 
-TEST_F(ImportFramework, FailuresOfFilesComeWithTheNextCall)
+TEST_F(ImportFramework, WhatIsPassedOverComesWithTheNextCall)
 {
     TScriptedImporter importer(FData);
     importer.Job = [](TScriptedImporter& self) {
-        self.DoOnFileError(u"1"_s, u"a"_s);
+        self.DoOnItemError(u"1"_s, u"a"_s);
         self.Store(u"X"_s);
-        self.DoOnFileError(u"2"_s, u"b"_s);
+        self.DoOnItemError(u"2"_s, u"b"_s);
         self.DoOnProgress(50, 100, false, u"p"_s);
-        self.DoOnFileError(u"3"_s, u"c"_s);
+        self.DoOnItemError(u"3"_s, u"c"_s);
         self.DoOnImportDone(1, 3);
-        self.DoOnFileError(u"4"_s, u"d"_s);
+        self.DoOnItemError(u"4"_s, u"d"_s);
     };
     importer.Run();
-    EXPECT_EQ(importer.Log, (QStringList{u"file 1: a"_s, u"stored 1 A - X"_s, u"file 2: b"_s, u"progress 50/100 p"_s,
-                                         u"file 3: c"_s, u"done 1 3"_s, u"file 4: d"_s}));
+    EXPECT_EQ(importer.Log, (QStringList{u"item 1: a"_s, u"stored 1 A - X"_s, u"item 2: b"_s, u"progress 50/100 p"_s,
+                                         u"item 3: c"_s, u"done 1 3"_s, u"item 4: d"_s}));
 }
 
 TEST_F(ImportFramework, NoKeyMeansAllReleases)
@@ -209,21 +222,108 @@ TEST_F(ImportFramework, NoKeyMeansAllReleases)
     EXPECT_FALSE(importer.IsWanted(6) || importer.IsWanted(u"X"_s) || importer.IsWanted(TVariant()));
 }
 
-TEST_F(ImportFramework, TheListOfSourcesAnswersBeforeAnyObjectExists)
+// One hundred thousand ticked rows among as many: looking through a list for each would take minutes.
+TEST_F(ImportFramework, ManyKeysAreFoundAtOnce)
+{
+    constexpr int count = 100000;
+    TScriptedImporter importer(FData);
+    std::vector<TVariant> keys;
+    for (int i = 0; i < count; ++i)
+        keys.emplace_back(2 * i);
+    importer.SetIDsArray(std::move(keys));
+    int wanted = 0;
+    for (int i = 0; i < count; ++i)
+        wanted += importer.IsWanted(u"%1"_s.arg(i)) ? 1 : 0;
+    EXPECT_EQ(wanted, count / 2);
+}
+
+TEST_F(ImportFramework, TheListOfSourcesAnswersBeforeAnyWorkerExists)
 {
     ASSERT_EQ(ImporterClasses().size(), 1u);
     const TImporterClass* folders = FindImporterClass(u"TKRNImporter_MP3s"_s);
     ASSERT_EQ(folders, &ImporterClasses()[0]);
     EXPECT_EQ(FindImporterClass(u"TKRNImporter"_s), nullptr);
-    EXPECT_EQ(folders->GetImporterType(), iitFolder);
+    EXPECT_EQ(folders->ImporterType, iitFolder);
     EXPECT_EQ(folders->GetDisplayName(), u"Digital files (MP3, FLAC, OGG, WMA, etc)"_s);
     EXPECT_EQ(folders->GetDisplayDesc().count(u'\n'), 2);
     EXPECT_EQ(folders->GetSelectSourceDescription().count(u'\n'), 4);
-    EXPECT_TRUE(folders->AllowsDragNDrop());
-    EXPECT_FALSE(folders->CanCopyAndPasteData() || folders->CanSelectWhichAlbumsToImport() ||
-                 folders->NeedToCheckForMissingDrivers());
-    EXPECT_EQ(folders->CheckForMissingDrivers, nullptr);
+    EXPECT_EQ(folders->GetImporterFileExtFilter(), QString());
+    EXPECT_TRUE(folders->AllowsDragNDrop);
+    EXPECT_FALSE(folders->CanCopyAndPasteData || folders->CanSelectWhichAlbumsToImport || folders->Driver);
     EXPECT_NE(dynamic_cast<TKRNImporter_MP3s*>(folders->Create(FData).get()), nullptr);
+}
+
+TEST_F(ImportFramework, ProgramsThatOneWorkerReadsAreRows)
+{
+    class TTables final : public TKRNImporter {
+    public:
+        TTables(TDataModuleMain& data, const TImporterClass& program) : TKRNImporter(data), Prefix(program.ScriptPrefix)
+        {}
+        const QString Prefix;
+
+    protected:
+        void Import() override {}
+    };
+    const auto row = [](const QString& name, const QString& filter, const QString& prefix) {
+        return TImporterClass{
+            .DisplayName = name, .FileFilter = filter, .ScriptPrefix = prefix, .NewWorker = MakeImporter<TTables>};
+    };
+    const TImporterClass discs = row(u"Disc Shelf"_s, u"Disc Shelf File (*.shf)|*.shf"_s, u"disc_shelf"_s);
+    const TImporterClass tapes = row(u"Tape Box"_s, u"Tape Box (*.box)|*.box"_s, u"tape_box"_s);
+    EXPECT_EQ(discs.GetDisplayName() + tapes.GetDisplayName(), u"Disc ShelfTape Box"_s);
+    EXPECT_EQ(tapes.GetImporterFileExtFilter(), u"Tape Box (*.box)|*.box|All files (*.*)|*.*"_s);
+    EXPECT_EQ(tapes.GetSelectSourceDescription(), u"Select the file to import data from."_s);
+    EXPECT_EQ(dynamic_cast<TTables&>(*discs.Create(FData)).Prefix, u"disc_shelf"_s);
+    EXPECT_EQ(dynamic_cast<TTables&>(*tapes.Create(FData)).Prefix, u"tape_box"_s);
+    EXPECT_TRUE(tapes.MakeOptions()->Names().isEmpty());
+}
+
+// The worker is in its job while it is freed, and what it uses of itself is freed only when the job has ended.
+TEST_F(ImportFramework, AWorkerEndsBeforeItsPartsAreFreed)
+{
+    class TDerived : public TKRNImporter {
+    public:
+        using TKRNImporter::TKRNImporter;
+        std::atomic<bool> Begun{false};
+        QString* Ending = nullptr;
+
+    protected:
+        void Import() override
+        {
+            Begun = true;
+            while (!Terminated())
+                std::this_thread::yield();
+            *Ending = Word();
+        }
+        virtual QString Word() const { return FText; }
+        const QString FText = u"still there"_s;
+    };
+    QString ending;
+    auto* worker = new TDerived(FData);
+    worker->Ending = &ending;
+    TImporterPtr owner(worker);
+    owner->Start();
+    while (!worker->Begun)
+        std::this_thread::yield();
+    owner.reset();
+    EXPECT_EQ(ending, u"still there"_s);
+}
+
+TEST(ImportOptions, AreToldByTheirNames)
+{
+    Defaults() = MakeDefaults();
+    Defaults().MP3ScanBackCover = false;
+    const std::unique_ptr<TImportOptions> options = FindImporterClass(u"TKRNImporter_MP3s"_s)->MakeOptions();
+    EXPECT_EQ(options->Names().join(u' '), u"covers back-cover media-cover other-images"_s);
+    EXPECT_EQ(options->Get(u"covers"_s) + options->Get(u"back-cover"_s), u"yesno"_s) << "as the settings have them";
+    EXPECT_TRUE(options->Set(u"Covers"_s, u"No"_s) && options->Set(u"back-cover"_s, u"1"_s));
+    EXPECT_FALSE(options->Set(u"covers"_s, u"maybe"_s) || options->Set(u"none"_s, u"yes"_s));
+    const auto copy = options->Clone();
+    options->Set(u"covers"_s, u"yes"_s);
+    const auto& scan = dynamic_cast<const TMP3ScanOptions&>(*copy);
+    EXPECT_TRUE(!scan.FindCovers && scan.BackCover && scan.MediaCover && !scan.OtherImages);
+    int number = 5;
+    EXPECT_TRUE(!ReadOption(u"x"_s, number) && number == 5 && ReadOption(u" 8 "_s, number) && number == 8);
 }
 
 } // namespace Kestrune

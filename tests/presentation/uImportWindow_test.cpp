@@ -2,6 +2,7 @@
 #include "dmMain.h"
 #include "uDefaults.h"
 #include "uImport.h"
+#include "uImportPages.h"
 #include "uImportRun.h"
 #include "uImportWindow.h"
 #include "uListedImporter.h"
@@ -12,6 +13,7 @@
 
 #include <QApplication>
 #include <QDropEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMimeData>
@@ -89,8 +91,7 @@ protected:
     QString FPath = FDir.File(u"x.db"_s);
     TDataModuleMain FData{FPrompt};
     TThemeController FTheme;
-    std::vector<TImporterClass> FClasses{MakeImporterClass<Kit::TListedImporter>(u"TKRNImporter_Paper"_s),
-                                         *FindImporterClass(u"TKRNImporter_MP3s"_s)};
+    std::vector<TImporterClass> FClasses{Kit::TListedImporter::Row(), *FindImporterClass(u"TKRNImporter_MP3s"_s)};
     TKRNImportForm FForm{FData, FPrompt, FClasses};
     TImportWindow FWindow{FForm, nullptr};
 };
@@ -155,6 +156,39 @@ TEST_F(ImportWindow, WhatTheListingPassedOverIsShown)
     TLogView* notes = VisibleLog();
     ASSERT_TRUE(notes);
     EXPECT_TRUE(notes->toPlainText().contains(u"page 7: It is torn."_s)) << notes->toPlainText().toStdString();
+}
+
+TEST_F(ImportWindow, APageOfASourceIsARowOfTheTable)
+{
+    class TTapePage final : public TImportPageWidget {
+    public:
+        using TImportPageWidget::TImportPageWidget;
+        QString Hint(const QString&) const override { return u"Tapes of "_s + FForm.Class().GetDisplayName(); }
+    };
+    const auto make = [](TKRNImportForm& form, QWidget* parent) -> TImportPageWidget* {
+        return new TTapePage(form, parent);
+    };
+    std::vector<TImportPageRow> pages(ImportPages().begin(), ImportPages().end());
+    pages.push_back({u"pTapes"_s, u"cSGuiTracks"_s, u"cSGuiTracks"_s, u"cSGuiHintWelcome"_s, make});
+    FClasses[0].ExtraPages = {u"pTapes"_s};
+    TKRNImportForm form(FData, FPrompt, FClasses);
+    TImportWindow window(form, nullptr, pages);
+    window.show();
+    form.ChooseClass(0);
+    form.Next();
+    form.SetSourceText(FDir.Write(u"list.x"_s, "x"));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return form.NextEnabled(); }));
+    form.Next();
+    EXPECT_EQ(form.Page(), u"pTapes"_s);
+    QStringList shown;
+    for (const QLabel* label : window.findChildren<QLabel*>())
+        if (label->isVisible())
+            shown += label->text();
+    EXPECT_TRUE(shown.contains(u"Tracks"_s) && shown.contains(u"Tapes of Paper list"_s))
+        << shown.join(u'|').toStdString();
+    form.Next();
+    EXPECT_EQ(form.Page(), pSelectAlbumsToImport);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !form.Importer(); }));
 }
 
 TEST_F(ImportWindow, EscapeAsksAndCloses)

@@ -24,12 +24,26 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+struct TFakeOptions final : TImportOptionsOf<TFakeOptions> {
+    QString Word;
+
+    static std::span<const TOptionRow<TFakeOptions>> Rows()
+    {
+        static const TOptionRow<TFakeOptions> rows[] = {{u"word"_s, &TFakeOptions::Word}};
+        return rows;
+    }
+    bool IsComplete(const QString&) const override { return !Word.isEmpty(); }
+};
+
+std::unique_ptr<TImportOptions> NewFakeOptions() { return std::make_unique<TFakeOptions>(); }
+
+bool DriverIsNowhere() { return false; }
+bool DriverIsThere() { return true; }
+
 // A source of invented releases whose answers and job a test sets.
 class TFakeImporter final : public TKRNImporter {
 public:
     struct TAnswers {
-        bool Select = true, Paste = false, Drops = false, NeedsDriver = false, HasDriver = true;
-        TKRNImporterInputType Type = iitString;
         int Releases = 3;
         int FailAt = -1;    // position whose release throws
         QString TornFile{}; // is reported as passed over
@@ -40,7 +54,7 @@ public:
         return answers;
     }
     struct TSeen {
-        QString InputPath, Data, Ids;
+        QString InputPath, Data, Ids, Word;
         int Started = 0;
     };
     static TSeen& Seen()
@@ -50,24 +64,16 @@ public:
     }
 
     using TKRNImporter::TKRNImporter;
-    ~TFakeImporter() override
+
+    static TImporterClass Row()
     {
-        Terminate();
-        WaitFor();
+        return {.ClassName = u"TKRNImporter_Fake"_s,
+                .DisplayName = u"Fake"_s,
+                .ImporterType = iitString,
+                .CanSelectWhichAlbumsToImport = true,
+                .NewOptions = NewFakeOptions,
+                .NewWorker = MakeImporter<TFakeImporter>};
     }
-    static bool CanSelectWhichAlbumsToImport() { return Answers().Select; }
-    static bool CanCopyAndPasteData() { return Answers().Paste; }
-    static TKRNImporterInputType GetImporterType() { return Answers().Type; }
-    static QString GetImporterFileExt() { return u"x"_s; }
-    static QString GetImporterFileExtFilter() { return u"X (*.x)|*.x"_s; }
-    static QString GetDisplayName() { return u"Fake"_s; }
-    static QString GetDisplayDesc() { return u"Invented releases"_s; }
-    static QString GetSelectSourceDescription() { return u"Type something"_s; }
-    static bool AllowsDragNDrop() { return Answers().Drops; }
-    static bool NeedToCheckForMissingDrivers() { return Answers().NeedsDriver; }
-    static bool CheckForMissingDrivers() { return Answers().HasDriver; }
-    static QString GetMissingDriversURL() { return u"https://example.org/driver"_s; }
-    static QString GetMissingDriversName() { return u"Tables"_s; }
 
 protected:
     void Import() override
@@ -75,11 +81,11 @@ protected:
         QStringList ids;
         for (const TVariant& id : IDsArray())
             ids += VarToStr(id);
-        Seen() = {InputPath(), Data(), ids.join(u','), Seen().Started + 1};
+        Seen() = {InputPath(), Data(), ids.join(u','), Options<TFakeOptions>().Word, Seen().Started + 1};
         const TControlsOff controlsOff(*this);
         int stored = 0;
         if (!Answers().TornFile.isEmpty())
-            DoOnFileError(Answers().TornFile, u"Torn."_s);
+            DoOnItemError(Answers().TornFile, u"Torn."_s);
         for (int i = 0; i < Answers().Releases && !Terminated(); ++i) {
             if (i == Answers().FailAt)
                 throw std::runtime_error("page 7 is torn");
@@ -147,8 +153,8 @@ protected:
     Kit::TScriptedPrompt FPrompt;
     QString FPath = FDir.File(u"x.db"_s);
     TDataModuleMain FData{FPrompt};
-    std::vector<TImporterClass> FClasses{MakeImporterClass<TFakeImporter>(u"TKRNImporter_Fake"_s),
-                                         *FindImporterClass(u"TKRNImporter_MP3s"_s)};
+    std::vector<TImporterClass> FClasses{TFakeImporter::Row(), *FindImporterClass(u"TKRNImporter_MP3s"_s)};
+    TImporterClass& FSource = FClasses[0];
     TKRNImportForm FForm{FData, FPrompt, FClasses};
 };
 
@@ -187,8 +193,8 @@ TEST_F(ImportForm, NextOnTheSourcePage)
     int number = 0;
     for (const auto& row : rows) {
         SCOPED_TRACE(number++);
-        TFakeImporter::Answers().Type = row.Type;
-        TFakeImporter::Answers().Paste = row.Paste;
+        FSource.ImporterType = row.Type;
+        FSource.CanCopyAndPasteData = row.Paste;
         TKRNImportForm form(FData, FPrompt, FClasses);
         form.ChooseClass(0);
         form.Next();
@@ -201,11 +207,11 @@ TEST_F(ImportForm, NextOnTheSourcePage)
 
 TEST_F(ImportForm, DroppedFilesAreJoinedAndGoOnByThemselves)
 {
-    TFakeImporter::Answers().Type = iitFile;
+    FSource.ImporterType = iitFile;
     GoToSource();
     EXPECT_FALSE(FForm.AcceptsDrops());
     FForm.Back();
-    TFakeImporter::Answers().Drops = true;
+    FSource.AllowsDragNDrop = true;
     GoToSource();
     FForm.DropFiles(TFileCatcher({u"/a/1.x"_s, u"/b/2.x"_s}));
     EXPECT_EQ(FForm.Page(), pSelectAlbumsToImport);
@@ -281,7 +287,7 @@ TEST_F(ImportForm, AFailureStaysOnItsPage)
     EXPECT_EQ(FForm.ListingError(), u"Error: page 7 is torn"_s);
     EXPECT_TRUE(FForm.Rows().empty()) << "what was not yet delivered is not offered";
     FForm.Back();
-    TFakeImporter::Answers().Select = false;
+    FSource.CanSelectWhichAlbumsToImport = false;
     QStringList warnings;
     QObject::connect(&FForm, &TKRNImportForm::logWarning, &FForm, [&](const QString& line) { warnings += line; });
     FForm.Next();
@@ -301,7 +307,7 @@ TEST_F(ImportForm, AFailureStaysOnItsPage)
 
 TEST_F(ImportForm, CancelEndsTheWorkerAndReachesTheFinishPage)
 {
-    TFakeImporter::Answers().Select = false;
+    FSource.CanSelectWhichAlbumsToImport = false;
     TFakeImporter::Answers().Releases = 5000;
     GoToSource();
     FForm.SetSourceText(u"me"_s);
@@ -324,8 +330,10 @@ TEST_F(ImportForm, CancelEndsTheWorkerAndReachesTheFinishPage)
 
 TEST_F(ImportForm, AMissingDriverStopsBeforeAnyWorker)
 {
+    const TImporterDriver driver{u"Tables"_s, u"https://example.org/driver"_s, DriverIsNowhere};
+    FSource.Driver = &driver;
     for (const bool select : {true, false}) {
-        TFakeImporter::Answers() = {.Select = select, .NeedsDriver = true, .HasDriver = false};
+        FSource.CanSelectWhichAlbumsToImport = select;
         FPrompt.Information.clear();
         TKRNImportForm form(FData, FPrompt, FClasses);
         QString url;
@@ -337,16 +345,67 @@ TEST_F(ImportForm, AMissingDriverStopsBeforeAnyWorker)
         form.SetSourceText(u"x"_s);
         form.Next();
         EXPECT_TRUE(closed);
-        EXPECT_EQ(url, u"https://example.org/driver"_s);
+        EXPECT_EQ(url, driver.URL);
         EXPECT_EQ(FPrompt.Information, QStringList(u"Your operating system is missing a required driver for Tables. "
                                                    "Click OK to open the download page in your browser."_s));
-        EXPECT_EQ(TFakeImporter::Seen().Started, 0);
     }
+    TImportRun run(FData, {.Class = &FSource, .InputPath = {}, .Data = {}});
+    EXPECT_FALSE(run.Start()) << "the command line passes the same check";
+    EXPECT_EQ(TFakeImporter::Seen().Started, 0);
+    const TImporterDriver there{u"Tables"_s, {}, DriverIsThere};
+    FSource.Driver = &there;
+    EXPECT_FALSE(FSource.FindMissingDriver());
+}
+
+TEST_F(ImportForm, ASourceNamesItsOwnPages)
+{
+    FSource.ExtraPages = {u"pWord"_s, u"pMore"_s};
+    GoToSource();
+    EXPECT_EQ(FForm.Pages(), (std::vector{pWelcome, pSelectSource, u"pWord"_s, u"pMore"_s, pSelectAlbumsToImport,
+                                          pProgress, pFinish}));
+    FForm.SetSourceText(u"me"_s);
+    FForm.Next();
+    EXPECT_EQ(FForm.Page(), u"pWord"_s);
+    EXPECT_FALSE(FForm.NextEnabled()) << "the page lacks something";
+    EXPECT_TRUE(FForm.BackEnabled());
+    FForm.Options().Set(u"word"_s, u"told"_s);
+    FForm.OptionsChanged();
+    FForm.Next();
+    FForm.Next();
+    EXPECT_EQ(FForm.Page(), pSelectAlbumsToImport);
+    UntilIdle();
+    EXPECT_EQ(TFakeImporter::Seen().Word, u"told"_s) << "a listing hears it";
+    FForm.Next();
+    Until([this] { return FForm.Page() == pFinish; });
+    EXPECT_EQ(TFakeImporter::Seen().Word, u"told"_s) << "and so does the import";
+    FForm.ChooseClass(1);
+    EXPECT_EQ(FForm.Pages().size(), 4U);
+    FForm.ChooseClass(0);
+    EXPECT_EQ(FForm.Options().Get(u"word"_s), QString()) << "a source that is chosen anew begins anew";
+}
+
+TEST_F(ImportForm, ARunThatGoesEarlyEndsItsWorkerAndTellsNobody)
+{
+    TFakeImporter::Answers().Releases = 100000;
+    int heard = 0;
+    auto run = std::make_unique<TImportRun>(FData, TImportJob{.Class = &FSource, .InputPath = {}, .Data = {}});
+    QObject::connect(run.get(), &TImportRun::releaseStored, run.get(), [&] { ++heard; });
+    ASSERT_TRUE(run->Start());
+    Until([&] { return heard > 1; });
+    const int before = heard;
+    int resets = 0;
+    QObject::connect(&FData.qReleasesMain, &TDataset::dataReset, &FForm, [&] { ++resets; });
+    run.reset();
+    EXPECT_EQ(heard, before);
+    EXPECT_LT(StoredReleases(), 1000) << "the worker was told to end";
+    EXPECT_EQ(resets, 1) << "and the views go on";
 }
 
 TEST_F(ImportForm, PastedTextReachesTheSourceOnlyInPasteMode)
 {
-    TFakeImporter::Answers() = {.Select = false, .Paste = true, .Type = iitFile};
+    FSource.CanSelectWhichAlbumsToImport = false;
+    FSource.CanCopyAndPasteData = true;
+    FSource.ImporterType = iitFile;
     const QString file = FDir.Write(u"there.x"_s, "x");
     for (const bool paste : {true, false}) {
         TKRNImportForm form(FData, FPrompt, FClasses);

@@ -103,8 +103,8 @@ TSourcePage::TSourcePage(TKRNImportForm& form, QWidget* parent)
 void TSourcePage::Enter()
 {
     const TImporterClass& source = FForm.Class();
-    const TKRNImporterInputType type = source.GetImporterType();
-    const bool paste = type == iitFile && source.CanCopyAndPasteData();
+    const TKRNImporterInputType type = source.ImporterType;
+    const bool paste = type == iitFile && source.CanCopyAndPasteData;
     FDescription->setText(source.GetSelectSourceDescription());
     const QSignalBlocker quiet(FMemo);
     FMemo->setPlainText(FForm.Memo());
@@ -125,12 +125,12 @@ void TSourcePage::Refresh()
     FCopyPaste->setChecked(FForm.PasteMode());
     FSource->setEnabled(!FForm.PasteMode());
     FBrowse->setEnabled(!FForm.PasteMode());
-    FMemo->setEnabled(FForm.PasteMode() || FForm.Class().GetImporterType() == iitMemo);
+    FMemo->setEnabled(FForm.PasteMode() || FForm.Class().ImporterType == iitMemo);
 }
 
 QWidget* TSourcePage::FirstWidget()
 {
-    const bool memoOnly = FForm.Class().GetImporterType() == iitMemo;
+    const bool memoOnly = FForm.Class().ImporterType == iitMemo;
     return memoOnly ? static_cast<QWidget*>(FMemo) : FSource;
 }
 

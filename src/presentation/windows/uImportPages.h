@@ -30,6 +30,8 @@ public:
     virtual void Enter() {}
     /// The form's state changed.
     virtual void Refresh() {}
+    /// The sentence under the heading, given as the table has it.
+    virtual QString Hint(const QString& text) const { return text; }
     /// What takes the keyboard first.
     virtual QWidget* FirstWidget() { return nullptr; }
 
@@ -71,6 +73,7 @@ class TSelectPage final : public TImportPageWidget {
 public:
     TSelectPage(TKRNImportForm& form, QWidget* parent);
     void Refresh() override;
+    QString Hint(const QString& text) const override;
     QWidget* FirstWidget() override;
 
 private:

@@ -115,7 +115,7 @@ TSelectPage::TSelectPage(TKRNImportForm& form, QWidget* parent)
     FList->setRootIsDecorated(false);
     FList->setUniformRowHeights(true);
     FList->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    FList->setAccessibleName(TKRNImportForm::PageTitle(pSelectAlbumsToImport));
+    FList->setAccessibleName(GetLanguageString(u"cSImportSelectAlbumsTabTitle"_s));
     FList->header()->setStretchLastSection(false);
     FList->header()->setSectionResizeMode(QHeaderView::Interactive);
     FList->header()->setSectionResizeMode(1, QHeaderView::Stretch);
@@ -182,6 +182,8 @@ void TSelectPage::Refresh()
     FNotes->setVisible(FNotes->WarningCount() > 0);
     FTicked->setText(GetLanguageString(u"cSGuiTicked"_s).arg(FForm.TickedCount()).arg(FForm.Rows().size()));
 }
+
+QString TSelectPage::Hint(const QString& text) const { return text.arg(FForm.Rows().size()); }
 
 QWidget* TSelectPage::FirstWidget() { return FList; }
 

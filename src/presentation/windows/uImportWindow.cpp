@@ -43,16 +43,23 @@ constexpr int ClockTick = 500; // milliseconds
 /// The steps of the chosen source: done ones ticked, the present one filled, later ones numbered.
 class TStepRail : public QWidget {
 public:
-    TStepRail(TKRNImportForm& form, QWidget* parent) : QWidget(parent), FForm(form) { setFixedWidth(RailWidth); }
+    TStepRail(TKRNImportForm& form, std::span<const TImportPageRow> pages, QWidget* parent)
+        : QWidget(parent), FForm(form), FTable(pages)
+    {
+        setFixedWidth(RailWidth);
+    }
 
     void Refresh()
     {
-        FPages = FForm.Pages();
-        FCurrent = std::ranges::find(FPages, FForm.Page()) - FPages.begin();
-        setAccessibleName(GetLanguageString(u"cSGuiImportStep"_s)
-                              .arg(FCurrent + 1)
-                              .arg(FPages.size())
-                              .arg(TKRNImportForm::StepTitle(FForm.Page())));
+        const std::vector<TImportPage> pages = FForm.Pages();
+        FCurrent = std::ranges::find(pages, FForm.Page()) - pages.begin();
+        FSteps.clear();
+        for (const TImportPage& page : pages) {
+            const auto row = std::ranges::find(FTable, page, &TImportPageRow::Page);
+            FSteps += row == FTable.end() ? page : GetLanguageString(row->StepKey);
+        }
+        setAccessibleName(
+            GetLanguageString(u"cSGuiImportStep"_s).arg(FCurrent + 1).arg(FSteps.size()).arg(FSteps.value(FCurrent)));
         update();
     }
 
@@ -64,7 +71,7 @@ protected:
         painter.setRenderHint(QPainter::Antialiasing);
         painter.fillRect(rect(), theme.Sunken);
         DrawMark(painter, Mirrored(QRectF(RailPadding, RailPadding + 2, MarkSize, MarkSize)), theme);
-        for (qsizetype i = 0; i < static_cast<qsizetype>(FPages.size()); ++i)
+        for (qsizetype i = 0; i < FSteps.size(); ++i)
             DrawStep(painter, i);
         DrawSource(painter);
     }
@@ -95,8 +102,7 @@ private:
         painter.setFont(ThemeFont(now ? fsBodyBold : fsBody));
         painter.setPen(now ? theme.Text : theme.Text2);
         const qreal left = RailPadding + StepCircle + 10;
-        DrawElided(painter, Mirrored(QRectF(left, top, width() - left - 8, StepHeight)),
-                   TKRNImportForm::StepTitle(FPages[static_cast<size_t>(step)]), TextSide());
+        DrawElided(painter, Mirrored(QRectF(left, top, width() - left - 8, StepHeight)), FSteps[step], TextSide());
     }
 
     void DrawSource(QPainter& painter) const
@@ -116,14 +122,16 @@ private:
     Qt::Alignment TextSide() const { return Qt::AlignLeft | Qt::AlignVCenter; }
 
     TKRNImportForm& FForm;
-    std::vector<TImportPage> FPages;
+    std::span<const TImportPageRow> FTable;
+    QStringList FSteps;
     qsizetype FCurrent = 0;
 };
 
-TImportWindow::TImportWindow(TKRNImportForm& form, QWidget* parent)
+TImportWindow::TImportWindow(TKRNImportForm& form, QWidget* parent, std::span<const TImportPageRow> pages)
     : QDialog(parent),
       FForm(&form),
-      FRail(new TStepRail(form, this)),
+      FPages(pages),
+      FRail(new TStepRail(form, pages, this)),
       FTitle(new QLabel(this)),
       FHint(new QLabel(this)),
       FStack(new QStackedWidget(this)),
@@ -135,10 +143,6 @@ TImportWindow::TImportWindow(TKRNImportForm& form, QWidget* parent)
     setAcceptDrops(true);
     FTitle->setFont(ThemeFont(fsPageTitle));
     FHint->setWordWrap(true);
-    for (TImportPageWidget* page : std::initializer_list<TImportPageWidget*>{
-             new TWelcomePage(form, this), new TSourcePage(form, this), new TSelectPage(form, this),
-             new TProgressPage(form, this), new TFinishPage(form, this)})
-        FStack->addWidget(page);
     auto* content = new QVBoxLayout;
     content->setContentsMargins(24, 18, 24, 16);
     content->setSpacing(8);
@@ -193,10 +197,29 @@ void TImportWindow::BuildButtons()
     });
 }
 
+const TImportPageRow* TImportWindow::RowOf(const TImportPage& page) const
+{
+    const auto row = std::ranges::find(FPages, page, &TImportPageRow::Page);
+    return row == FPages.end() ? nullptr : &*row;
+}
+
+// Pages are made when they are first come to: those of other sources have no options to show.
+TImportPageWidget* TImportWindow::WidgetOf(const TImportPage& page)
+{
+    TImportPageWidget*& widget = FWidgets[page];
+    if (!widget) {
+        const TImportPageRow* row = RowOf(page);
+        widget = row ? row->Make(*FForm, this) : new TImportPageWidget(*FForm, this);
+        FStack->addWidget(widget);
+    }
+    return widget;
+}
+
 void TImportWindow::ShowPage()
 {
-    auto* page = static_cast<TImportPageWidget*>(FStack->widget(static_cast<int>(FForm->Page())));
-    FTitle->setText(TKRNImportForm::PageTitle(FForm->Page()));
+    TImportPageWidget* page = WidgetOf(FForm->Page());
+    const TImportPageRow* row = RowOf(FForm->Page());
+    FTitle->setText(row ? GetLanguageString(row->TitleKey) : FForm->Page());
     if (FStack->currentWidget() != page || !isVisible()) {
         FStack->setCurrentWidget(page);
         page->Enter();
@@ -210,13 +233,15 @@ void TImportWindow::UpdateState()
 {
     const bool last = FForm->Page() == pFinish;
     FRail->Refresh();
-    FHint->setText(FForm->PageHint());
+    TImportPageWidget* page = WidgetOf(FForm->Page());
+    const TImportPageRow* row = RowOf(FForm->Page());
+    FHint->setText(row ? page->Hint(GetLanguageString(row->HintKey)) : QString());
     FHint->setVisible(!FHint->text().isEmpty());
     FCancel->setEnabled(FForm->CancelEnabled());
     FBack->setEnabled(FForm->BackEnabled());
     FNext->setEnabled(last || FForm->NextEnabled());
     FNext->setText(last ? GetLanguageString(u"cSGuiFinish"_s) : FForm->NextCaption());
-    static_cast<TImportPageWidget*>(FStack->currentWidget())->Refresh();
+    page->Refresh();
     ShowBusy(FForm->Importer() != nullptr);
 }
 

@@ -2,8 +2,10 @@
 #pragma once
 
 #include "frmImport.h"
+#include "uImportPageTable.h"
 
 #include <QDialog>
+#include <QHash>
 #include <QPointer>
 #include <QTimer>
 
@@ -21,8 +23,8 @@ class TStepRail;
 class TImportWindow : public QDialog {
     Q_OBJECT
 public:
-    /// The form may go before the window.
-    TImportWindow(TKRNImportForm& form, QWidget* parent);
+    /// The form may go before the window; the table outlives it.
+    TImportWindow(TKRNImportForm& form, QWidget* parent, std::span<const TImportPageRow> pages = ImportPages());
     ~TImportWindow() override;
 
 protected:
@@ -33,11 +35,15 @@ protected:
 
 private:
     void BuildButtons();
+    const TImportPageRow* RowOf(const TImportPage& page) const;
+    TImportPageWidget* WidgetOf(const TImportPage& page);
     void ShowPage();
     void UpdateState();
     void ShowBusy(bool busy);
 
     QPointer<TKRNImportForm> FForm;
+    std::span<const TImportPageRow> FPages;
+    QHash<TImportPage, TImportPageWidget*> FWidgets; // those that were shown
     TStepRail* FRail;
     QLabel* FTitle;
     QLabel* FHint;

@@ -404,8 +404,8 @@ void TMainWindow::OpenAddFiles()
         FStatus->ShowProgress(GetLanguageString(u"cSGuiAddingFiles"_s), run->Position(), run->Count(), true);
     });
     connect(run, &TImportRun::logLines, &FProgress->Log(), &TLogView::AddLines);
-    connect(run, &TImportRun::fileFailed, window, [window](const QString& file, const QString& sentence) {
-        window->Log().AddWarning(file + u": "_s + sentence);
+    connect(run, &TImportRun::itemFailed, window, [window](const QString& item, const QString& sentence) {
+        window->Log().AddWarning(item + u": "_s + sentence);
     });
     connect(run, &TImportRun::finished, window, [this, run, window] {
         const QString stored = GetLanguageString(u"cSGuiAddedFiles"_s).arg(run->Releases()).arg(run->Tracks());

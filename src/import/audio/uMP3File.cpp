@@ -7,8 +7,8 @@
 #include "uFilePath.h"
 #include "uFolderNames.h"
 #include "uObjs.h"
+#include "uSourceValues.h"
 #include "uTHTypes.h"
-#include "uTagValues.h"
 
 #include <QStringList>
 

@@ -17,9 +17,10 @@ protected:
     QString Tracks()
     {
         TKRNImporter_MP3s importer(FData);
+        importer.SetOptions(TMP3ScanOptions::New());
         importer.SetInputPath(FMusic.Path());
         importer.SetOnDone([this](TKRNImporter&, int releases, int) { FReleases = releases; });
-        importer.SetOnFileError([this](TKRNImporter&, const QString& file, const QString& error) {
+        importer.SetOnItemError([this](TKRNImporter&, const QString& file, const QString& error) {
             FFailures += file.sliced(file.lastIndexOf(u'/') + 1) + u": "_s + error;
         });
         importer.Start();

@@ -30,14 +30,6 @@ void SortByName(QStringList& paths)
     std::ranges::sort(paths, {}, [](const QString& path) { return std::pair(path.toCaseFolded(), path); });
 }
 
-TFolderEntry EntryOf(const fs::directory_entry& item)
-{
-    std::error_code failure;
-    const QString path = PathToText(item.path());
-    const bool isFolder = item.is_directory(failure);
-    return {FileNameOf(path), path, isFolder, !isFolder && item.is_regular_file(failure)};
-}
-
 // The identity of a folder on this machine, whatever path leads to it.
 std::pair<dev_t, ino_t> IdentityOf(const QString& folder)
 {
@@ -112,25 +104,6 @@ void AddDroppedFile(const QString& path, TFolderLists& lists)
 }
 
 } // namespace
-
-std::vector<TFolderEntry> ListFolder(const QString& folder, const TOnUnreadableFolder& onUnreadable)
-{
-    std::vector<TFolderEntry> entries;
-    std::error_code failure;
-    fs::directory_iterator at(TextToPath(folder), failure);
-    while (!failure && at != fs::directory_iterator()) {
-        entries.push_back(EntryOf(*at));
-        at.increment(failure);
-    }
-    if (failure) {
-        const QString reason = QString::fromStdString(failure.message());
-        DebugLog(u"[Import] Folder cannot be read: %1: %2"_s.arg(folder, reason));
-        if (onUnreadable)
-            onUnreadable(folder, reason);
-    }
-    std::ranges::sort(entries, {}, [](const TFolderEntry& e) { return std::pair(e.Name.toCaseFolded(), e.Name); });
-    return entries;
-}
 
 QStringList SplitInputPaths(const QString& inputPath)
 {

@@ -41,7 +41,7 @@ std::optional<TCueSheet> LoadCueSheet(const QString& file);
 /// What a folder holds for the cutting of its files.
 struct TCueFolder {
     QStringList Sheets;     ///< paths of *.cue: first those that bear the name of an audio file, each group by name
-    QStringList AudioFiles; ///< names, disc images left out
+    QStringList AudioFiles; ///< names, without disc images; empty where there is no sheet
 };
 TCueFolder ListCueFolder(const QString& folder);
 

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uImportOptions.h"
 #include "uMP3Track.h"
 
 #include <QString>
 
 #include <functional>
+#include <memory>
+#include <span>
 
 namespace Kestrune {
 
@@ -30,8 +33,9 @@ using TDiscImageReader = std::function<TImageTracks(const QString& image, bool p
 using TStreamLengthReader = std::function<double(const QString& file)>;
 
 /// What a folder scan must know of the settings and the language: a copy, since both belong to the main thread.
-struct TMP3ScanOptions {
+struct TMP3ScanOptions final : TImportOptionsOf<TMP3ScanOptions> {
     bool Pictures = true; ///< false leaves all pictures out, as for a list
+    // What is looked for beside the files.
     bool FindCovers = true;
     bool BackCover = true;
     bool MediaCover = true;
@@ -40,12 +44,17 @@ struct TMP3ScanOptions {
     QString VariousArtists, Digital;
     // The sentences for a file that cannot be read and for images that give nothing.
     QString UnreadableFile, UnknownImage, ImageWithoutAudio;
+    QString UnreadableFolder; ///< with the reason for "%s"
     /// Without a reader images yield no release, and streams are tracks of unknown length.
     TDiscImageReader ReadDiscImage;
     TStreamLengthReader ReadStreamLength;
 
     /// The options of the process. Main thread.
     static TMP3ScanOptions FromSettings();
+    static std::unique_ptr<TImportOptions> New() { return FromSettings().Clone(); }
+
+    /// "covers", "back-cover", "media-cover" and "other-images".
+    static std::span<const TOptionRow<TMP3ScanOptions>> Rows();
 };
 
 } // namespace Kestrune

@@ -40,10 +40,11 @@ protected:
     void Run(const QString& input = {}, const std::function<void(TKRNImporter_MP3s&)>& prepare = {})
     {
         TKRNImporter_MP3s importer(FData);
+        importer.SetOptions(TMP3ScanOptions::New());
         importer.SetInputPath(input.isEmpty() ? Music() : input);
         importer.SetOnDone([this](TKRNImporter&, int releases, int files) { FDone = {releases, files}; });
         importer.SetOnError([this](TKRNImporter&, const QString& error) { FErrors += error; });
-        importer.SetOnFileError([this](TKRNImporter&, const QString& file, const QString& error) {
+        importer.SetOnItemError([this](TKRNImporter&, const QString& file, const QString& error) {
             FErrors += file.sliced(file.lastIndexOf(u'/') + 1) + u": "_s + error;
         });
         if (prepare)
@@ -453,7 +454,7 @@ TEST_F(ImportFolders, ADiscImageIsAReleaseOfItsOwn)
             track.Album = image.endsWith("one.iso"_L1) ? u"One"_s : u"Four"_s;
             return {{track}};
         };
-        importer.SetOptions(std::move(options));
+        importer.SetOptions(options.Clone());
     };
     Run({}, prepare);
     EXPECT_EQ(Rows(u"SELECT ReleaseName FROM Releases2 ORDER BY ID"_s), u"Four\nOne\nFiles"_s);
@@ -492,6 +493,16 @@ TEST_F(ImportFolders, AListingStoresNothingAndItsKeysSelect)
     EXPECT_EQ(Rows(u"SELECT count(*) FROM Releases2 ORDER BY ID"_s), u"0"_s);
     Run({}, [&](TKRNImporter_MP3s& importer) { importer.SetIDsArray({found[1].ReleaseID}); });
     EXPECT_EQ(Rows(u"SELECT ReleaseName FROM Releases2 ORDER BY ID"_s), u"Y"_s);
+}
+
+TEST_F(ImportFolders, WhatTagsLeaveOutTheDefaultsOfTheUserFill)
+{
+    Defaults().Values.Genre = u"Jazz"_s;
+    Defaults().Values.Country = u"FR"_s;
+    Flac(u"a/1.flac"_s, 1, {"ALBUM=A"});
+    Flac(u"b/1.flac"_s, 1, {"ALBUM=B", "GENRE=Dub", "COUNTRY=JM"});
+    Run();
+    EXPECT_EQ(Rows(u"SELECT ReleaseName, Genre, CountryCode FROM Releases2 ORDER BY ID"_s), u"A|Jazz|FR\nB|Dub|JM"_s);
 }
 
 TEST_F(ImportFolders, AnImportMayBeRepeated)

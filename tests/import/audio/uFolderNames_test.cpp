@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uFolderNames.h"
-#include "uTagValues.h"
 #include "uTestFiles.h"
 
 #include <gtest/gtest.h>
@@ -118,53 +117,6 @@ TEST(FolderNames, PathsAreCutAtTheirSeparators)
         EXPECT_EQ(IsSupportedAudio(QString::fromUtf8(row.Name)), row.Audio) << row.Name;
         EXPECT_EQ(IsDiscImage(QString::fromUtf8(row.Name)), row.Image) << row.Name;
     }
-}
-
-TEST(TagValues, NumbersAreReadFromTheHeadOfATextAndNoFurther)
-{
-    const struct {
-        const char* Text;
-        int Number;
-    } rows[] = {{"2004-05-01", 2004},
-                {"3/12", 3},
-                {"  7", 7},
-                {"+5", 5},
-                {"-5x", -5},
-                {"$1F", 31},
-                {"x1f/2", 31},
-                {"0x10", 16},
-                {"0X", 0},
-                {"007", 7},
-                {"A1", 0},
-                {"", 0},
-                {"128.5", 128},
-                {"- 5", 0},
-                {"2147483647", 2147483647},
-                {"2147483648", 214748364},
-                {"99999999999999999999", 999999999},
-                {"\xD9\xA3", 0}}; // an Arabic three is no digit here
-    for (const auto& row : rows)
-        EXPECT_EQ(ParseLenientNumber(QString::fromUtf8(row.Text)), row.Number) << row.Text;
-}
-
-TEST(TagValues, DatesComeInTwoForms)
-{
-    const struct {
-        const char *Text, *Iso;
-    } rows[] = {{"2004-05-01", "2004-05-01"},
-                {"2004-5-1", "2004-05-01"},
-                {"01 May 2004", "2004-05-01"},
-                {"1 dec 1999", "1999-12-01"},
-                {"2004", ""},
-                {"2004-13-01", ""},
-                {"2004-02-30", ""},
-                {"2004-05-01T10:00", ""},
-                {"1 Mai 2004", ""},
-                {"05/01/2004", ""},
-                {"", ""}};
-    for (const auto& row : rows)
-        EXPECT_EQ(ParseTagDate(QString::fromUtf8(row.Text)).toString(Qt::ISODate), QString::fromUtf8(row.Iso))
-            << row.Text;
 }
 
 } // namespace Kestrune

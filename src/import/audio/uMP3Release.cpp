@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uMP3Release.h"
 
-#include "uByteReader.h"
-#include "uDebugLog.h"
-#include "uFilePath.h"
 #include "uFindCovers.h"
 #include "uFolderNames.h"
+#include "uReleasePictures.h"
+#include "uReleaseValues.h"
 
 #include <algorithm>
 #include <utility>
@@ -15,9 +14,6 @@ namespace Kestrune {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// A scan of a whole poster has some tens of megabytes; beyond that a file named like a picture is something else.
-constexpr qint64 LargestCover = 64 * 1024 * 1024;
 
 // The folder above the tracks is the release's when its discs lie there, or when the only disc has no name of its own.
 TCoverFolders FoldersOf(const TKRN_MP3_Tracks& tracks)
@@ -51,26 +47,26 @@ QString ReleaseArtistOf(const TKRN_MP3_Tracks& tracks, const QString& various)
 void SetFields(TAlbumRelease& release, const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options)
 {
     const TKRN_MP3_Track& first = tracks.front();
-    release.SetItem2(u"Artist"_s, ReleaseArtistOf(tracks, options.VariousArtists));
+    SetText(release, u"Artist"_s, ReleaseArtistOf(tracks, options.VariousArtists));
     release.SetItem2(u"ReleaseName"_s, first.Album);
-    release.SetItem2(u"ReleaseYear"_s, QString::number(first.Year));
-    release.SetItem2(u"ReleaseDate"_s, first.ReleaseDate.toString(Qt::ISODate));
-    release.SetItem2(u"CatalogNo"_s, first.CatalogNo);
-    release.SetItem2(u"Label"_s, first.lLabel);
-    release.SetItem2(u"Barcode"_s, first.EAN);
-    release.SetItem2(u"ASIN"_s, first.ASIN);
-    release.SetItem2(u"DiscogsID"_s, first.DiscogsID);
-    release.SetItem2(u"MusicBrainzID"_s, first.MusicBrainzAlbumID);
-    release.SetItem2(u"CountryCode"_s, first.Country);
-    release.SetItem2(u"Genre"_s, first.Genre);
-    release.SetItem2(u"Genres"_s, first.Styles);
-    release.SetItem2(u"Artists"_s, first.Artists);
-    release.SetItem2(u"DataProvider"_s, u"MP3 Scan"_s);
-    release.SetItem2(u"Quantity"_s, u"1"_s);
-    release.SetItem2(u"MediaType"_s, options.Digital);
-    release.SetItem2(u"FolderPath"_s, ReleaseFolderOf(FoldersOf(tracks)));
+    SetText(release, u"ReleaseYear"_s, QString::number(first.Year));
+    SetDate(release, u"ReleaseDate"_s, first.ReleaseDate);
+    SetText(release, u"CatalogNo"_s, first.CatalogNo);
+    SetText(release, u"Label"_s, first.lLabel);
+    SetText(release, u"Barcode"_s, first.EAN);
+    SetText(release, u"ASIN"_s, first.ASIN);
+    SetText(release, u"DiscogsID"_s, first.DiscogsID);
+    SetText(release, u"MusicBrainzID"_s, first.MusicBrainzAlbumID);
+    SetText(release, u"CountryCode"_s, first.Country);
+    SetText(release, u"Genre"_s, first.Genre);
+    SetText(release, u"Genres"_s, first.Styles);
+    SetText(release, u"Artists"_s, first.Artists);
+    SetText(release, u"DataProvider"_s, u"MP3 Scan"_s);
+    SetText(release, u"Quantity"_s, u"1"_s);
+    SetText(release, u"MediaType"_s, options.Digital);
+    SetText(release, u"FolderPath"_s, ReleaseFolderOf(FoldersOf(tracks)));
     const auto lastDisc = std::ranges::max_element(tracks, {}, &TKRN_MP3_Track::DiscNo);
-    release.SetItem2(u"DiscCount"_s, std::max(1, lastDisc->DiscNo));
+    SetNumber(release, u"DiscCount"_s, std::max(1, lastDisc->DiscNo));
 }
 
 TAlbumTrack AlbumTrackOf(const TKRN_MP3_Track& from)
@@ -102,24 +98,6 @@ TAlbumTrack AlbumTrackOf(const TKRN_MP3_Track& from)
     return track;
 }
 
-void AddPicture(TAlbumRelease& release, TCoverPictureType type, const QByteArray& bytes)
-{
-    auto picture = std::make_unique<TCoverPicture>(type);
-    if (picture->LoadFromBytes(bytes))
-        release.Pictures.push_back(std::move(picture));
-}
-
-void AddPictureFile(TAlbumRelease& release, TCoverPictureType type, const QString& path)
-{
-    if (path.isEmpty())
-        return;
-    const auto source = TFileSource::Open(TextToPath(path));
-    if (source && source->Size() <= LargestCover)
-        AddPicture(release, type, source->Read(0, source->Size()));
-    else
-        DebugLog(u"[Import] Picture is not readable or too large: "_s + path);
-}
-
 void AddFoundPictures(TAlbumRelease& release, const TCoverFolders& folders, const TMP3ScanOptions& options)
 {
     const TFoundCovers found = FindCovers(folders);
@@ -141,7 +119,7 @@ void AddPictures(TAlbumRelease& release, const TKRN_MP3_Tracks& tracks, const TM
 {
     const auto covered = std::ranges::find_if(tracks, [](const auto& t) { return !t.Cover.isEmpty(); });
     if (covered != tracks.end())
-        AddPicture(release, cptFrontLarge, covered->Cover);
+        AddPictureBytes(release, cptFrontLarge, covered->Cover);
     if (options.FindCovers)
         AddFoundPictures(release, FoldersOf(tracks), options);
     if (TCoverPicture* front = release.GetPicByType(cptFrontLarge))

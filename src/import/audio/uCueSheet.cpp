@@ -4,8 +4,9 @@
 #include "uByteReader.h"
 #include "uDebugLog.h"
 #include "uFilePath.h"
+#include "uFolderList.h"
 #include "uFolderNames.h"
-#include "uFolderScan.h"
+#include "uSourceValues.h"
 
 #include <QSet>
 #include <QStringDecoder>
@@ -104,7 +105,7 @@ private:
         if (key == "GENRE"_L1)
             FSheet.Genre = Unquoted(value);
         else if (key == "DATE"_L1)
-            FSheet.Year = Unquoted(value).toInt();
+            FSheet.Year = WholeNumber(Unquoted(value));
         else if (key == "COMMENT"_L1)
             FSheet.Comment = Unquoted(value);
     }
@@ -115,7 +116,7 @@ private:
         FInTrack = true;
         FTrack = {};
         FTrack.FileName = FFile;
-        FTrack.No = SplitWord(value).first.toInt();
+        FTrack.No = WholeNumber(SplitWord(value).first);
     }
 
     void TakeIndex(const QString& value)
@@ -174,19 +175,21 @@ std::optional<TCueSheet> LoadCueSheet(const QString& file)
 TCueFolder ListCueFolder(const QString& folder)
 {
     TCueFolder result;
-    QStringList sheets;
-    QSet<QString> audioNames; // with and without extension
-    for (const TFolderEntry& entry : ListFolder(folder)) {
+    const std::vector<TFolderEntry> entries = ListFolder(folder);
+    for (const TFolderEntry& entry : entries)
         if (entry.IsFile && ExtensionOf(entry.Name) == ".cue"_L1)
-            sheets += entry.Path;
+            result.Sheets += entry.Path;
+    if (result.Sheets.isEmpty()) // as most are
+        return result;
+    QSet<QString> audioNames; // with and without extension
+    for (const TFolderEntry& entry : entries) {
         if (!entry.IsFile || !IsSupportedAudio(entry.Name) || IsDiscImage(entry.Name))
             continue;
         result.AudioFiles += entry.Name;
         audioNames << entry.Name.toCaseFolded() << StemOf(entry.Name).toCaseFolded();
     }
     const auto namesAudio = [&](const QString& sheet) { return audioNames.contains(StemOf(sheet).toCaseFolded()); };
-    std::stable_partition(sheets.begin(), sheets.end(), namesAudio);
-    result.Sheets = std::move(sheets);
+    std::stable_partition(result.Sheets.begin(), result.Sheets.end(), namesAudio);
     return result;
 }
 

@@ -4,7 +4,6 @@
 #include "uCueSheet.h"
 
 #include <QHash>
-#include <QSet>
 #include <QString>
 
 #include <vector>
@@ -30,10 +29,10 @@ public:
 
 private:
     using TIndex = QHash<QString, size_t>;
-    using TTaken = QSet<size_t>;
 
     static const size_t* Find(const TIndex& index, const QString& name, const QString& folder);
-    const size_t* FindOnlyOne(const QString& name, const TCueSheet& sheet, const TTaken& taken) const;
+    bool MayHold(size_t source, double lastStart) const;
+    const size_t* FindOnlyOne(const QString& name) const;
 
     std::vector<TCueSource> FSources;
     TIndex FByName, FByStem;
