@@ -93,11 +93,14 @@ void MeasureSearch(TDataModuleMain& data, const QString& folder)
                      .arg(turns[turns.size() * 95 / 100], 0, 'f', 1)
                      .arg(turns.back(), 0, 'f', 1));
     TListDataset& list = data.qReleasesMain;
+    qint64 number = 0;
     for (const QString& words : {u"harbour"_s, u"the"_s, u"a"_s, u"ilva mar"_s, u"nothing like this"_s}) {
         Bench::Report(u"search in everything for \"%1\""_s.arg(words), 5, [&] {
             const auto hits = index.Find(words);
             list.Filter().Clear();
-            list.Filter().Add({u"ID"_s, foIsHit, data.SetHits(hits.value_or(std::vector<qint64>{}), false), {}});
+            data.DropHits(number);
+            number = data.AddHits(hits.value_or(std::vector<qint64>{}));
+            list.Filter().Add({u"ID"_s, foIsHit, number, {}});
             list.SetFilterActive(true);
             list.ApplyFilter();
         });
@@ -120,7 +123,7 @@ void MeasureExport(TDataModuleMain& data, const QString& folder)
             continue; // thousands of pages, which nobody prints
         const QString path = folder + u"/export."_s + word;
         Bench::Report(u"export of all releases as "_s + word, 3, [&] {
-            TExportSource source(data, data.qReleasesMain, false, columns, false);
+            TExportSource source(data, data.qReleasesMain, columns, false);
             WriteExport(source, *ExportFormatOf(word), path, u"Bench"_s, {});
         });
         Bench::Print(u"    %1 MB"_s.arg(static_cast<double>(QFileInfo(path).size()) / 1e6, 0, 'f', 1));

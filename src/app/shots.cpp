@@ -110,7 +110,7 @@ void SearchPictures(TDataModuleMain& data, TPrompt& prompt, const std::function<
         return;
     form.FocusHit(record(form.Current().Hits.size() - 3));
     waitForDownloads();
-    form.Lists().Releases().SetSelection({record(form.Current().Hits.size() - 3), record(form.Current().Hits.size() - 4)});
+    form.SetSelection({record(form.Current().Hits.size() - 3), record(form.Current().Hits.size() - 4)});
     form.actSaveAndContinue();
     for (const TSearchHit& hit : form.Current().Hits)
         if (hit.CatalogNo == "CRB 2207"_L1) {
@@ -118,7 +118,7 @@ void SearchPictures(TDataModuleMain& data, TPrompt& prompt, const std::function<
             break;
         }
     waitForDownloads();
-    form.Lists().Releases().SetSelection({form.Current().Focused});
+    form.SetSelection({form.Current().Focused});
     Q_EMIT form.hitsChanged();
     save(window, u"search"_s);
     SetHttpStandIn(nullptr);

@@ -62,7 +62,7 @@ protected:
     }
     TExportSource Source(const QStringList& names, bool thumbnails = false)
     {
-        return {FData, FData.qReleasesMain, false, Columns(names), thumbnails};
+        return {FData, FData.qReleasesMain, Columns(names), thumbnails};
     }
     QString Path(TExportFormat format) { return FDir.File(u"out."_s + ExportFormatWord(format)); }
     QJsonArray Written(TExportSource source, TExportFormat format)
