@@ -50,14 +50,17 @@ QByteArray TByteSource::Read(qint64 offset, qint64 length)
 
 std::unique_ptr<TFileSource> TFileSource::Open(const std::filesystem::path& path)
 {
-    if (IsGuardedFile(path)) // closing it would cost the collection its locks
+    if (IsGuardedJournal(path)) // closing it would cost the collection its locks
         return nullptr;
     // O_NONBLOCK: a named pipe in a music folder must not hang the reader; it has no effect on regular files.
     const int handle = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (handle < 0)
         return nullptr;
     struct stat info = {};
-    if (::fstat(handle, &info) != 0 || !S_ISREG(info.st_mode)) {
+    const bool known = ::fstat(handle, &info) == 0;
+    if (known && KeepIfGuarded(handle, info.st_dev, info.st_ino))
+        return nullptr;
+    if (!known || !S_ISREG(info.st_mode)) {
         ::close(handle);
         return nullptr;
     }

@@ -2,10 +2,12 @@
 #include "uGuardedFiles.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <map>
 #include <mutex>
 #include <string_view>
+#include <vector>
 
 namespace Kestrune {
 
@@ -13,9 +15,14 @@ namespace {
 
 using TFileKey = std::pair<quint64, quint64>;
 
+struct TMark {
+    int Count = 0;
+    std::vector<int> Descriptors; // opened by mistake, which closing would turn into harm
+};
+
 struct TMarks {
     std::mutex Mutex;
-    std::map<TFileKey, int> Files; // with the number of their marks
+    std::map<TFileKey, TMark> Files;
 };
 
 TMarks& Marks()
@@ -45,7 +52,7 @@ TFileGuard::TFileGuard(const std::filesystem::path& path) : FKey(KeyOf(path))
     if (FKey == TFileKey())
         return;
     const std::scoped_lock lock(Marks().Mutex);
-    ++Marks().Files[FKey];
+    ++Marks().Files[FKey].Count;
 }
 
 TFileGuard::~TFileGuard()
@@ -54,14 +61,25 @@ TFileGuard::~TFileGuard()
         return;
     const std::scoped_lock lock(Marks().Mutex);
     const auto mark = Marks().Files.find(FKey);
-    if (mark != Marks().Files.end() && --mark->second == 0)
-        Marks().Files.erase(mark);
+    if (mark == Marks().Files.end() || --mark->second.Count > 0)
+        return;
+    for (const int descriptor : mark->second.Descriptors)
+        ::close(descriptor);
+    Marks().Files.erase(mark);
 }
 
-bool IsGuardedFile(const std::filesystem::path& path)
+bool KeepIfGuarded(int descriptor, quint64 device, quint64 inode)
 {
-    if (IsMarked(path))
-        return true;
+    const std::scoped_lock lock(Marks().Mutex);
+    const auto mark = Marks().Files.find({device, inode});
+    if (mark == Marks().Files.end())
+        return false;
+    mark->second.Descriptors.push_back(descriptor);
+    return true;
+}
+
+bool IsGuardedJournal(const std::filesystem::path& path)
+{
     const std::string& name = path.native();
     for (const std::string_view suffix : {"-wal", "-shm", "-journal"}) {
         if (name.ends_with(suffix) && IsMarked(name.substr(0, name.size() - suffix.size())))
@@ -69,5 +87,7 @@ bool IsGuardedFile(const std::filesystem::path& path)
     }
     return false;
 }
+
+bool IsGuardedFile(const std::filesystem::path& path) { return IsMarked(path) || IsGuardedJournal(path); }
 
 } // namespace Kestrune

@@ -32,4 +32,10 @@ private:
 /// True for a marked file under any of its names, and for the journal files beside it. From any thread.
 bool IsGuardedFile(const std::filesystem::path& path);
 
+/// True for the journal files of a marked file; quick for any other name.
+bool IsGuardedJournal(const std::filesystem::path& path);
+
+/// True for an open descriptor of a marked file: it must then not be closed, and is kept until the mark is taken off.
+bool KeepIfGuarded(int descriptor, quint64 device, quint64 inode);
+
 } // namespace Kestrune

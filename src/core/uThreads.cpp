@@ -136,6 +136,14 @@ void TThread::WaitFor()
     FThread.join();
 }
 
+void TThread::WaitUnlessTerminated(std::chrono::milliseconds time)
+{
+    std::mutex mutex;
+    std::unique_lock lock(mutex);
+    // Wakes by the stop itself; nobody else knows this condition.
+    std::condition_variable_any().wait_for(lock, StopToken(), time, [] { return false; });
+}
+
 void TThread::Synchronize(const std::function<void()>& fn)
 {
     if (OnMainThread())

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <stop_token>
@@ -35,6 +36,8 @@ protected:
     /// The job. Must not let exceptions out: they end in the debug log.
     virtual void Execute() = 0;
     std::stop_token StopToken() const { return FStop.get_token(); }
+    /// Sleeps, on this thread, until the time is over or the job is asked to end.
+    void WaitUnlessTerminated(std::chrono::milliseconds time);
 
     /// Runs `fn` on the main thread and waits for its end. An exception of `fn` is thrown here.
     void Synchronize(const std::function<void()>& fn);

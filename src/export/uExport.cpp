@@ -3,6 +3,7 @@
 
 #include "uExport_p.h"
 #include "uFilePath.h"
+#include "uGuardedFiles.h"
 #include "uTHStrings.h"
 
 #include <QFile>
@@ -78,6 +79,8 @@ QString ExportFileFilter(TExportFormat format)
 bool WriteExport(TExportSource& source, TExportFormat format, const QString& path, const QString& title,
                  const TExportProgress& progress)
 {
+    if (IsGuardedFile(TextToPath(path)))
+        Fail(path, GetLanguageString(u"cSFileIsOpen"_s));
     const QString aside = path + u".part"_s;
     auto discard = qScopeGuard([&] { QFile::remove(aside); });
     QFile file(aside);

@@ -16,6 +16,8 @@ namespace {
 
 constexpr int ProgressBatch = 50;
 constexpr size_t ReleaseBatch = 20;
+constexpr std::chrono::seconds LongestLock(60);
+constexpr std::chrono::milliseconds LockPause(100);
 
 } // namespace
 
@@ -41,6 +43,8 @@ void TKRNImporter::Execute()
 
 void TKRNImporter::DoOnProgress(int position, int count, bool isRelease, const QString& currentItem)
 {
+    FPosition = position;
+    FCount = count;
     if (!FOnProgress)
         return;
     if (!FPendingLogItems.isEmpty())
@@ -121,12 +125,32 @@ bool TKRNImporter::IsWanted(const TVariant& releaseID) const
 void TKRNImporter::StoreRelease(const TAlbumRelease& release, bool assignNewNo)
 {
     const QString name = VarToStr(release[u"Artist"_s]) + u" - "_s + VarToStr(release[u"ReleaseName"_s]);
-    Synchronize([&, deliverErrors = TakeItemErrors()] {
+    const std::function<void()> store = [&, deliverErrors = TakeItemErrors()] {
         FDataModule.AddAlbumReleaseToDB(release, assignNewNo);
         deliverErrors();
         if (FOnReleaseStored)
             FOnReleaseStored(*this, FDataModule.LastAddedReleaseID(), name);
-    });
+    };
+    // The main thread must not wait for another program that holds the file, but this one may.
+    const auto deadline = std::chrono::steady_clock::now() + LongestLock;
+    for (bool told = false; !TryToStore(store, deadline); told = true) {
+        if (!told && FOnProgress)
+            Synchronize(
+                [&] { FOnProgress(*this, FPosition, FCount, false, GetLanguageString(u"cSImportWaitsForFile"_s)); });
+        WaitUnlessTerminated(LockPause);
+    }
+}
+
+bool TKRNImporter::TryToStore(const std::function<void()>& store, std::chrono::steady_clock::time_point deadline)
+{
+    try {
+        Synchronize(store);
+        return true;
+    } catch (const EDatabaseError& failure) {
+        if (!failure.IsLocked() || Terminated() || std::chrono::steady_clock::now() > deadline)
+            throw;
+        return false;
+    }
 }
 
 TKRNImporter::TControlsOff::TControlsOff(TKRNImporter& importer) : FImporter(importer)

@@ -8,6 +8,7 @@
 #include <QSet>
 #include <QString>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -104,6 +105,8 @@ protected:
     /// Collects what was passed over; it is delivered with the next call of the main thread.
     void DoOnItemError(const QString& item, const QString& error);
     void FlushPendingReleases();
+    /// Runs it on the main thread; false when another program holds the file and there is time left to try again.
+    bool TryToStore(const std::function<void()>& store, std::chrono::steady_clock::time_point deadline);
     void DoOnImportDone(int releasesCount, int tracksCount);
     /// An empty text becomes the sentence for a failure that told nothing.
     void DoOnError(const QString& error);
@@ -148,6 +151,8 @@ private:
     QSet<QString> FWanted; // the keys as texts
     std::shared_ptr<const TImportOptions> FJobOptions;
     std::vector<TReleaseFoundItem> FPendingReleases;
+    int FPosition = 0; // of the last progress
+    int FCount = 0;
     QString FPendingLogItems;
     std::vector<std::pair<QString, QString>> FPendingItemErrors;
     QString FInputPath;

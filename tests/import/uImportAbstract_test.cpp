@@ -84,6 +84,33 @@ using ImportFramework = Kit::TImportCollection;
 
 } // namespace
 
+TEST_F(ImportFramework, AnotherProgramThatHoldsTheFileIsWaitedForWithAWord)
+{
+    TSQLiteConnection other;
+    other.Open(FData.CurrentFile());
+    for (const bool cancelled : {false, true}) {
+        SCOPED_TRACE(cancelled);
+        TScriptedImporter importer(FData);
+        other.Exec(u"BEGIN IMMEDIATE"_s);
+        importer.Job = [&](TScriptedImporter& self) { self.Store(u"kept"_s); };
+        // The word comes while the worker waits: then the other program is done, or the user has had enough.
+        importer.SetOnProgress([&](TKRNImporter& self, int, int, bool, const QString& item) {
+            importer.Log += item;
+            if (cancelled)
+                self.Terminate();
+            else
+                other.Exec(u"ROLLBACK"_s);
+        });
+        importer.Run();
+        ASSERT_FALSE(importer.Log.isEmpty());
+        EXPECT_TRUE(importer.Log.front().startsWith(u"Another program"_s)) << importer.Log.front().toStdString();
+        EXPECT_EQ(importer.Log.filter(u"stored"_s).size(), cancelled ? 0 : 1);
+        if (cancelled)
+            other.Exec(u"ROLLBACK"_s);
+    }
+    EXPECT_EQ(FData.qReleasesMain.RecordCount(), 1);
+}
+
 TEST_F(ImportFramework, ListedReleasesAreDeliveredInBatches)
 {
     const struct {

@@ -3,6 +3,8 @@
 
 #include "uDefaults.h"
 #include "uFieldEditors.h"
+#include "uFilePath.h"
+#include "uGuardedFiles.h"
 #include "uHttpClient.h"
 #include "uLists.h"
 #include "uPrompt.h"
@@ -96,10 +98,18 @@ void TUpkeep::RegenerateThumbnails()
     FShell.Tell(FShell.Cancelled() ? bkWarning : bkDone, GetLanguageString(u"cSThumbnailsMade"_s).arg(made), {});
 }
 
+bool TUpkeep::IsOpenCollection(const QString& path)
+{
+    if (!IsGuardedFile(TextToPath(path)))
+        return false;
+    FShell.Tell(bkError, GetLanguageString(u"cSFileIsOpen"_s), path);
+    return true;
+}
+
 void TUpkeep::BackupSettings()
 {
     const QString path = FShell.Prompt().AskSaveFile(SettingsDialog(u"cSactBackupSettings"_s));
-    if (path.isEmpty())
+    if (path.isEmpty() || IsOpenCollection(path))
         return;
     Q_EMIT settingsNeeded();
     if (HasSettingsStore())
@@ -121,7 +131,7 @@ void TUpkeep::BackupSettings()
 void TUpkeep::RestoreSettingsBackup()
 {
     const QString path = FShell.Prompt().AskOpenFile(SettingsDialog(u"cSactRestoreSettings"_s));
-    if (path.isEmpty() || !HasSettingsStore())
+    if (path.isEmpty() || !HasSettingsStore() || IsOpenCollection(path))
         return;
     QFile file(path);
     const auto values = file.open(QIODevice::ReadOnly) ? ReadRegistryFile(file.readAll(), SettingsKey()) : std::nullopt;

@@ -40,6 +40,8 @@ Q_SIGNALS:
 private:
     void BindActions();
     void RegenerateThumbnails();
+    /// True, and told, for a file that must be neither read nor replaced while it is open.
+    bool IsOpenCollection(const QString& path);
     void BackupSettings();
     void RestoreSettingsBackup();
 
