@@ -4,6 +4,7 @@
 #include "dmMain.h"
 #include "uActions.h"
 #include "uDetailView.h"
+#include "uPrompt.h"
 #include "uSearch.h"
 #include "uSearchIndex.h"
 #include "uViewFilters.h"
@@ -27,7 +28,6 @@ class TServiceUpdaterForm;
 struct TSavedRelease;
 enum class TSearchArea : quint8;
 class TKRNImportForm;
-class TPrompt;
 
 /// Numbers of the views, as the setting CurrentView keeps them.
 enum class TMainView : int { mvThumbs, mvCards, mvShelf, mvAlbums, mvTracks };
@@ -69,10 +69,6 @@ struct TSavedFilter {
     QString Name;
     TFilterSet Set;
 };
-
-/// How a message bar looks: errors stay, done leaves by itself.
-enum class TBarKind : quint8 { bkError, bkWarning, bkDone };
-using enum TBarKind;
 
 /// What the window itself does at its place in the creation.
 struct TMainFormHooks {
