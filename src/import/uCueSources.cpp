@@ -3,6 +3,7 @@
 
 #include "uFolderNames.h"
 
+#include <QSet>
 #include <QStringList>
 
 #include <algorithm>
@@ -18,16 +19,6 @@ QString WithoutExtension(const QString& path) { return path.chopped(ExtensionOf(
 
 // How names are compared: without case, and with "/" whatever system the sheet was written on.
 QString Comparable(const QString& name) { return QString(name).replace(u'\\', u'/').toCaseFolded(); }
-
-// The start of the last track of a file, in seconds.
-double LastStart(const TCueSheet& sheet, const QString& fileName)
-{
-    double last = 0.0;
-    for (const TCueTrack& track : sheet.Tracks)
-        if (track.FileName == fileName)
-            last = std::max(last, track.StartSec);
-    return last;
-}
 
 } // namespace
 
@@ -63,49 +54,51 @@ const size_t* TCueSources::Find(const TIndex& index, const QString& name, const 
 }
 
 // A sheet that was left beside files which were already split would otherwise cut one of these.
-const size_t* TCueSources::FindOnlyOne(const QString& name, const TCueSheet& sheet, const TTaken& taken) const
+bool TCueSources::MayHold(size_t source, double lastStart) const
+{
+    return FSources[source].Seconds == 0 || lastStart < FSources[source].Seconds;
+}
+
+const size_t* TCueSources::FindOnlyOne(const QString& name) const
 {
     const auto kin = FByExtension.constFind(ExtensionOf(Comparable(name)));
     const std::vector<size_t>& candidates = kin != FByExtension.constEnd() ? *kin : FAll;
-    if (candidates.size() != 1 || taken.contains(candidates.front()))
-        return nullptr;
-    const int seconds = FSources[candidates.front()].Seconds;
-    return seconds == 0 || LastStart(sheet, name) < seconds ? &candidates.front() : nullptr;
+    return candidates.size() == 1 ? &candidates.front() : nullptr;
 }
 
-QHash<QString, size_t> TCueSources::Resolve(const TCueSheet& sheet) const
+QHash<QString, size_t> TCueSources::Resolve(const TCueNames& names, const QString& sheetFolder) const
 {
     QHash<QString, size_t> found;
-    TTaken taken;
-    QStringList missing;
-    QSet<QString> seen;
-    const QString folder = Comparable(sheet.Folder);
-    for (const TCueTrack& track : sheet.Tracks) {
-        if (seen.contains(track.FileName))
-            continue;
-        seen.insert(track.FileName);
-        if (const size_t* source = Find(FByName, Comparable(track.FileName), folder)) {
-            found.insert(track.FileName, *source);
-            taken.insert(*source);
-        } else {
-            missing += track.FileName;
-        }
+    QSet<size_t> taken;
+    const auto take = [&](const QString& name, size_t source) {
+        found.insert(name, source);
+        taken.insert(source);
+    };
+    const QString folder = Comparable(sheetFolder);
+    QStringList missing, nameless;
+    for (auto name = names.keyBegin(); name != names.keyEnd(); ++name) {
+        if (const size_t* source = Find(FByName, Comparable(*name), folder))
+            take(*name, *source);
+        else
+            missing += *name;
     }
     // A file that bears one name of the sheet is not taken for another name.
-    QStringList nameless;
+    const auto mayBe = [&](const size_t* source, const QString& name) {
+        return source && !taken.contains(*source) && MayHold(*source, names[name]);
+    };
+    missing.sort(); // the order of a hash is not the same twice
     for (const QString& name : std::as_const(missing)) {
         const size_t* source = Find(FByStem, WithoutExtension(Comparable(name)), folder);
-        if (source && !taken.contains(*source)) {
-            found.insert(name, *source);
-            taken.insert(*source);
-        } else {
+        if (mayBe(source, name))
+            take(name, *source);
+        else
             nameless += name;
-        }
     }
-    if (nameless.size() != 1)
-        return found;
-    if (const size_t* source = FindOnlyOne(nameless.front(), sheet, taken))
-        found.insert(nameless.front(), *source);
+    if (nameless.size() == 1) {
+        const size_t* source = FindOnlyOne(nameless.front());
+        if (mayBe(source, nameless.front()))
+            take(nameless.front(), *source);
+    }
     return found;
 }
 
