@@ -6,8 +6,8 @@
 #include "uFieldText.h"
 #include "uStarsEdit.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QLineEdit>
 #include <QPaintEvent>
