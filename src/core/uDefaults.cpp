@@ -4,7 +4,6 @@
 #include "uArticles.h"
 #include "uDebugLog.h"
 #include "uFilePath.h"
-#include "uObjs.h"
 #include "uProgramFiles.h"
 #include "uTHStrings.h"
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDictionaries.h"
 
-#include "uDefaults.h"
-
 #include <iterator>
 
 namespace Kestrune {
@@ -617,14 +615,14 @@ QString JoinItems(const char16_t* const (&items)[N])
 }
 
 constexpr TDictDef DictRows[] = {
-    {"Dict.Conditions", &TDefaults::Conditions, [] { return JoinItems(DefaultConditions); }},
-    {"Dict.MediaTypes", &TDefaults::MediaTypes, [] { return JoinItems(DefaultMediaTypes); }},
-    {"Dict.Channels", &TDefaults::Channels, [] { return JoinItems(DefaultChannels); }},
-    {"Dict.Locations", &TDefaults::Locations, [] { return JoinItems(DefaultLocations); }},
-    {"Dict.Genres", &TDefaults::Genres, [] { return JoinItems(DefaultGenres); }},
-    {"Dict.Statuses", &TDefaults::Statuses, [] { return JoinItems(DefaultStatuses); }},
-    {"Dict.Instruments", &TDefaults::Instruments, [] { return JoinItems(DefaultInstruments); }},
-    {"Dict.Packaging", &TDefaults::Packaging, [] { return JoinItems(DefaultPackaging); }},
+    {"Dict.Conditions", [] { return JoinItems(DefaultConditions); }},
+    {"Dict.MediaTypes", [] { return JoinItems(DefaultMediaTypes); }},
+    {"Dict.Channels", [] { return JoinItems(DefaultChannels); }},
+    {"Dict.Locations", [] { return JoinItems(DefaultLocations); }},
+    {"Dict.Genres", [] { return JoinItems(DefaultGenres); }},
+    {"Dict.Statuses", [] { return JoinItems(DefaultStatuses); }},
+    {"Dict.Instruments", [] { return JoinItems(DefaultInstruments); }},
+    {"Dict.Packaging", [] { return JoinItems(DefaultPackaging); }},
 };
 
 } // namespace

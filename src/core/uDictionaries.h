@@ -9,8 +9,6 @@
 
 namespace Kestrune {
 
-struct TDefaults;
-
 /// One suggestion list: multi-line text with items separated by CR LF, kept in the settings.
 struct TDict {
     QString Text;
@@ -21,10 +19,9 @@ struct TDict {
 };
 using PDict = TDict*;
 
-/// Where a dictionary lives: its settings key and the variable that holds it.
+/// The settings key of a dictionary and what it holds at first.
 struct TDictDef {
     const char* Key;
-    TDict TDefaults::*Variable;
     QString (*DefaultText)();
 };
 

@@ -68,6 +68,12 @@ TOEMInfo LoadOEMInfo(const QString& path)
     return info;
 }
 
+QStringList& PictureUserAgents()
+{
+    static QStringList agents{TOEMInfo().HTTPAgent};
+    return agents;
+}
+
 QString OEMInfoPath() { return ProgramFile(u"product.xml"_s); }
 
 } // namespace Kestrune

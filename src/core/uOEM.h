@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 namespace Kestrune {
 
@@ -30,6 +31,9 @@ struct TOEMInfo {
 /// Reads the product identity from an XML file whose root has an attribute per field. Fields whose attribute is
 /// absent keep their built-in value; a missing or malformed file leaves all of them.
 TOEMInfo LoadOEMInfo(const QString& path);
+
+/// The agents of which the download of pictures picks one per request.
+QStringList& PictureUserAgents();
 
 /// The product identity file in the program folder.
 QString OEMInfoPath();

@@ -209,12 +209,6 @@ void TAlbumRelease::DownloadAllPics(TCoverPictureTypes picTypes)
 
 void SetPictureFetcher(TPictureFetcherFactory factory) { FetcherFactory() = std::move(factory); }
 
-QStringList& PictureUserAgents()
-{
-    static QStringList agents{TOEMInfo().HTTPAgent};
-    return agents;
-}
-
 TVariant NormalizeCountry(const QString& text)
 {
     static const QStringList american{u"usa"_s, u"u.s."_s, u"u.s.a."_s, u"united states"_s};

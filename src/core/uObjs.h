@@ -191,9 +191,6 @@ using TPictureFetcherFactory = std::function<std::unique_ptr<TPictureFetcher>()>
 /// Installs what DownloadAllPics fetches with; without one nothing is fetched.
 void SetPictureFetcher(TPictureFetcherFactory factory);
 
-/// The agents of which DownloadAllPics picks one per request.
-QStringList& PictureUserAgents();
-
 /// Fills a release from a `release` element. Absent attributes leave what is there, but the Discogs number and the
 /// country, which they clear, and the number of discs, which becomes 1 when there is none. Unknown content is ignored.
 void LoadAlbumReleaseFromNode(TAlbumRelease& release, const TXmlElement& node);

@@ -16,6 +16,10 @@ struct TFileDialogRequest {
     QString FileName;
 };
 
+/// A sentence that needs no answer: errors and warnings stay until they are closed, what is done leaves by itself.
+enum class TBarKind : quint8 { bkError, bkWarning, bkDone };
+using enum TBarKind;
+
 /// How the logic speaks with the user. The window program shows dialogs, the command line prints, tests answer
 /// from a script. All calls come on the main thread.
 class TPrompt {

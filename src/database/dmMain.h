@@ -19,7 +19,12 @@
 namespace Kestrune {
 
 class TPrompt;
-struct TSearchText;
+
+/// What the search in everything knows of a release: all its texts, those of its tracks and its credits.
+struct TSearchText {
+    qint64 ReleaseId = 0;
+    QString Text;
+};
 
 /// By what a release is known to online services.
 struct TReleaseKeys {

@@ -14,12 +14,6 @@ namespace Kestrune {
 
 class TDataModuleMain;
 
-/// What an index holds of one release: all its texts, those of its tracks and its credits.
-struct TSearchText {
-    qint64 ReleaseId = 0;
-    QString Text;
-};
-
 /// A text without case and accents, with a blank between characters of scripts that write no blanks.
 QString FoldForSearch(const QString& text);
 

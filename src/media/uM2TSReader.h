@@ -2,6 +2,7 @@
 #pragma once
 
 #include "uByteReader.h"
+#include "uM2TSTables.h"
 
 #include <QByteArray>
 #include <QString>
@@ -13,16 +14,8 @@
 
 namespace Kestrune {
 
-enum class TM2TSCodec : quint8 { mcUnknown, mcLPCM, mcAC3, mcEAC3, mcDTS, mcDTSHD, mcTrueHD, mcMPEG, mcAAC };
-using enum TM2TSCodec;
-
 /// Short name of a codec for lists and the log.
 QString M2TSCodecName(TM2TSCodec codec);
-
-struct TM2TSStream {
-    quint16 PID = 0;
-    TM2TSCodec Codec = mcUnknown;
-};
 
 /// Reads the audio of an MPEG transport stream (ISO/IEC 13818-1) in packets of 188 bytes, or of 192 as on Blu-ray
 /// discs: its program tables, its codec, its length by time stamps, and the raw TrueHD and AC-3 streams.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uM2TSTables.h"
 
+#include "uByteReader.h"
+
 #include <algorithm>
 #include <functional>
 

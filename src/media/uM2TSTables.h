@@ -1,13 +1,19 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "uM2TSReader.h"
-
 #include <QByteArray>
 
 #include <vector>
 
 namespace Kestrune {
+
+enum class TM2TSCodec : quint8 { mcUnknown, mcLPCM, mcAC3, mcEAC3, mcDTS, mcDTSHD, mcTrueHD, mcMPEG, mcAAC };
+using enum TM2TSCodec;
+
+struct TM2TSStream {
+    quint16 PID = 0;
+    TM2TSCodec Codec = mcUnknown;
+};
 
 /// Gathers the program association and program map tables (ISO/IEC 13818-1, section 2.4.4) from packets as they come.
 class TM2TSTables {

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frmImport.h"
-#include "frmMain.h"
 #include "uFieldText.h"
 #include "uImportRun.h"
 #include "uPrompt.h"

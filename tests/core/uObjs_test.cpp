@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDefaults.h"
+#include "uOEM.h"
 #include "uObjs.h"
 #include "uTestFiles.h"
 #include "uXml.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uEmptyPage.h"
+#include "uFileDialogs.h"
 #include "uFilterBar.h"
 #include "uGalleryData.h"
 #include "uKeyTips.h"

@@ -59,10 +59,10 @@ TEST(StarsEdit, MouseHalvesAndKeys)
 
 TEST(DetailPane, CoverTakesAtMostTwoFifthsAndKeepsItsProportions)
 {
-    EXPECT_EQ(TDetailPane::CoverSize({600, 600}, 318, 1000), QSize(318, 318));
-    EXPECT_EQ(TDetailPane::CoverSize({600, 600}, 318, 500), QSize(200, 200));
-    EXPECT_EQ(TDetailPane::CoverSize({600, 300}, 318, 500), QSize(318, 159));
-    EXPECT_EQ(TDetailPane::CoverSize({}, 318, 500), QSize(1, 1));
+    EXPECT_EQ(TDetailHead::CoverSize({600, 600}, 318, 1000), QSize(318, 318));
+    EXPECT_EQ(TDetailHead::CoverSize({600, 600}, 318, 500), QSize(200, 200));
+    EXPECT_EQ(TDetailHead::CoverSize({600, 300}, 318, 500), QSize(318, 159));
+    EXPECT_EQ(TDetailHead::CoverSize({}, 318, 500), QSize(1, 1));
 }
 
 TEST(DetailPane, ShowsSectionsInOrderAndRemembersTheFoldedOnes)

@@ -98,10 +98,20 @@ struct TCut {
     std::vector<size_t> Sources; // which of the scanned tracks these are parts of
 };
 
+TCueNames NamesIn(const TCueSheet& sheet)
+{
+    TCueNames names;
+    for (const TCueTrack& track : sheet.Tracks) {
+        double& lastStart = names[track.FileName];
+        lastStart = std::max(lastStart, track.StartSec);
+    }
+    return names;
+}
+
 TCut CutBySheet(const TCueSheet& sheet, const TCueSources& sources, const TKRN_MP3_Tracks& scanned)
 {
     TCut cut;
-    const QHash<QString, size_t> files = sources.Resolve(sheet);
+    const QHash<QString, size_t> files = sources.Resolve(NamesIn(sheet), sheet.Folder);
     for (size_t i = 0; i < sheet.Tracks.size(); ++i) {
         const auto source = files.constFind(sheet.Tracks[i].FileName);
         if (source == files.constEnd() || *source >= scanned.size())

@@ -20,17 +20,6 @@ QString WithoutExtension(const QString& path) { return path.chopped(ExtensionOf(
 // How names are compared: without case, and with "/" whatever system the sheet was written on.
 QString Comparable(const QString& name) { return QString(name).replace(u'\\', u'/').toCaseFolded(); }
 
-// The start of the last track of each file, in seconds.
-QHash<QString, double> LastStarts(const TCueSheet& sheet)
-{
-    QHash<QString, double> starts;
-    for (const TCueTrack& track : sheet.Tracks) {
-        double& last = starts[track.FileName];
-        last = std::max(last, track.StartSec);
-    }
-    return starts;
-}
-
 } // namespace
 
 TCueSources::TCueSources(std::vector<TCueSource> sources) : FSources(std::move(sources))
@@ -77,7 +66,7 @@ const size_t* TCueSources::FindOnlyOne(const QString& name) const
     return candidates.size() == 1 ? &candidates.front() : nullptr;
 }
 
-QHash<QString, size_t> TCueSources::Resolve(const TCueSheet& sheet) const
+QHash<QString, size_t> TCueSources::Resolve(const TCueNames& names, const QString& sheetFolder) const
 {
     QHash<QString, size_t> found;
     QSet<size_t> taken;
@@ -85,10 +74,9 @@ QHash<QString, size_t> TCueSources::Resolve(const TCueSheet& sheet) const
         found.insert(name, source);
         taken.insert(source);
     };
-    const QString folder = Comparable(sheet.Folder);
-    const QHash<QString, double> lastStarts = LastStarts(sheet);
+    const QString folder = Comparable(sheetFolder);
     QStringList missing, nameless;
-    for (auto name = lastStarts.keyBegin(); name != lastStarts.keyEnd(); ++name) {
+    for (auto name = names.keyBegin(); name != names.keyEnd(); ++name) {
         if (const size_t* source = Find(FByName, Comparable(*name), folder))
             take(*name, *source);
         else
@@ -96,7 +84,7 @@ QHash<QString, size_t> TCueSources::Resolve(const TCueSheet& sheet) const
     }
     // A file that bears one name of the sheet is not taken for another name.
     const auto mayBe = [&](const size_t* source, const QString& name) {
-        return source && !taken.contains(*source) && MayHold(*source, lastStarts[name]);
+        return source && !taken.contains(*source) && MayHold(*source, names[name]);
     };
     missing.sort(); // the order of a hash is not the same twice
     for (const QString& name : std::as_const(missing)) {

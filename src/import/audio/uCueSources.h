@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "uCueSheet.h"
-
 #include <QHash>
 #include <QString>
 
@@ -16,16 +14,19 @@ struct TCueSource {
     int Seconds = 0; ///< 0 unknown
 };
 
+/// The files that a sheet names, each with the start in seconds of the last track that lies in it.
+using TCueNames = QHash<QString, double>;
+
 /// Finds the files that cue sheets name among those of a folder or image.
 class TCueSources {
 public:
     explicit TCueSources(std::vector<TCueSource> sources);
 
-    /// The index of the source for each file name of the sheet's tracks that has one. A name is looked for as it
-    /// stands, by its last component, and without its extension, since sheets often name the file before its
+    /// The index of the source for each name that has one. A name is looked for as it stands, also below the folder of
+    /// its sheet, by its last component, and without its extension, since sheets often name the file before its
     /// conversion. What is then still nameless is the only file of its extension or the only file at all, if it is long
     /// enough.
-    QHash<QString, size_t> Resolve(const TCueSheet& sheet) const;
+    QHash<QString, size_t> Resolve(const TCueNames& names, const QString& sheetFolder = {}) const;
 
 private:
     using TIndex = QHash<QString, size_t>;

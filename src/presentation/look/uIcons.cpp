@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uIcons.h"
 
-#include "uThemeStyle.h"
+#include "uTheme.h"
 
 #include <QFile>
 #include <QHash>

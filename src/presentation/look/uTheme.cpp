@@ -25,6 +25,12 @@ constexpr std::array<QRgb, 8> LightGrounds = {0xFFDDD3C4, 0xFFCFDAD3, 0xFFD3D7E0
 constexpr std::array<QRgb, 8> DarkGrounds = {0xFF3D3730, 0xFF2F3A35, 0xFF32363F, 0xFF40312F,
                                              0xFF383A2B, 0xFF39323E, 0xFF2D393C, 0xFF403828};
 
+const TTheme*& ThemeInForce()
+{
+    static const TTheme* theme = nullptr;
+    return theme;
+}
+
 void SetGrounds(TTheme& theme, const std::array<QRgb, 8>& grounds)
 {
     std::transform(grounds.begin(), grounds.end(), theme.CoverGrounds.begin(), [](QRgb c) { return QColor(c); });
@@ -148,6 +154,14 @@ TThemeKind ThemeKindFor(int themeIndex, const TDesktopLook& desktop)
         return desktop.HighContrast ? tkDarkContrast : tkDark;
     return desktop.HighContrast ? tkLightContrast : tkLight;
 }
+
+const TTheme& CurrentTheme()
+{
+    static const TTheme plain = MakeTheme(tkLight, 0);
+    return ThemeInForce() ? *ThemeInForce() : plain;
+}
+
+void SetCurrentTheme(const TTheme* theme) { ThemeInForce() = theme; }
 
 QPalette MakePalette(const TTheme& t)
 {

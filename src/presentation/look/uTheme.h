@@ -52,6 +52,12 @@ TTheme MakeTheme(TThemeKind kind, int accentIndex);
 /// Kind for a ThemeIndex: 0 light, 1 dark, 2 and 3 the same with high contrast, everything else follows the desktop.
 TThemeKind ThemeKindFor(int themeIndex, const TDesktopLook& desktop);
 
+/// The theme that own painting uses: the one in force, plain light before there is one.
+const TTheme& CurrentTheme();
+
+/// Puts a theme, which must live as long, in force; null is plain light.
+void SetCurrentTheme(const TTheme* theme);
+
 /// The palette that carries the look to Qt's own widgets.
 QPalette MakePalette(const TTheme& theme);
 

@@ -42,6 +42,26 @@ void RoundMenuCorners(QWidget* menu)
 
 TThemeStyle::TThemeStyle(const TTheme& theme) : QProxyStyle(u"Fusion"_s), FTheme(theme) {}
 
+TThemeStyle::~TThemeStyle() { Leave(); }
+
+void TThemeStyle::Leave()
+{
+    if (&CurrentTheme() == &FTheme)
+        SetCurrentTheme(nullptr);
+}
+
+void TThemeStyle::polish(QApplication* application)
+{
+    SetCurrentTheme(&FTheme);
+    QProxyStyle::polish(application);
+}
+
+void TThemeStyle::unpolish(QApplication* application)
+{
+    Leave();
+    QProxyStyle::unpolish(application);
+}
+
 void TThemeStyle::SetTheme(const TTheme& theme)
 {
     FTheme = theme;
@@ -208,14 +228,6 @@ QIcon TThemeStyle::standardIcon(StandardPixmap standard, const QStyleOption* opt
     case SP_LineEditClearButton: return ThemeIcon(u"x"_s);
     default: return QProxyStyle::standardIcon(standard, option, widget);
     }
-}
-
-const TTheme& CurrentTheme()
-{
-    if (const auto* style = qobject_cast<const TThemeStyle*>(QApplication::style()))
-        return style->Theme();
-    static const TTheme plain = MakeTheme(tkLight, 0);
-    return plain;
 }
 
 } // namespace Kestrune

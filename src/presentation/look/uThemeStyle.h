@@ -8,12 +8,13 @@
 namespace Kestrune {
 
 /// The look of all standard widgets: buttons, fields, check boxes, tabs, headers, scroll bars, menus, splitters and
-/// the focus ring over Qt's Fusion style, in the colours of a TTheme. It holds the theme that own painting reads
-/// through CurrentTheme().
+/// the focus ring over Qt's Fusion style, in the colours of a TTheme. Its theme is the
+/// current one while it is the application's style.
 class TThemeStyle : public QProxyStyle {
     Q_OBJECT
 public:
     explicit TThemeStyle(const TTheme& theme);
+    ~TThemeStyle() override;
 
     const TTheme& Theme() const { return FTheme; }
     /// Replaces the theme, sets the application's palette and repaints every widget.
@@ -22,6 +23,8 @@ public:
     void SetReducedMotion(bool reduced) { FReducedMotion = reduced; }
 
     QPalette standardPalette() const override;
+    void polish(QApplication* application) override;
+    void unpolish(QApplication* application) override;
     void polish(QWidget* widget) override;
     void unpolish(QWidget* widget) override;
     using QProxyStyle::polish;
@@ -44,6 +47,7 @@ public:
     QIcon standardIcon(StandardPixmap standard, const QStyleOption* option, const QWidget* widget) const override;
 
 private:
+    void Leave();
     void DrawButtonPanel(const QStyleOption* option, QPainter* painter) const;
     void DrawFieldPanel(const QStyleOption* option, QPainter* painter, bool focused) const;
     void DrawCheckBox(const QStyleOption* option, QPainter* painter) const;
@@ -62,8 +66,5 @@ private:
     TTheme FTheme;
     bool FReducedMotion = false;
 };
-
-/// The theme in use: that of the application's style, or plain light before the style is installed.
-const TTheme& CurrentTheme();
 
 } // namespace Kestrune

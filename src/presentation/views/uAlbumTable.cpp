@@ -3,8 +3,8 @@
 
 #include "uIcons.h"
 #include "uReleaseRoles.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QApplication>
 #include <QHoverEvent>

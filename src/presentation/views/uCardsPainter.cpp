@@ -3,8 +3,8 @@
 
 #include "uCoverCache.h"
 #include "uReleaseRoles.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 #include "uTileParts.h"
 
 #include <QFontMetrics>

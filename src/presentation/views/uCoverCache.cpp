@@ -4,7 +4,7 @@
 #include "uCoverArt.h"
 #include "uDebugLog.h"
 #include "uReleaseRoles.h"
-#include "uThemeStyle.h"
+#include "uTheme.h"
 
 #include <cmath>
 

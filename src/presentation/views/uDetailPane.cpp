@@ -6,8 +6,8 @@
 #include "uFieldText.h"
 #include "uStarsEdit.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QLineEdit>
 #include <QPaintEvent>
@@ -24,7 +24,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int ColumnWidth = 300;
-constexpr double CoverShare = 0.40;
 
 } // namespace
 
@@ -49,14 +48,6 @@ TDetailPane::TDetailPane(QWidget* parent) : QScrollArea(parent), FContent(new QW
 }
 
 TDetailPane::~TDetailPane() = default;
-
-QSize TDetailPane::CoverSize(const QSize& picture, int width, int paneHeight)
-{
-    const int high = std::max(1, static_cast<int>(paneHeight * CoverShare));
-    if (picture.isEmpty() || width <= 0)
-        return {1, 1};
-    return picture.scaled(width, high, Qt::KeepAspectRatio).expandedTo({1, 1});
-}
 
 void TDetailPane::SetData(TDetailData detail)
 {

@@ -58,9 +58,6 @@ public:
     /// Ids of the folded sections, to be remembered.
     QStringList Folded() const { return {FFolded.cbegin(), FFolded.cend()}; }
     void SetFolded(const QStringList& ids);
-    /// Height of the cover for a height of the pane and a picture: at most 40 %, proportions kept, never wider than
-    /// `width`.
-    static QSize CoverSize(const QSize& picture, int width, int paneHeight);
 
 Q_SIGNALS:
     void ratingChosen(int halfStars);

@@ -2,13 +2,12 @@
 #include "uDetailParts.h"
 
 #include "uCoverArt.h"
-#include "uDetailPane.h"
 #include "uIcons.h"
 #include "uRibbonButton.h"
 #include "uStarsEdit.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -34,6 +33,7 @@ constexpr int MostLabelWidth = 170;
 constexpr int PictureSide = 64;
 constexpr int PictureGap = 8;
 constexpr int LargestCover = 640;
+constexpr double CoverShare = 0.40; // of the height of the pane
 
 class TBlockHeading : public QAbstractButton {
 public:
@@ -129,10 +129,18 @@ void TDetailHead::SetNote(const QString& note)
     update();
 }
 
+QSize TDetailHead::CoverSize(const QSize& picture, int width, int paneHeight)
+{
+    const int high = std::max(1, static_cast<int>(paneHeight * CoverShare));
+    if (picture.isEmpty() || width <= 0)
+        return {1, 1};
+    return picture.scaled(width, high, Qt::KeepAspectRatio).expandedTo({1, 1});
+}
+
 int TDetailHead::ArrangeFor(int width, int paneHeight)
 {
     const QSize picture = FPicture.isNull() ? QSize(1, 1) : FPicture.size();
-    const QSize cover = TDetailPane::CoverSize(picture, width - 2 * PanePadding, paneHeight);
+    const QSize cover = CoverSize(picture, width - 2 * PanePadding, paneHeight);
     FCoverRect = QRect(QPoint((width - cover.width()) / 2, PanePadding), cover);
     FTextTop = FCoverRect.bottom() + 1 + 10;
     int y = FTextTop + LineHeight(ThemeFont(fsPaneTitle)) + LineHeight(ThemeFont(fsBody)) + 5;

@@ -29,6 +29,9 @@ public:
     /// Lays the parts out for a width and the height of the pane; returns the height that it takes.
     int ArrangeFor(int width, int paneHeight);
     TStarsEdit* Stars() { return FStars; }
+    /// Height of the cover for a height of the pane and a picture: at most 40 %, proportions kept, never wider than
+    /// `width`.
+    static QSize CoverSize(const QSize& picture, int width, int paneHeight);
     /// In the place of stars and buttons: a pill with a short text, as for a release that is not in the collection.
     void SetNote(const QString& note);
 

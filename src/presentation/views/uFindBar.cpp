@@ -3,8 +3,8 @@
 
 #include "uRibbonButton.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>

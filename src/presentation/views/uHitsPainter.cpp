@@ -5,8 +5,8 @@
 #include "uHitsModel.h"
 #include "uIcons.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 #include "uTileParts.h"
 
 #include <QFontMetrics>

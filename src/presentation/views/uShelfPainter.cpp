@@ -5,8 +5,8 @@
 #include "uCoverCache.h"
 #include "uDefaults.h"
 #include "uReleaseRoles.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 #include "uTileParts.h"
 
 #include <QAbstractItemModel>

@@ -6,8 +6,8 @@
 #include "uIcons.h"
 #include "uReleaseRoles.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QAccessible>
 #include <QMouseEvent>

@@ -5,8 +5,8 @@
 #include "uIcons.h"
 #include "uReleaseRoles.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 #include "uTileParts.h"
 
 #include <QFontMetrics>

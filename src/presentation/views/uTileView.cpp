@@ -2,7 +2,7 @@
 #include "uTileView.h"
 
 #include "uReleaseRoles.h"
-#include "uThemeStyle.h"
+#include "uTheme.h"
 #include "uTilePainter.h"
 
 #include <QAccessible>

@@ -4,8 +4,8 @@
 #include "uDefaults.h"
 #include "uRibbonButton.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QHBoxLayout>
 #include <QPainter>

@@ -18,6 +18,9 @@ QString ChooseOpenFile(QWidget* parent, const TFileDialogRequest& request);
 QString ChooseSaveFile(QWidget* parent, const TFileDialogRequest& request);
 QString ChooseFolder(QWidget* parent, const QString& title, const QString& folder);
 
+/// "Name (*.x)|*.x|All files (*.*)|*.*" in the form of Qt's dialogs: "Name (*.x);;All files (*)".
+QString QtFilterOf(const QString& filter);
+
 /// Calls back while a dialog is open, now and then, and when one has closed: dialogs of the toolkit that are not ours
 /// may have looked into files. Main thread.
 class TDialogWatch final : public QObject {

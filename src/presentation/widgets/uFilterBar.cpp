@@ -5,8 +5,8 @@
 #include "uRibbonButton.h"
 #include "uSegments.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QFontMetrics>
 #include <QHBoxLayout>

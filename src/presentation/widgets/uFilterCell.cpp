@@ -3,8 +3,8 @@
 
 #include "uIcons.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QAbstractItemView>
 #include <QAction>

@@ -4,8 +4,8 @@
 #include "uRibbonButton.h"
 #include "uSegments.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QAbstractButton>
 #include <QKeyEvent>

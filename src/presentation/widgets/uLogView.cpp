@@ -2,8 +2,8 @@
 #include "uLogView.h"
 
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QScrollBar>
 #include <QTextBlock>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "uShell.h"
+#include "uPrompt.h"
 
 #include <QStringList>
 #include <QWidget>

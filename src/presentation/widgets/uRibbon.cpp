@@ -6,8 +6,8 @@
 #include "uRibbonButton.h"
 #include "uSearchBox.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QAction>
 #include <QApplication>

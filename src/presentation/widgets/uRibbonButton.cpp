@@ -2,8 +2,8 @@
 #include "uRibbonButton.h"
 
 #include "uIcons.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QAction>
 #include <QActionEvent>

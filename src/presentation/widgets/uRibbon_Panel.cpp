@@ -3,8 +3,8 @@
 #include "uRibbon.h"
 #include "uRibbonButton.h"
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QAction>
 #include <QEvent>

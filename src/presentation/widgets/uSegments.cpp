@@ -3,8 +3,8 @@
 
 #include "uIcons.h"
 #include "uRibbonButton.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QAbstractButton>
 #include <QAction>

@@ -2,8 +2,8 @@
 #include "uStarsEdit.h"
 
 #include "uTHStrings.h"
+#include "uTheme.h"
 #include "uThemePaint.h"
-#include "uThemeStyle.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

@@ -25,7 +25,4 @@ private:
     QPointer<QWidget> FWindow;
 };
 
-/// "Name (*.x)|*.x|All files (*.*)|*.*" in the form of Qt's dialogs: "Name (*.x);;All files (*)".
-QString QtFilterOf(const QString& filter);
-
 } // namespace Kestrune

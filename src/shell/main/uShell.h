@@ -2,6 +2,7 @@
 #pragma once
 
 #include "uActions.h"
+#include "uPrompt.h"
 
 #include <QObject>
 #include <QString>
@@ -13,11 +14,6 @@
 namespace Kestrune {
 
 class TDataModuleMain;
-class TPrompt;
-
-/// How a message bar looks: errors stay, done leaves by itself.
-enum class TBarKind : quint8 { bkError, bkWarning, bkDone };
-using enum TBarKind;
 
 /// What all features of the main window share: the collection, the actions, the one word on who is busy, jobs, bars and
 /// the windows that they ask for. Main thread.
