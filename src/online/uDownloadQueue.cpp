@@ -47,11 +47,12 @@ int TThreadRunner::GetCount() const
 
 void TThreadRunner::Run()
 {
-    if (FRunningThreadsCount > 0)
-        return;
-    FAllThreadsFinished = false;
-    if (OnStarted)
-        OnStarted();
+    // What runs may hang: free places are given away now and not when the next thread ends.
+    if (FRunningThreadsCount == 0) {
+        FAllThreadsFinished = false;
+        if (OnStarted)
+            OnStarted();
+    }
     StartNext();
 }
 

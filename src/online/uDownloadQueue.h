@@ -32,7 +32,7 @@ public:
     void AddThread(std::unique_ptr<TThread> thread);
     /// Threads that run or wait.
     int GetCount() const;
-    /// Starts the threads of the list; nothing while some run already, which then are followed by the new ones.
+    /// Starts the threads of the list as far as there is room; the others follow when one ends.
     void Run();
     /// Asks all threads to end, also those that wait.
     void Terminate();

@@ -158,10 +158,27 @@ TEST_F(QueueTest, JobsAddedWhileOthersRunAreStartedByThem)
     Add(u"/1"_s, 1);
     Queue->Run();
     Add(u"/2"_s, 2);
-    Queue->Run(); // does nothing
+    Queue->Run(); // there is no room
     Loop.exec();
     EXPECT_EQ(Receiver.Got.size(), 2U);
     EXPECT_EQ(Events, (QStringList{u"started"_s, u"finished"_s}));
+}
+
+TEST_F(QueueTest, AJobStartsAtOnceBesideOneThatHangs)
+{
+    Server.Serve("/hangs", {.SilentAfter = true});
+    Server.Serve("/quick", {.Body = "x"});
+    Add(u"/hangs"_s, 1);
+    Queue->Run();
+    Add(u"/quick"_s, 2);
+    Queue->Run();
+    while (Receiver.Got.empty() && Queue->GetCount() == 2)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    ASSERT_EQ(Receiver.Got.size(), 1U);
+    EXPECT_EQ(Receiver.Got[0].Number, 2);
+    EXPECT_EQ(Events, (QStringList{u"started"_s}));
+    Queue->Terminate();
+    Loop.exec();
 }
 
 TEST_F(QueueTest, TerminateEndsRunningAndWaitingJobsWithoutAMessage)
