@@ -22,16 +22,6 @@ namespace {
 constexpr int SimultaneousDownloads = 5;
 constexpr int MostBarcodes = 500; // a tab each
 
-// A code that was scanned or copied with blanks or hyphens between its digits.
-QString CleanBarcode(const QString& line)
-{
-    QString code = line.trimmed();
-    QString digits = code;
-    digits.removeIf([](QChar c) { return c.isSpace() || c == u'-'; });
-    const bool onlyDigits = std::ranges::all_of(digits, [](QChar c) { return c >= u'0' && c <= u'9'; });
-    return onlyDigits ? digits : code;
-}
-
 } // namespace
 
 TAddMusicForm::TAddMusicForm(TInfoGrabber& grabber, TDataModuleMain& data, TPrompt& prompt)
