@@ -87,6 +87,13 @@ TDownloadFailure FailureOf(CURLcode code)
     }
 }
 
+// In place of the library's words for a sink that takes no more.
+QString TooLargeReason(const THttpRequest& request)
+{
+    return u"the answer is too large: more than %1 bytes"_s.arg(request.MaxBytes > 0 ? request.MaxBytes
+                                                                                     : LargestRedirect);
+}
+
 bool IsLegalInURL(unsigned char c)
 {
     constexpr char others[] = "!#$%&'()*+,-./:;=?@[]_~";
@@ -462,6 +469,8 @@ THttpAnswer THttpClient::Transfer(const THttpRequest& request, const TSink& sink
         answer.Reason = code == CURLE_OK
                             ? u"%1 %2"_s.arg(status).arg(answer.StatusText)
                             : QString::fromUtf8(transfer->Error[0] ? transfer->Error : curl_easy_strerror(code));
+    if (answer.Failure == dfTooLarge)
+        answer.Reason = TooLargeReason(request);
     char* location = nullptr;
     curl_easy_getinfo(easy, CURLINFO_REDIRECT_URL, &location);
     if (code == CURLE_OK && location && transfer->IsRedirect())

@@ -157,6 +157,7 @@ TEST_P(DownloaderTest, TellsWhyARequestBroughtNothing)
         EXPECT_EQ(Transport->Answer().Status, row.Status);
         EXPECT_EQ(type, GetParam().Major < 10 ? row.Type : detHTTPError) << "one kind for the platform's transport";
         EXPECT_FALSE(Transport->Answer().Reason.isEmpty());
+        EXPECT_EQ(Transport->Answer().Reason.startsWith(u"the answer is too large"_s), row.Failure == dfTooLarge);
     }
     Transport->SetErrorEvent({});
     EXPECT_FALSE(Get(u"file:///etc/passwd"_s));
