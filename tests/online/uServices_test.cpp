@@ -739,6 +739,27 @@ TEST(ServicesDiscogs, LargeSetsStayWithinTheBoundsOfATransformation)
     EXPECT_EQ(found[0]->Credits.size(), 40U);
 }
 
+TEST(ServicesDiscogs, LongListsOfRolesKeepTheRecord)
+{
+    QByteArray roles, bracketed;
+    for (int i = 1; i <= 2000; ++i)
+        roles += (i > 1 ? ", R" : "R") + QByteArray::number(i);
+    for (int i = 1; i <= 500; ++i)
+        bracketed += (i > 1 ? ", G" : "G") + QByteArray::number(i) + " [a, b]";
+    const std::pair<QByteArray, size_t> rows[] = {
+        {roles.left(roles.indexOf(", R401")), 400}, {roles, 2000}, {bracketed, 500}, {"Open [" + roles, 1}};
+    for (const auto& [role, credits] : rows) {
+        const auto found =
+            Loaded(RecordOf(u"discogs"_s),
+                   R"({"id":1,"title":"t","tracklist":[],"extraartists":[{"name":"N","role":")" + role + R"("}]})");
+        ASSERT_EQ(found.size(), 1U) << credits;
+        EXPECT_EQ(found[0]->Credits.size(), credits);
+        EXPECT_EQ(
+            found[0]->Credits.back().Credit,
+            QString::fromUtf8(credits == 1 ? role : role.mid(role.lastIndexOf(credits == 500 ? ", G" : ", R") + 2)));
+    }
+}
+
 // Last.fm
 
 TEST(ServicesLastFm, HitsOfBothSearches)
