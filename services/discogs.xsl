@@ -163,13 +163,18 @@
       </xsl:choose>
     </xsl:if>
     <xsl:value-of select="$comma"/>
-    <xsl:if test="$rest != ''">
-      <xsl:call-template name="plain-name">
-        <xsl:with-param name="name" select="$rest"/>
-        <xsl:with-param name="stars" select="$stars"/>
-        <xsl:with-param name="isFirst" select="false()"/>
-      </xsl:call-template>
-    </xsl:if>
+    <xsl:choose>
+      <xsl:when test="string-length($rest) &gt; 500"> <!-- no name -->
+        <xsl:value-of select="concat(' ', $rest)"/>
+      </xsl:when>
+      <xsl:when test="$rest != ''">
+        <xsl:call-template name="plain-name">
+          <xsl:with-param name="name" select="$rest"/>
+          <xsl:with-param name="stars" select="$stars"/>
+          <xsl:with-param name="isFirst" select="false()"/>
+        </xsl:call-template>
+      </xsl:when>
+    </xsl:choose>
   </xsl:template>
 
   <!-- Several artists with the words between them. The plain name is taken and not its variant (`anv`), so that one

@@ -155,7 +155,7 @@
     <xsl:param name="text"/>
     <xsl:value-of select="translate(substring($text, 1, 1), $lower, $upper)"/>
     <xsl:choose>
-      <xsl:when test="contains($text, ' ')">
+      <xsl:when test="contains($text, ' ') and string-length($text) &lt; 500">
         <xsl:value-of select="concat(substring(substring-before($text, ' '), 2), ' ')"/>
         <xsl:call-template name="capitalised">
           <xsl:with-param name="text" select="substring-after($text, ' ')"/>

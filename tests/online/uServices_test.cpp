@@ -760,6 +760,18 @@ TEST(ServicesDiscogs, LongListsOfRolesKeepTheRecord)
     }
 }
 
+TEST(Services, NamesOfAThousandWordsKeepTheRecord)
+{
+    const QByteArray name = QByteArray("w ").repeated(1000) + 'w';
+    const std::pair<const char16_t*, QByteArray> rows[] = {
+        {u"discogs", R"({"id":1,"title":"t","tracklist":[],"artists":[{"name":"NAME"}],"labels":[{"name":"NAME"}]})"},
+        {u"lastfm", R"({"album":{"name":"t","artist":"a","tags":{"tag":[{"name":"NAME"}]}}})"},
+        {u"musicbrainz", Brainz("<release id='r'><genre-list><genre><name>NAME</name></genre></genre-list></release>")},
+    };
+    for (const auto& [service, answer] : rows)
+        EXPECT_EQ(Loaded(RecordOf(QString::fromUtf16(service)), QByteArray(answer).replace("NAME", name)).size(), 1U);
+}
+
 // Last.fm
 
 TEST(ServicesLastFm, HitsOfBothSearches)
