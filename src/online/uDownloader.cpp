@@ -87,6 +87,7 @@ TDownloaderErrorType ErrorTypeOf(TDownloadFailure failure)
     case dfNoHost:
     case dfNoConnection: return detHostUnrachable;
     case dfTimeout:
+    case dfTooSlow:
     case dfCutOff: return detConnectionLost;
     default: return detHTTPError;
     }

@@ -241,6 +241,7 @@ void TAddMusicForm::SetReason(TServiceStatus& status, const TJobReport& report, 
     case dfTimeout:
         status.Reason = text(u"cSReasonTimeout", QString::number(NetworkSettings().ResponseTimeout / 1000));
         break;
+    case dfTooSlow: status.Reason = text(u"cSReasonTooSlow"); break;
     case dfNoHost: status.Reason = text(u"cSReasonNoHost"); break;
     case dfNoConnection: status.Reason = text(u"cSReasonNoConnection"); break;
     case dfCutOff: status.Reason = text(u"cSReasonCutOff"); break;

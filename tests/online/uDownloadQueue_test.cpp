@@ -181,6 +181,24 @@ TEST_F(QueueTest, AJobStartsAtOnceBesideOneThatHangs)
     Loop.exec();
 }
 
+TEST_F(QueueTest, ADripDoesNotHoldUpTheOthersOfItsHost)
+{
+    HostLimiter().SetPatience(std::chrono::milliseconds(50));
+    HostLimiter().SetPace(u"127.0.0.1"_s, 10);
+    Server.Serve("/drip", {.Body = QByteArray(100000, 'd'), .DripMs = 20});
+    Server.Serve("/quick", {.Body = "x"});
+    for (int i = 0; i < 3; ++i)
+        Add(i == 0 ? u"/drip"_s : u"/quick?%1"_s.arg(i), i);
+    Queue->Run();
+    while (Receiver.Got.size() < 2 && Queue->GetCount() > 1)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_EQ(Receiver.Got.size(), 2U);
+    EXPECT_EQ(Queue->GetCount(), 1);
+    Queue->Terminate();
+    Loop.exec();
+    HostLimiter().SetPatience(THostLimiter::DefaultPatience);
+}
+
 TEST_F(QueueTest, TerminateEndsRunningAndWaitingJobsWithoutAMessage)
 {
     Server.SetHandler([](const Kit::TWebRequest&) { return Kit::TWebAnswer{.Body = "x", .SilentAfter = true}; });
