@@ -159,6 +159,35 @@ TEST(XSLTranformation, NeitherFilesNorNetworkNorEndlessWork)
     EXPECT_FALSE(QFile::exists(QString::fromUtf8(target)));
 }
 
+TEST(XSLTranformation, CompilingIsBoundedToo)
+{
+    const auto many = [](int count, const QByteArray& one) {
+        QByteArray all;
+        for (int i = 0; i < count; ++i)
+            all += QByteArray(one).replace("#", QByteArray::number(i));
+        return all;
+    };
+    const QByteArray values = QByteArray("<xsl:value-of select='a'/>").repeated(30'000);
+    const std::pair<const char*, QByteArray> rows[] = {
+        {"minutes for decimal formats", Sheet(many(90'000, "<xsl:decimal-format name='f#'/>"))},
+        {"gigabytes for a pattern",
+         Sheet("<xsl:template match='" + QByteArray("a|").repeated(1'500'000) + "a'/><xsl:template match='/'/>")},
+        {"namespaces times expressions",
+         Sheet("<xsl:template match='/'>" + values + "</xsl:template>", many(2'000, " xmlns:n#='u#'"))},
+    };
+    for (const auto& [name, sheet] : rows) {
+        SCOPED_TRACE(name);
+        QString error;
+        EXPECT_FALSE(CompilesXSL(sheet, &error));
+        EXPECT_EQ(error, u"the stylesheet takes too much time or memory"_s);
+        EXPECT_EQ(Transformed("<d/>", sheet), "failed");
+    }
+    EXPECT_TRUE(CompilesXSL(Sheet("<xsl:template match='/'/>")));
+    QString error;
+    EXPECT_FALSE(CompilesXSL("<html/>", &error));
+    EXPECT_FALSE(error.isEmpty());
+}
+
 TEST(XSLTranformation, RefusesBombsInTheAnswer)
 {
     const QByteArray sheet = Sheet("<xsl:template match='/'><r><xsl:value-of select='.'/></r></xsl:template>");
