@@ -15,6 +15,10 @@
 
   <xsl:template match="/">
     <SearchResults>
+      <!-- An album or artist that is not known, which comes with a status of 400 or 404. -->
+      <xsl:if test="Data/error = 6">
+        <xsl:attribute name="unknown">true</xsl:attribute>
+      </xsl:if>
       <!-- A list of one is an object in place of an array. -->
       <xsl:variable name="lists" select="Data/results/albummatches | Data/topalbums"/>
       <xsl:variable name="albums" select="$lists/album[name] | $lists/album[not(name)]/*"/>

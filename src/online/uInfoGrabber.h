@@ -144,8 +144,6 @@ public:
     const TInfoGrabberSearch* GetSearchByType(TInfoGrabberSearchType value) const;
     /// Where the stylesheets lie; empty before Parse.
     const QString& Folder() const { return FFolder; }
-    /// A stylesheet as it lies on disk now; throws EInfoGrabberError when it cannot be read.
-    QByteArray ReadStylesheet(const TInfoGrabberServiceAction& action) const;
     /// True when a host answers requests of a service, so that it has a pace of its own.
     bool IsServiceHost(const QString& host) const { return FHosts.contains(host); }
 
@@ -160,6 +158,9 @@ private:
     QString FFolder;
     QStringList FHosts;
 };
+
+/// A stylesheet of the folder of a package, as it lies on disk now; throws EInfoGrabberError when it cannot be read.
+QByteArray ReadStylesheet(const QString& folder, const QString& name);
 
 /// The one of the process.
 TInfoGrabber& InfoGrabber();

@@ -182,18 +182,18 @@ void TInfoGrabber::CheckOrder() const
         DebugLog(u"[Services] ArtistSearch, ReleaseSearch and ReleaseAndArtistSearch list other services"_s);
 }
 
-QByteArray TInfoGrabber::ReadStylesheet(const TInfoGrabberServiceAction& action) const
+QByteArray ReadStylesheet(const QString& folder, const QString& name)
 {
     // The name comes from a file that was fetched: it stays inside the folder.
-    const QString path = QDir::cleanPath(QDir(FFolder).filePath(action.Tranform()));
+    const QString path = QDir::cleanPath(QDir(folder).filePath(name));
     QFile file(path);
-    const bool inside = path.startsWith(FFolder + u'/') && QFileInfo(path).isFile() && // no pipe, no device
-                        QFileInfo(path).canonicalFilePath().startsWith(QFileInfo(FFolder).canonicalFilePath() + u'/');
+    const bool inside = path.startsWith(folder + u'/') && QFileInfo(path).isFile() && // no pipe, no device
+                        QFileInfo(path).canonicalFilePath().startsWith(QFileInfo(folder).canonicalFilePath() + u'/');
     QByteArray text;
-    if (!action.Tranform().isEmpty() && inside && file.open(QIODevice::ReadOnly))
+    if (!name.isEmpty() && inside && file.open(QIODevice::ReadOnly))
         text = file.read(LargestStylesheet + 1);
     if (text.isEmpty() || text.size() > LargestStylesheet)
-        throw EInfoGrabberError(u"the stylesheet \"%1\" cannot be read"_s.arg(action.Tranform()));
+        throw EInfoGrabberError(u"the stylesheet \"%1\" cannot be read"_s.arg(name));
     if (text.startsWith("\xEF\xBB\xBF"))
         text.remove(0, 3);
     return text;

@@ -250,8 +250,9 @@ QString JSONToXML(const QString& json) { return QString::fromUtf8(JSONToXML(json
 void TJSONTextDownloader::PostResult(QStringList lines)
 {
     QString error;
-    const QByteArray xml = JSONToXML(lines.join(u'\n').toUtf8(), &error);
-    PostLines(TextLines(QString::fromUtf8(xml)), error);
+    bool isTooLarge = false;
+    const QByteArray xml = JSONToXML(lines.join(u'\n').toUtf8(), &error, &isTooLarge);
+    PostLines(TTextAnswer(TextLines(QString::fromUtf8(xml)), error, isTooLarge));
 }
 
 } // namespace Kestrune

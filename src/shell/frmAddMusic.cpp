@@ -21,6 +21,7 @@ namespace {
 
 constexpr int SimultaneousDownloads = 5;
 constexpr int MostBarcodes = 500; // a tab each
+constexpr size_t MostHits = 500;  // of one answer
 
 } // namespace
 
@@ -335,7 +336,7 @@ void TAddMusicForm::AddSearchJob(TSearchTab& tab, size_t service)
     const TInfoGrabberServiceAction& entry = tab.CurrentSearch->GetItem(static_cast<int>(service));
     FillSearchParams(FParams, tab.Words, entry);
     const QString url = FParams.ReplaceWithParams(entry.URL());
-    auto message = std::make_unique<TMsgObjWM_USER_METADATA_TEXT_SEARCH>();
+    auto message = std::make_unique<TMsgObjWM_USER_METADATA_TEXT_SEARCH>(TAnswerReader(FGrabber, entry, url), MostHits);
     message->Action = &entry;
     message->Grid = tab.Id;
     message->Service = service;

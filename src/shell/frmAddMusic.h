@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uAnswerReader.h"
 #include "uCD.h"
 #include "uDetailView.h"
 #include "uDownloadQueue.h"
@@ -23,7 +24,6 @@
 namespace Kestrune {
 
 class TPrompt;
-class TXmlElement;
 
 /// The areas of the window, each with fields and a choice of services of its own.
 enum class TSearchArea : quint8 { saArtistOrRelease, saBarcode, saCatalogNo, saCD };
@@ -217,7 +217,7 @@ private:
     const TSearchHit* FocusedHit() const;
 
     void TextArrived(TUserMessage& message);
-    void FillResults(const TInfoGrabberServiceAction& action, TSearchTab& tab, const std::vector<TXmlElement>& nodes);
+    void FillResults(const TInfoGrabberServiceAction& action, TSearchTab& tab, TAlbumReleases releases);
     void FillRows(TSearchHit& hit);
     void ExtraInfoArrived(TUserMessage& message);
     void ThumbArrived(TUserMessage& message);

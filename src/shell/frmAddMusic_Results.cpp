@@ -5,12 +5,11 @@
 #include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uDictionaries.h"
+#include "uDownloader.h"
 #include "uFieldEditors.h"
 #include "uFieldText.h"
 #include "uJSONToXML.h"
-#include "uReleaseFetch.h"
 #include "uTHStrings.h"
-#include "uXml.h"
 
 #include <algorithm>
 #include <span>
@@ -21,16 +20,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-template <class TObject>
-std::unique_ptr<TObject> MakeMessage(const TSearchTab& tab, const TSearchHit& hit)
+template <class TObject, class... TArguments>
+std::unique_ptr<TObject> MakeMessage(const TSearchTab& tab, const TSearchHit& hit, TArguments&&... arguments)
 {
-    auto message = std::make_unique<TObject>();
+    auto message = std::make_unique<TObject>(std::forward<TArguments>(arguments)...);
     message->RecordIndex = hit.RecordIndex;
     message->Grid = tab.Id;
     return message;
 }
 
-constexpr size_t MostHits = 500;    // of one answer
 constexpr size_t MostPictures = 10; // of one hit
 
 // The address of a picture with what is known of its release filled in. It comes from the answer of a service, which
@@ -161,17 +159,14 @@ void TAddMusicForm::FillRows(TSearchHit& hit)
     hit.Yours = FOwned.Loaded() && FOwned.Holds(release);
 }
 
-void TAddMusicForm::FillResults(const TInfoGrabberServiceAction& action, TSearchTab& tab,
-                                const std::vector<TXmlElement>& nodes)
+void TAddMusicForm::FillResults(const TInfoGrabberServiceAction& action, TSearchTab& tab, TAlbumReleases releases)
 {
     const bool current = &tab == &FTabs[static_cast<size_t>(FCurrentTab)];
-    for (const TXmlElement& node : std::span(nodes).first(std::min(nodes.size(), MostHits))) {
+    for (auto& release : releases) {
         TSearchHit& hit = tab.Hits.emplace_back();
         hit.RecordIndex = ++FLastId;
         hit.DataProvider = action.Name();
-        hit.DataPointer = std::make_unique<TAlbumRelease>();
-        LoadAlbumReleaseFromNode(*hit.DataPointer, node);
-        ResolvePictureURLs(*hit.DataPointer, action.RawURL());
+        hit.DataPointer = std::move(release);
         const TInfoGrabberService* service = FGrabber.InfoGrabberServices().GetServiceByName(action.Name());
         hit.Complete = !action.NeedToDownloadExtraInfo() || !service || !service->GetActionByType(satGetRelease);
         FillRows(hit);
@@ -183,7 +178,7 @@ void TAddMusicForm::FillResults(const TInfoGrabberServiceAction& action, TSearch
                     WM_USER_METADATA_THUMB_PICTURE, MakeMessage<TMsgObjWM_USER_METADATA_THUMB_PICTURE>(tab, hit));
         }
     }
-    if (current && !nodes.empty())
+    if (current && !releases.empty())
         Q_EMIT hitsChanged();
     FDownloadQueue->Run();
 }
@@ -195,27 +190,24 @@ void TAddMusicForm::TextArrived(TUserMessage& message)
     TSearchTab* tab = FindTab(search.Grid);
     if (!tab || !action)
         return;
-    const auto* text = dynamic_cast<const TTextAnswer*>(message.WParam.get());
-    if (!text)
+    auto* answer = dynamic_cast<TReadAnswer*>(message.WParam.get());
+    if (!answer)
         return;
-    QByteArray document;
-    QString reason = text->Error;
-    std::vector<TXmlElement> nodes;
-    const bool done = NormaliseAnswer(FGrabber, *action, text->Lines.join(u'\n').toUtf8(), document,
-                                      reason.isEmpty() ? &reason : nullptr);
-    const auto parsed = done ? TXmlDocument::Parse(document, reason.isEmpty() ? &reason : nullptr) : std::nullopt;
-    const bool understood = parsed && FindReleases(*parsed, nodes) && text->Error.isEmpty();
+    const TAnswerDocument& document = answer->Document;
+    const bool understood = document.Fault == afNone;
     if (!understood)
-        DebugLog(u"[Search] %1: %2"_s.arg(action->Name(), reason));
+        DebugLog(u"[Search] %1: %2"_s.arg(action->Name(), document.Reason));
     if (search.Service < tab->Services.size()) {
         TServiceStatus& status = tab->Services[search.Service];
-        status.Found = static_cast<int>(nodes.size());
+        status.Found = static_cast<int>(document.Releases.size());
         status.State = understood ? ssFound : ssFailed;
-        status.Reason = understood ? QString() : GetLanguageString(u"cSReasonNotUnderstood"_s);
-        if (nodes.empty() && !action->MissingKeys().isEmpty())
+        status.Reason = understood ? QString()
+                                   : GetLanguageString(document.Fault == afTooLarge ? u"cSReasonTooLarge"_s
+                                                                                    : u"cSReasonNotUnderstood"_s);
+        if (document.Releases.empty() && !document.IsUnknown && !action->MissingKeys().isEmpty())
             status.State = ssNeedsKey;
     }
-    FillResults(*action, *tab, nodes);
+    FillResults(*action, *tab, std::move(answer->Releases));
     Q_EMIT updated();
 }
 
@@ -328,7 +320,8 @@ void TAddMusicForm::AskForRecord(TSearchTab& tab, TSearchHit& hit)
     FRecordJobs.emplace(url, std::pair(tab.Id, hit.RecordIndex));
     FDownloadQueue->AddDownloader(
         action->JSON() ? MakeDownloader<TJSONTextDownloader> : MakeDownloader<TTextDownloader>, url, {},
-        WM_USER_METADATA_TEXT_EXTRA_INFO, MakeMessage<TMsgObjWM_USER_METADATA_TEXT_EXTRA_INFO>(tab, hit));
+        WM_USER_METADATA_TEXT_EXTRA_INFO,
+        MakeMessage<TMsgObjWM_USER_METADATA_TEXT_EXTRA_INFO>(tab, hit, TAnswerReader(FGrabber, *action, url)));
     hit.Fetched = true;
 }
 
@@ -344,24 +337,18 @@ void TAddMusicForm::AskForLargeCover(TSearchTab& tab, TSearchHit& hit, const TIn
 
 void TAddMusicForm::ExtraInfoArrived(TUserMessage& message)
 {
-    const auto& object = static_cast<const TMsgObjHit&>(*message.LParam);
+    const auto& object = static_cast<const TMsgObjWM_USER_METADATA_TEXT_EXTRA_INFO&>(*message.LParam);
     TSearchTab* tab = FindTab(object.Grid);
     TSearchHit* hit = tab ? FindHit(*tab, object.RecordIndex) : nullptr;
     if (!hit || !hit->DataPointer)
         return;
     const TInfoGrabberService* service = FGrabber.InfoGrabberServices().GetServiceByName(hit->DataProvider);
     const TInfoGrabberServiceAction* action = service ? service->GetActionByType(satGetRelease) : nullptr;
-    QByteArray document;
-    std::vector<TXmlElement> nodes;
     hit->Fetched = false; // until it is of use
-    const auto* text = dynamic_cast<const TTextAnswer*>(message.WParam.get());
-    if (!action || !text || !NormaliseAnswer(FGrabber, *action, text->Lines.join(u'\n').toUtf8(), document))
+    const auto* answer = dynamic_cast<const TReadAnswer*>(message.WParam.get());
+    if (!action || !answer || answer->Document.Releases.empty())
         return;
-    const auto parsed = TXmlDocument::Parse(document);
-    if (!parsed || !FindReleases(*parsed, nodes) || nodes.empty())
-        return;
-    LoadAlbumReleaseFromNode(*hit->DataPointer, nodes.front());
-    ResolvePictureURLs(*hit->DataPointer, action->RawURL());
+    object.Reader.LoadOnto(*hit->DataPointer, answer->Document.Releases.front());
     hit->Fetched = hit->Complete = true;
     FillRows(*hit);
     AskForLargeCover(*tab, *hit, action);

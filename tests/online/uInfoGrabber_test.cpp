@@ -98,14 +98,10 @@ TEST(InfoGrabber, StylesheetsLieInTheFolderOfTheDefinitions)
     const Kit::TTempDir dir;
     dir.Write(u"secret"_s, "outside");
     dir.Write(u"package/a.xsl"_s, "\xEF\xBB\xBFinside");
-    TInfoGrabber grabber;
-    grabber.Parse(dir.Write(u"package/infograbber.xml"_s,
-                            "<BarcodeSearch><search Transform='a.xsl'/><search Transform='../secret'/>"
-                            "<search Transform='none.xsl'/><search/></BarcodeSearch>"));
-    const TInfoGrabberSearch& search = *grabber.GetSearchByType(stBarcode);
-    EXPECT_EQ(grabber.ReadStylesheet(search.GetItem(0)), "inside");
-    for (int i = 1; i < search.Count(); ++i)
-        EXPECT_THROW(grabber.ReadStylesheet(search.GetItem(i)), EInfoGrabberError) << i;
+    const QString folder = dir.File(u"package"_s);
+    EXPECT_EQ(ReadStylesheet(folder, u"a.xsl"_s), "inside");
+    for (const QString& name : {u"../secret"_s, u"none.xsl"_s, QString()})
+        EXPECT_THROW(ReadStylesheet(folder, name), EInfoGrabberError) << name.toStdString();
 }
 
 struct TRewriteRow {

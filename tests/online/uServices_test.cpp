@@ -88,9 +88,8 @@ TEST(Services, EveryStylesheetIsThereAndUsed)
     QStringList used;
     const auto check = [&](const TInfoGrabberServiceAction& action) {
         SCOPED_TRACE(action.RawURL().toStdString());
-        QByteArray document;
-        QString error;
-        EXPECT_TRUE(NormaliseAnswer(Services(), action, "<Data/>", document, &error)) << error.toStdString();
+        const TAnswerDocument document = TAnswerReader(Services(), action, {}).ReadXML("<Data/>");
+        EXPECT_EQ(document.Fault, afNone) << document.Reason.toStdString();
         EXPECT_TRUE(action.RawURL().startsWith(u"https://"_s));
         EXPECT_TRUE(Services().InfoGrabberServices().GetServiceByName(action.Name()));
         used.append(action.Tranform());
@@ -773,6 +772,14 @@ TEST(Services, NamesOfAThousandWordsKeepTheRecord)
 }
 
 // Last.fm
+
+TEST(ServicesLastFm, TellsThatItKnowsNothing)
+{
+    const TAnswerReader reader(Services(), RecordOf(u"lastfm"_s), {});
+    EXPECT_TRUE(reader.Read(R"({"error":6,"message":"Album not found","links":[]})").IsUnknown);
+    EXPECT_FALSE(reader.Read(R"({"error":10,"message":"Invalid API key"})").IsUnknown);
+    EXPECT_FALSE(reader.Read("<html>").IsUnknown);
+}
 
 TEST(ServicesLastFm, HitsOfBothSearches)
 {

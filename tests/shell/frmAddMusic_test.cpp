@@ -204,7 +204,8 @@ TEST_F(AddMusic, EachServiceTellsHowItFared)
 {
     const TStateRow rows[] = {
         {"nothing", {.Body = "<SearchResults/>"}, ssFound, u""},
-        {"no page", {.Status = 404}, ssFailed, u"The service answered 404"},
+        {"unknown", {.Status = 404, .Body = "<SearchResults unknown='true'/>"}, ssFound, u""},
+        {"no page", {.Status = 404, .Body = "<SearchResults/>"}, ssFailed, u"The service answered 404"},
         {"refused", {.Status = 401}, ssFailed, u"Access refused (401)"},
         {"busy", {.Status = 503}, ssFailed, u"The service is busy (503)"},
         {"no xml", {.Body = "oops"}, ssFailed, u"The answer was not understood"},
@@ -222,6 +223,9 @@ TEST_F(AddMusic, EachServiceTellsHowItFared)
     Package.Server.Serve("/two", {.Body = "<html>no json"});
     SearchBarcode(u"1"_s);
     EXPECT_EQ(Form->Statuses()[1].Reason, u"The answer was not understood"_s);
+    Package.Server.Serve("/two", {.Body = "{\"hits\":[" + QByteArray("1,").repeated(30'000) + "1]}"});
+    SearchBarcode(u"1"_s);
+    EXPECT_EQ(Form->Statuses()[1].Reason, u"The answer is too large"_s);
     Package.Server.Serve("/two", {.Body = R"({"hits":[{"title":"Second","ean":"12"}]})"});
     SearchBarcode(u"1"_s);
     Form->Barcodes = u"9"_s; // a retry asks for what the tab is about
