@@ -6,6 +6,7 @@
 #include "uFilePath.h"
 #include "uObjs.h"
 #include "uProgramFiles.h"
+#include "uServiceFiles.h"
 #include "uTHStrings.h"
 
 #include <QDir>
@@ -338,19 +339,6 @@ bool HasSettingsStore() { return ProcessStore() != nullptr; }
 void OpenSettingsStore(const QString& path)
 {
     ProcessStore() = path.isEmpty() ? nullptr : std::make_unique<TTHIniSettings>(path);
-}
-
-void SeedServiceDefinitions(const QString& templateFolder, const QString& userFolder)
-{
-    const QDir from(templateFolder);
-    const QDir to(userFolder);
-    if (to.exists(u"infograbber.xml"_s) || !from.exists() || !QDir().mkpath(userFolder))
-        return;
-    for (const QString& name : from.entryList(QDir::Files | QDir::Hidden)) {
-        QFile::remove(to.filePath(name));
-        if (!QFile::copy(from.filePath(name), to.filePath(name)))
-            DebugLog(u"[Settings] could not copy %1"_s.arg(name));
-    }
 }
 
 void AddRecentDB(QStringList& recent, const QString& path)

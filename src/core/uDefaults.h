@@ -152,9 +152,6 @@ bool HasSettingsStore();
 /// written is forgotten.
 void OpenSettingsStore(const QString& path);
 
-/// Copies every file of the template folder to the user's folder when `infograbber.xml` is missing there.
-void SeedServiceDefinitions(const QString& templateFolder, const QString& userFolder);
-
 /// Puts a path at the top of the recent list, once, and cuts the list to 8 entries.
 void AddRecentDB(QStringList& recent, const QString& path);
 

@@ -154,22 +154,6 @@ TEST(Settings, ValuesOfAnotherKindGiveTheDefault)
     EXPECT_EQ(store.ReadDouble(u"ThemeIndex"_s, 2.5), 2.5);
 }
 
-TEST(Settings, ServiceDefinitionsAreSeededOnce)
-{
-    const Kit::TTempDir dir;
-    dir.Write(u"template/infograbber.xml"_s, "new");
-    dir.Write(u"template/a.xsl"_s, "a");
-    dir.Write(u"user/a.xsl"_s, "old");
-    SeedServiceDefinitions(dir.File(u"template"_s), dir.File(u"user"_s));
-    EXPECT_EQ(Kit::ReadAll(dir.File(u"user/a.xsl"_s)), "a") << "overwritten";
-    EXPECT_EQ(Kit::ReadAll(dir.File(u"user/infograbber.xml"_s)), "new");
-    Kit::WriteAll(dir.File(u"user/a.xsl"_s), "mine");
-    SeedServiceDefinitions(dir.File(u"template"_s), dir.File(u"user"_s));
-    EXPECT_EQ(Kit::ReadAll(dir.File(u"user/a.xsl"_s)), "mine");
-    SeedServiceDefinitions(dir.File(u"nowhere"_s), dir.File(u"user2"_s));
-    EXPECT_FALSE(QFile::exists(dir.File(u"user2/infograbber.xml"_s)));
-}
-
 TEST(ProductIdentity, AttributesReplaceBuiltInValues)
 {
     const Kit::TTempDir dir;
