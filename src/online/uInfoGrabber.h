@@ -136,12 +136,18 @@ public:
     /// Reads a file of definitions in place of what was there, and gives the hosts of the services their pace. Throws
     /// EInfoGrabberError; there are no definitions then.
     void Parse(const QString& path);
+    /// The same for a look at them: no host gets a pace.
+    void Read(const QString& path);
 
     const TInfoGrabberServices& InfoGrabberServices() const { return FInfoGrabberServices; }
     int Count() const { return static_cast<int>(FItems.size()); }
     const TInfoGrabberSearch& GetItem(int index) const { return *FItems.at(static_cast<size_t>(index)); }
     /// The first search of a type, or null.
     const TInfoGrabberSearch* GetSearchByType(TInfoGrabberSearchType value) const;
+    /// File names of all stylesheets, each once.
+    QStringList StylesheetNames() const;
+    /// True when a search has an entry that can be asked.
+    bool HasSearch() const;
     /// Where the stylesheets lie; empty before Parse.
     const QString& Folder() const { return FFolder; }
     /// True when a host answers requests of a service, so that it has a pace of its own.

@@ -102,6 +102,38 @@ std::unique_ptr<TInfoGrabberService> TInfoGrabberService::FromElement(const TXml
 
 void TInfoGrabber::Parse(const QString& path)
 {
+    Read(path);
+    SetPaces();
+    CheckOrder();
+}
+
+QStringList TInfoGrabber::StylesheetNames() const
+{
+    QStringList names;
+    const auto take = [&](const TInfoGrabberActions& actions) {
+        for (const auto& action : actions)
+            names.append(action->Tranform());
+    };
+    for (const auto& service : FInfoGrabberServices.FItems)
+        take(service->Items());
+    for (const auto& search : FItems)
+        take(search->FItems);
+    names.removeAll(QString());
+    names.removeDuplicates();
+    return names;
+}
+
+bool TInfoGrabber::HasSearch() const
+{
+    return std::ranges::any_of(FItems, [this](const auto& search) {
+        return std::ranges::any_of(search->FItems, [this](const auto& entry) {
+            return FInfoGrabberServices.GetServiceByName(entry->Name()) && !entry->RawURL().isEmpty();
+        });
+    });
+}
+
+void TInfoGrabber::Read(const QString& path)
+{
     FInfoGrabberServices.FItems.clear();
     FItems.clear();
     FHosts.clear();
@@ -115,8 +147,6 @@ void TInfoGrabber::Parse(const QString& path)
     ParseServices(document->Root());
     for (const TSection& section : Sections)
         ParseSearch(document->Root(), QString::fromUtf16(section.Name), section.Type);
-    SetPaces();
-    CheckOrder();
 }
 
 void TInfoGrabber::ParseServices(const TXmlElement& root)
