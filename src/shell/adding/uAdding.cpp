@@ -168,7 +168,9 @@ void TAdding::UpdateServices(bool silent)
         return;
     }
     const QString& path = Defaults().InfoGrabberPath;
-    if (silent && !IsServicesUpdateDue(TServiceUpdates::Read(SettingsStore()), path, QDateTime::currentDateTime()))
+    const TServiceUpdates updates = TServiceUpdates::Read(SettingsStore());
+    const bool isBroken = updates.AutoUpdate && !FServicesFailure.isEmpty(); // a new one heals it
+    if (silent && !isBroken && !IsServicesUpdateDue(updates, path, QDateTime::currentDateTime()))
         return;
     FUpdater = std::make_unique<TServiceUpdaterForm>(path, Defaults().OEM.ServicesURL, SettingsStore());
     connect(FUpdater.get(), &TServiceUpdaterForm::closed, this, [this, silent] { ServiceUpdateEnded(silent); });
