@@ -74,6 +74,8 @@ struct TDefaults {
     int DiscogsMediaType = 0, DiscogsResultsPerPage = 0;
     QString MusicBrainzCountry;
     int MusicBrainzMediaType = 0, MusicBrainzResultsPerPage = 0;
+    QString ITunesCountry;      ///< of the shop that is asked; empty: that of the locale
+    QString ServicesContact;    ///< mail or web address that services are told; empty: that of the product, if any
     bool AutoUpdate = false;    ///< the service package is looked after at the start
     int AutoUpdateInterval = 0; ///< 0 each start, 1 three days, 2 weekly, 3 monthly
     QStringList RecentDBs;
@@ -117,6 +119,9 @@ std::span<const TSettingDef> SettingDefs();
 
 /// The settings of the process. Default values until LoadSettings has run.
 TDefaults& Defaults();
+
+/// As the program names itself to servers: the agent of the product, with the user's contact where one is given.
+QString ServiceAgent(const TDefaults& settings);
 
 /// A fresh set of settings with the default of every key.
 TDefaults MakeDefaults();

@@ -56,7 +56,7 @@ TReleaseFetch::TReleaseFetch(const TInfoGrabber& grabber, std::stop_token stop)
       FCookies(ChooseCookieManagerClass()()),
       FTransport(ChooseDownloaderClass()(FCookies.get()))
 {
-    FTransport->SetAgent(Defaults().OEM.HTTPAgent);
+    FTransport->SetAgent(ServiceAgent(Defaults()));
     FTransport->SetMaxBytes(TTextDownloader::MaxBytes);
     EndLongWaits(*FTransport);
 }

@@ -43,7 +43,6 @@ TAddMusicForm::TAddMusicForm(TInfoGrabber& grabber, TDataModuleMain& data, TProm
     ListDrives = [] { return ListCDDrives(); };
     EjectDrive = [](const QString& drive) { return EjectCD(drive); };
     FDownloadQueue->SetMaxSimultaneousThreads(SimultaneousDownloads);
-    FDownloadQueue->FAgent = Defaults().OEM.HTTPAgent;
     FDownloadQueue->FOnNewStatusEvent = [this](int, const QString& text) {
         if (FClosed)
             return;
@@ -334,6 +333,7 @@ void TAddMusicForm::StartSearch(TInfoGrabberSearchType type, TSearchArea area)
 void TAddMusicForm::AddSearchJob(TSearchTab& tab, size_t service)
 {
     const TInfoGrabberServiceAction& entry = tab.CurrentSearch->GetItem(static_cast<int>(service));
+    FDownloadQueue->FAgent = ServiceAgent(Defaults()); // the contact may have changed
     FillSearchParams(FParams, tab.Words, entry);
     const QString url = FParams.ReplaceWithParams(entry.URL());
     auto message = std::make_unique<TMsgObjWM_USER_METADATA_TEXT_SEARCH>(TAnswerReader(FGrabber, entry, url), MostHits);

@@ -98,7 +98,7 @@ void TServiceUpdaterForm::CheckVersions()
     const auto check = std::make_shared<TCheck>();
     const QString folder = QFileInfo(FDefinitionsPath).absolutePath();
     const int known = std::max(TServiceUpdates::Read(FStore).Version, TServiceDelivery::Read(folder).Version);
-    FTask = std::make_unique<TTaskThread>([=, agent = Defaults().OEM.HTTPAgent](const std::stop_token& token) {
+    FTask = std::make_unique<TTaskThread>([=, agent = ServiceAgent(Defaults())](const std::stop_token& token) {
         check->Version = CheckServicePackage(folder, check->Broken, token) ? known : -1;
         const auto cookies = ChooseCookieManagerClass()();
         const auto transport = ChooseDownloaderClass()(cookies.get());
@@ -141,7 +141,7 @@ void TServiceUpdaterForm::StartDownload()
     FDownload = std::make_unique<TDownloaderThread>(ChooseDownloaderClass(), FCookies.get());
     FDownload->Downloader().SetURL(ServicesZipURL(FEndpoint));
     FDownload->Downloader().SetFilename(FTempPath);
-    FDownload->Downloader().SetAgent(Defaults().OEM.HTTPAgent);
+    FDownload->Downloader().SetAgent(ServiceAgent(Defaults()));
     FDownload->Downloader().SetMaxBytes(LargestZip);
     FDownload->FProgressEvent = [this](TDownloader&, const QString&, int total, int read, int, int, quint8, float) {
         const auto size = [](int bytes) { return QLocale().formattedDataSize(bytes); };

@@ -93,11 +93,14 @@ TEST_F(AddMusic, ASearchAsksEachChosenServiceAndShowsItsHits)
     EXPECT_EQ(States(), u"Service One 3 2, Service Two 3 1"_s);
     EXPECT_EQ(Form->StatusText(), u"Download complete"_s);
     EXPECT_TRUE(Package.Server.Log().front().Headers["user-agent"].startsWith("Kestrune"));
+    Defaults().ServicesContact = u"me@mail.invalid"_s;
 
     Form->ChooseService(saBarcode, 0, false);
     EXPECT_EQ(Defaults().SearchByBarcode, 2);
     SearchBarcode(u"1"_s);
     EXPECT_EQ(Titles(), QStringList{u"Second"_s}) << "the tab was emptied first";
+    EXPECT_TRUE(Package.Server.Log().back().Headers["user-agent"].endsWith("( me@mail.invalid )"));
+    Defaults().ServicesContact.clear();
     Form->ChooseService(saBarcode, 1, false);
     const auto before = Package.Server.Log().size();
     SearchBarcode(u"1"_s);
