@@ -165,6 +165,9 @@ private:
     QStringList FHosts;
 };
 
+/// True for the code of a country with a shop that can be asked for albums.
+bool HasITunesShop(const QString& country);
+
 /// A stylesheet of the folder of a package, as it lies on disk now; throws EInfoGrabberError when it cannot be read.
 QByteArray ReadStylesheet(const QString& folder, const QString& name);
 

@@ -4,6 +4,7 @@
 #include "uInfoGrabber.h"
 #include "uKRNParams.h"
 #include "uObjs.h"
+#include "uServicesKit.h"
 #include "uTestFiles.h"
 
 #include <gtest/gtest.h>
@@ -136,6 +137,28 @@ TEST(InfoGrabber, RewritesSearchesByThePresets)
         presets.DiscogsResultsPerPage = presets.MusicBrainzResultsPerPage = row.PerPage;
         EXPECT_EQ(SearchURL(row.Service, row.URL, presets), QString::fromUtf16(row.Expected));
     }
+}
+
+TEST(InfoGrabber, AsksTheITunesShopOfTheLocaleOrTheOneThatIsSet)
+{
+    const TInfoGrabberServiceAction& search = *Kit::Services().GetSearchByType(stBarcode)->GetItemByName(u"itunes"_s);
+    const TInfoGrabberServiceAction& record = Kit::RecordOf(u"itunes"_s);
+    struct TRow {
+        const char16_t *Locale, *Set, *End;
+    };
+    const TRow rows[] = {{u"de_AT", u"", u"&country=at"},
+                         {u"de_AT", u"JP", u"&country=jp"},
+                         {u"C", u"", u""},
+                         {u"fa_IR", u"", u""}}; // no shop there
+    const QLocale before;
+    for (const TRow& row : rows) {
+        QLocale::setDefault(QLocale(QString::fromUtf16(row.Locale)));
+        TDefaults presets = MakeDefaults();
+        presets.ITunesCountry = QString::fromUtf16(row.Set);
+        EXPECT_EQ(search.URL(presets), search.RawURL() + QString::fromUtf16(row.End));
+        EXPECT_EQ(record.URL(presets), record.RawURL() + QString::fromUtf16(row.End));
+    }
+    QLocale::setDefault(before);
 }
 
 struct TParamRow {
