@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frmAddMusic.h"
 
-#include "frmAddMusic_p.h"
 #include "uDebugLog.h"
-#include "uDefaults.h"
-#include "uJSONToXML.h"
 #include "uPrompt.h"
 #include "uTHStrings.h"
 
@@ -14,19 +11,8 @@ namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-constexpr int SimultaneousDownloads = 5;
-constexpr size_t MostHits = 500; // of one answer
-
-} // namespace
-
 TAddMusicForm::TAddMusicForm(TInfoGrabber& grabber, TDataModuleMain& data, TPrompt& prompt)
-    : FGrabber(grabber),
-      FPrompt(prompt),
-      FFields(grabber),
-      FTabs(data),
-      FDownloadQueue(std::make_unique<TDownloadQueue>(Handle()))
+    : FGrabber(grabber), FPrompt(prompt), FFields(grabber), FTabs(data), FRequests(grabber, Handle())
 {
     ConnectParts();
     SetUpQueue();
@@ -36,8 +22,8 @@ TAddMusicForm::TAddMusicForm(TInfoGrabber& grabber, TDataModuleMain& data, TProm
 TAddMusicForm::~TAddMusicForm()
 {
     FClosed = true;
-    FDownloadQueue->Terminate();
-    FDownloadQueue->WaitFor();
+    FRequests.Queue().Terminate();
+    FRequests.Queue().WaitFor();
 }
 
 void TAddMusicForm::ConnectParts()
@@ -57,22 +43,22 @@ void TAddMusicForm::ConnectParts()
 
 void TAddMusicForm::SetUpQueue()
 {
-    FDownloadQueue->SetMaxSimultaneousThreads(SimultaneousDownloads);
-    FDownloadQueue->FOnNewStatusEvent = [this](int, const QString& text) {
+    TDownloadQueue& queue = FRequests.Queue();
+    queue.FOnNewStatusEvent = [this](int, const QString& text) {
         if (FClosed)
             return;
         FStatusText = text;
         Q_EMIT updated();
     };
-    FDownloadQueue->OnStarted = [this] {
+    queue.OnStarted = [this] {
         FProgressMaximum = FProgressPosition = 0;
         Q_EMIT updated();
     };
-    FDownloadQueue->OnAllThreadsTerminated = [this] { JobsEnded(); };
-    FDownloadQueue->FOnThreadsCountChange = [this](int waiting, int running, int total) {
+    queue.OnAllThreadsTerminated = [this] { JobsEnded(); };
+    queue.FOnThreadsCountChange = [this](int waiting, int running, int total) {
         CountChanged(waiting, running, total);
     };
-    FDownloadQueue->SetOnJobEvent([this](const TJobReport& report) { JobEvent(report); });
+    queue.SetOnJobEvent([this](const TJobReport& report) { JobEvent(report); });
 }
 
 void TAddMusicForm::CountChanged(int waiting, int running, int total)
@@ -93,7 +79,7 @@ void TAddMusicForm::JobsEnded()
     FProgressMaximum = FProgressPosition = 0;
     FStatusText = GetLanguageString(FDiscFailed ? u"cSDiscNotRead"_s : u"cSDownloadComplete"_s);
     FStates.EndAll();
-    FRecordJobs.clear();
+    FRequests.Ended();
     Q_EMIT updated();
     if (!FBarcodesLeft.isEmpty())
         PostUserMessage(Handle(), {WM_USER_NEXT_BARCODE, nullptr, nullptr});
@@ -101,12 +87,8 @@ void TAddMusicForm::JobsEnded()
 
 void TAddMusicForm::JobEvent(const TJobReport& report)
 {
-    if (report.State == jsFailed) { // it can be asked for again
-        const auto [begin, end] = FRecordJobs.equal_range(report.URL);
-        for (auto job = begin; job != end; ++job)
-            if (TSearchHit* hit = FTabs.FindHit(job->second.first, job->second.second))
-                hit->Fetched = false;
-    }
+    if (report.State == jsFailed)
+        FRequests.Failed(report.URL, FTabs);
     if (FStates.JobEvent(report))
         Q_EMIT updated();
 }
@@ -208,21 +190,13 @@ void TAddMusicForm::StartSearch(TInfoGrabberSearchType type, TSearchArea area, c
             AskService(tab, static_cast<size_t>(i));
     }
     Q_EMIT updated();
-    FDownloadQueue->Run();
+    FRequests.Queue().Run();
     Q_EMIT updated();
 }
 
 void TAddMusicForm::AskService(const TSearchTab& tab, size_t service)
 {
-    const TInfoGrabberServiceAction& entry = tab.CurrentSearch->GetItem(static_cast<int>(service));
-    FillSearchParams(FParams, tab.Words, entry);
-    const QString url = FParams.ReplaceWithParams(entry.URL());
-    auto message = std::make_unique<TMsgObjWM_USER_METADATA_TEXT_SEARCH>(TAnswerReader(FGrabber, entry, url), MostHits);
-    message->Action = &entry;
-    message->Grid = tab.Id;
-    message->Service = service;
-    FStates.Asked(tab.Id, service, url);
-    AddJob(entry, url, WM_USER_METADATA_TEXT_SEARCH, std::move(message));
+    FStates.Asked(tab.Id, service, FRequests.AskService(tab, service));
 }
 
 void TAddMusicForm::RetryService(int index)
@@ -231,14 +205,14 @@ void TAddMusicForm::RetryService(int index)
     if (!RetryEnabled() || !tab.CurrentSearch || index < 0 || index >= tab.CurrentSearch->Count())
         return;
     AskService(tab, static_cast<size_t>(index));
-    FDownloadQueue->Run();
+    FRequests.Queue().Run();
     Q_EMIT updated();
 }
 
 void TAddMusicForm::actStop()
 {
     FBarcodesLeft.clear();
-    FDownloadQueue->Terminate();
+    FRequests.Queue().Terminate();
 }
 
 bool TAddMusicForm::TakeSelection()

@@ -2,33 +2,24 @@
 #pragma once
 
 #include "uAddFields.h"
+#include "uAddRequests.h"
 #include "uChosenReleases.h"
 #include "uDiscDrive.h"
-#include "uDownloadQueue.h"
 #include "uHitTabs.h"
-#include "uKRNParams.h"
 #include "uServiceStates.h"
 
 #include <QObject>
 
-#include <map>
 #include <memory>
-#include <optional>
-#include <utility>
 #include <vector>
 
 namespace Kestrune {
 
 class TPrompt;
 
-inline constexpr int WM_USER_METADATA_TEXT_SEARCH = WM_USER + 3;
-inline constexpr int WM_USER_METADATA_TEXT_EXTRA_INFO = WM_USER + 4;
-inline constexpr int WM_USER_METADATA_THUMB_PICTURE = WM_USER + 5;
-inline constexpr int WM_USER_METADATA_LARGE_PICTURE = WM_USER + 6;
-
-/// Logic of the window in which releases are found online and chosen. It owns the parts and their one queue of
-/// downloads: asks the services for what stands in the fields, hands their answers to tabs and states, fetches covers
-/// and full records in the background, and takes what is chosen. Writes nothing to the collection. Main thread.
+/// Logic of the window in which releases are found online and chosen. It owns the parts: asks the services for what
+/// stands in the fields, hands their answers to tabs and states, has covers and full records fetched in the background,
+/// and takes what is chosen. Writes nothing to the collection. Main thread.
 class TAddMusicForm : public QObject, public TMessageReceiver {
     Q_OBJECT
 public:
@@ -79,7 +70,7 @@ public:
     /// Why search or save cannot be used now; empty when it can.
     QString SearchHint() const;
     QString SaveHint() const;
-    bool Busy() const { return FDownloadQueue->RunningThreadsCount() > 0; }
+    bool Busy() const { return FRequests.Queue().RunningThreadsCount() > 0; }
 
     // Progress
     QString StatusText() const { return FStatusText; }
@@ -113,12 +104,6 @@ private:
     void DiscRead(const TDiscTexts& texts, qint64 tab);
     bool TakeSelection();
 
-    const TInfoGrabberServiceAction* RecordAction(const QString& service) const;
-    void AddJob(const TInfoGrabberServiceAction& action, const QString& url, int message,
-                std::unique_ptr<TMessageObject> with);
-    void AskForPictures(const TInfoGrabberServiceAction& action, const TSearchTab& tab, const TSearchHit& hit);
-    void AskForRecord(const TSearchTab& tab, TSearchHit& hit);
-    void AskForLargeCover(qint64 tab, const TSearchHit& hit, const TInfoGrabberServiceAction* action);
     void TextArrived(TUserMessage& message);
     void ExtraInfoArrived(TUserMessage& message);
     void ThumbArrived(TUserMessage& message);
@@ -126,22 +111,20 @@ private:
 
     TInfoGrabber& FGrabber;
     TPrompt& FPrompt;
-    TKRNParams FParams;
     TAddFields FFields;
     TDiscDrive FDrive;
     THitTabs FTabs;
     TServiceStates FStates;
     TChosenReleases FChosen;
-    QStringList FBarcodesLeft;                                     // to be worked off
-    std::multimap<QString, std::pair<qint64, qint64>> FRecordJobs; // tab and record of a full record that was asked for
-    int FOpening = 0;                                              // how often the window was opened
+    QStringList FBarcodesLeft; // to be worked off
+    int FOpening = 0;          // how often the window was opened
     QString FStatusText;
     bool FDiscFailed = false; // told again when the downloads are done
     bool FClosed = false;     // the window is: late answers find nobody
     int FProgressMaximum = 0;
     int FProgressPosition = 0;
     std::unique_ptr<TTaskThread> FTest;
-    std::unique_ptr<TDownloadQueue> FDownloadQueue;
+    TAddRequests FRequests; // last: its jobs end before what they report to
 };
 
 } // namespace Kestrune
