@@ -164,16 +164,17 @@
     </xsl:if>
     <xsl:value-of select="$comma"/>
     <xsl:choose>
+      <xsl:when test="$rest = ''"/>
       <xsl:when test="string-length($rest) &gt; 500"> <!-- no name -->
         <xsl:value-of select="concat(' ', $rest)"/>
       </xsl:when>
-      <xsl:when test="$rest != ''">
+      <xsl:otherwise>
         <xsl:call-template name="plain-name">
           <xsl:with-param name="name" select="$rest"/>
           <xsl:with-param name="stars" select="$stars"/>
           <xsl:with-param name="isFirst" select="false()"/>
         </xsl:call-template>
-      </xsl:when>
+      </xsl:otherwise>
     </xsl:choose>
   </xsl:template>
 
@@ -397,10 +398,20 @@
       </xsl:call-template>
     </xsl:variable>
     <xsl:if test="$musician != '' and $musician != 'null'">
-      <xsl:call-template name="roles">
-        <xsl:with-param name="musician" select="string($musician)"/>
-        <xsl:with-param name="text" select="normalize-space(role)"/>
-      </xsl:call-template>
+      <xsl:choose>
+        <xsl:when test="string-length(role) &lt; 300">
+          <xsl:call-template name="few-roles">
+            <xsl:with-param name="musician" select="string($musician)"/>
+            <xsl:with-param name="text" select="normalize-space(role)"/>
+          </xsl:call-template>
+        </xsl:when>
+        <xsl:otherwise>
+          <xsl:call-template name="roles">
+            <xsl:with-param name="musician" select="string($musician)"/>
+            <xsl:with-param name="text" select="normalize-space(role)"/>
+          </xsl:call-template>
+        </xsl:otherwise>
+      </xsl:choose>
     </xsl:if>
   </xsl:template>
 
@@ -419,7 +430,7 @@
     <xsl:variable name="head" select="concat($ahead, substring-before($behind, $cut), $bracket)"/>
     <xsl:choose>
       <xsl:when test="string-length($text) &gt; 300 and contains($behind, $cut) and
-                      string-length(translate($head, '[', '')) = string-length(translate($head, ']', ''))">
+                      string-length(translate($head, '[', '')) &gt;= string-length(translate($head, ']', ''))">
         <xsl:call-template name="roles">
           <xsl:with-param name="musician" select="$musician"/>
           <xsl:with-param name="text" select="$head"/>
@@ -448,10 +459,13 @@
     <xsl:variable name="isOpen"
                   select="string-length(translate($role, '[', '')) &lt; string-length(translate($role, ']', ''))"/>
     <xsl:choose>
+      <xsl:when test="$rest = ''">
+        <Credit musician="{$musician}" credit="{$role}"/>
+      </xsl:when>
       <xsl:when test="$partsLeft = 0"> <!-- a bracket that is never closed -->
         <Credit musician="{$musician}" credit="{concat($begun, $text)}"/>
       </xsl:when>
-      <xsl:when test="$isOpen and $rest != ''">
+      <xsl:when test="$isOpen">
         <xsl:call-template name="few-roles">
           <xsl:with-param name="musician" select="$musician"/>
           <xsl:with-param name="text" select="$rest"/>
@@ -461,13 +475,11 @@
       </xsl:when>
       <xsl:otherwise>
         <Credit musician="{$musician}" credit="{$role}"/>
-        <xsl:if test="$rest != ''">
-          <xsl:call-template name="few-roles">
-            <xsl:with-param name="musician" select="$musician"/>
-            <xsl:with-param name="text" select="$rest"/>
-            <xsl:with-param name="partsLeft" select="$partsLeft - 1"/>
-          </xsl:call-template>
-        </xsl:if>
+        <xsl:call-template name="few-roles">
+          <xsl:with-param name="musician" select="$musician"/>
+          <xsl:with-param name="text" select="$rest"/>
+          <xsl:with-param name="partsLeft" select="$partsLeft - 1"/>
+        </xsl:call-template>
       </xsl:otherwise>
     </xsl:choose>
   </xsl:template>

@@ -745,8 +745,11 @@ TEST(ServicesDiscogs, LongListsOfRolesKeepTheRecord)
         roles += (i > 1 ? ", R" : "R") + QByteArray::number(i);
     for (int i = 1; i <= 500; ++i)
         bracketed += (i > 1 ? ", G" : "G") + QByteArray::number(i) + " [a, b]";
-    const std::pair<QByteArray, size_t> rows[] = {
-        {roles.left(roles.indexOf(", R401")), 400}, {roles, 2000}, {bracketed, 500}, {"Open [" + roles, 1}};
+    const std::pair<QByteArray, size_t> rows[] = {{roles.left(roles.indexOf(", R401")), 400},
+                                                  {roles, 2000},
+                                                  {bracketed, 500},
+                                                  {"Closed], " + roles, 2001},
+                                                  {"Open [" + roles, 1}};
     for (const auto& [role, credits] : rows) {
         const auto found =
             Loaded(RecordOf(u"discogs"_s),
