@@ -195,8 +195,9 @@ void MeasureSearches(TApplication& application, int coverSide, int rounds)
         QCoreApplication::processEvents();
     const auto all = static_cast<size_t>(Hits * Kit::AnsweringServices().size());
     const auto isThere = [&] {
-        return form.Current().Hits.size() == all &&
-               std::ranges::none_of(form.Current().Hits, [](const TSearchHit& hit) { return hit.Cover.isNull(); });
+        return form.Tabs().Current().Hits.size() == all &&
+               std::ranges::none_of(form.Tabs().Current().Hits,
+                                    [](const TSearchHit& hit) { return hit.Cover.isNull(); });
     };
 
     TStallProbe probe;
@@ -204,7 +205,7 @@ void MeasureSearches(TApplication& application, int coverSide, int rounds)
     QString longest;
     double worst = 0.0;
     for (int round = 0; round < rounds; ++round) {
-        form.Artist = u"Band %1"_s.arg(round);
+        form.Fields().Artist = u"Band %1"_s.arg(round);
         application.LongestEvent = 0.0;
         probe.Start();
         QElapsedTimer clock;
@@ -213,7 +214,7 @@ void MeasureSearches(TApplication& application, int coverSide, int rounds)
         form.Search();
         while (form.Busy() || !isThere()) {
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-            if (firstCards == 0.0 && form.Current().Hits.size() == all)
+            if (firstCards == 0.0 && form.Tabs().Current().Hits.size() == all)
                 firstCards = static_cast<double>(clock.nsecsElapsed()) / 1e6;
             if (clock.elapsed() > 60000)
                 throw std::runtime_error("the search does not end");

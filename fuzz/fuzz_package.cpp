@@ -36,7 +36,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     file.close();
 
     QString error;
-    const bool installed = InstallServicePackage(package, folder, error);
+    const bool installed = InstallServicePackage(package, folder, 1, error);
     if (installed != error.isEmpty())
         std::abort();
     if (NamesIn(outer.path()) != QStringList{u"above"_s, u"package.zip"_s} ||

@@ -116,7 +116,11 @@ void WriteOnline(const T& write)
               "select=\"format-number(count(x:node-set($v)/i), '0.0')\"/></r></xsl:template></xsl:stylesheet>" +
               QByteArray(1, '\0') + "<a><b c='1'>t</b><b c='2'/></a>");
     write("package", "stored",
-          ZipOf({{"infograbber.xml", "<a/>"}, {"more/", {}}, {"more/b.xsl", "bbbb"}}, ZIP_CM_STORE));
+          ZipOf({{"infograbber.xml", "<a><Services><service name='s'/></Services><BarcodeSearch><search "
+                                     "ServiceName='s' url='u' Transform='more/b.xsl'/></BarcodeSearch></a>"},
+                 {"more/", {}},
+                 {"more/b.xsl", head + "</xsl:stylesheet>"}},
+                ZIP_CM_STORE));
     write("package", "packed",
           ZipOf({{"infograbber.xml", ReadService(QStringLiteral("infograbber.xml"))}, {"c.xsl", QByteArray(500, 'c')}},
                 ZIP_CM_DEFLATE));

@@ -163,13 +163,19 @@
       </xsl:choose>
     </xsl:if>
     <xsl:value-of select="$comma"/>
-    <xsl:if test="$rest != ''">
-      <xsl:call-template name="plain-name">
-        <xsl:with-param name="name" select="$rest"/>
-        <xsl:with-param name="stars" select="$stars"/>
-        <xsl:with-param name="isFirst" select="false()"/>
-      </xsl:call-template>
-    </xsl:if>
+    <xsl:choose>
+      <xsl:when test="$rest = ''"/>
+      <xsl:when test="string-length($rest) &gt; 500"> <!-- no name -->
+        <xsl:value-of select="concat(' ', $rest)"/>
+      </xsl:when>
+      <xsl:otherwise>
+        <xsl:call-template name="plain-name">
+          <xsl:with-param name="name" select="$rest"/>
+          <xsl:with-param name="stars" select="$stars"/>
+          <xsl:with-param name="isFirst" select="false()"/>
+        </xsl:call-template>
+      </xsl:otherwise>
+    </xsl:choose>
   </xsl:template>
 
   <!-- Several artists with the words between them. The plain name is taken and not its variant (`anv`), so that one
@@ -392,38 +398,88 @@
       </xsl:call-template>
     </xsl:variable>
     <xsl:if test="$musician != '' and $musician != 'null'">
-      <xsl:call-template name="roles">
-        <xsl:with-param name="musician" select="string($musician)"/>
-        <xsl:with-param name="text" select="normalize-space(role)"/>
-      </xsl:call-template>
+      <xsl:choose>
+        <xsl:when test="string-length(role) &lt; 300">
+          <xsl:call-template name="few-roles">
+            <xsl:with-param name="musician" select="string($musician)"/>
+            <xsl:with-param name="text" select="normalize-space(role)"/>
+          </xsl:call-template>
+        </xsl:when>
+        <xsl:otherwise>
+          <xsl:call-template name="roles">
+            <xsl:with-param name="musician" select="string($musician)"/>
+            <xsl:with-param name="text" select="normalize-space(role)"/>
+          </xsl:call-template>
+        </xsl:otherwise>
+      </xsl:choose>
     </xsl:if>
   </xsl:template>
 
-  <!-- "Producer, Guitar [Lead, Rhythm]" are two credits: a comma within brackets belongs to its role. -->
+  <!-- "Producer, Guitar [Lead, Rhythm]" are two credits: a comma within brackets belongs to its role. A long text is
+       halved at a comma outside of brackets, since calls that are too deep would fail the whole transformation. -->
   <xsl:template name="roles">
     <xsl:param name="musician"/>
     <xsl:param name="text"/>
+    <xsl:variable name="middle" select="floor(string-length($text) div 2)"/>
+    <xsl:variable name="ahead" select="substring($text, 1, $middle)"/>
+    <xsl:variable name="behind" select="substring($text, $middle + 1)"/>
+    <xsl:variable name="upToComma" select="concat($ahead, substring-before($behind, ', '))"/>
+    <xsl:variable name="bracket" select="substring(']', 1, number(string-length(translate($upToComma, '[', '')) &lt;
+                                                                  string-length(translate($upToComma, ']', ''))))"/>
+    <xsl:variable name="cut" select="concat($bracket, ', ')"/>
+    <xsl:variable name="head" select="concat($ahead, substring-before($behind, $cut), $bracket)"/>
+    <xsl:choose>
+      <xsl:when test="string-length($text) &gt; 300 and contains($behind, $cut) and
+                      string-length(translate($head, '[', '')) &gt;= string-length(translate($head, ']', ''))">
+        <xsl:call-template name="roles">
+          <xsl:with-param name="musician" select="$musician"/>
+          <xsl:with-param name="text" select="$head"/>
+        </xsl:call-template>
+        <xsl:call-template name="roles">
+          <xsl:with-param name="musician" select="$musician"/>
+          <xsl:with-param name="text" select="substring-after($behind, $cut)"/>
+        </xsl:call-template>
+      </xsl:when>
+      <xsl:otherwise>
+        <xsl:call-template name="few-roles">
+          <xsl:with-param name="musician" select="$musician"/>
+          <xsl:with-param name="text" select="$text"/>
+        </xsl:call-template>
+      </xsl:otherwise>
+    </xsl:choose>
+  </xsl:template>
+
+  <xsl:template name="few-roles">
+    <xsl:param name="musician"/>
+    <xsl:param name="text"/>
     <xsl:param name="begun" select="''"/>
+    <xsl:param name="partsLeft" select="150"/>
     <xsl:variable name="role" select="concat($begun, substring-before(concat($text, ', '), ', '))"/>
     <xsl:variable name="rest" select="substring-after($text, ', ')"/>
     <xsl:variable name="isOpen"
                   select="string-length(translate($role, '[', '')) &lt; string-length(translate($role, ']', ''))"/>
     <xsl:choose>
-      <xsl:when test="$isOpen and $rest != ''">
-        <xsl:call-template name="roles">
+      <xsl:when test="$rest = ''">
+        <Credit musician="{$musician}" credit="{$role}"/>
+      </xsl:when>
+      <xsl:when test="$partsLeft = 0"> <!-- a bracket that is never closed -->
+        <Credit musician="{$musician}" credit="{concat($begun, $text)}"/>
+      </xsl:when>
+      <xsl:when test="$isOpen">
+        <xsl:call-template name="few-roles">
           <xsl:with-param name="musician" select="$musician"/>
           <xsl:with-param name="text" select="$rest"/>
           <xsl:with-param name="begun" select="concat($role, ', ')"/>
+          <xsl:with-param name="partsLeft" select="$partsLeft - 1"/>
         </xsl:call-template>
       </xsl:when>
       <xsl:otherwise>
         <Credit musician="{$musician}" credit="{$role}"/>
-        <xsl:if test="$rest != ''">
-          <xsl:call-template name="roles">
-            <xsl:with-param name="musician" select="$musician"/>
-            <xsl:with-param name="text" select="$rest"/>
-          </xsl:call-template>
-        </xsl:if>
+        <xsl:call-template name="few-roles">
+          <xsl:with-param name="musician" select="$musician"/>
+          <xsl:with-param name="text" select="$rest"/>
+          <xsl:with-param name="partsLeft" select="$partsLeft - 1"/>
+        </xsl:call-template>
       </xsl:otherwise>
     </xsl:choose>
   </xsl:template>

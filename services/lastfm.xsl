@@ -15,6 +15,10 @@
 
   <xsl:template match="/">
     <SearchResults>
+      <!-- An album or artist that is not known, which comes with a status of 400 or 404. -->
+      <xsl:if test="Data/error = 6">
+        <xsl:attribute name="unknown">true</xsl:attribute>
+      </xsl:if>
       <!-- A list of one is an object in place of an array. -->
       <xsl:variable name="lists" select="Data/results/albummatches | Data/topalbums"/>
       <xsl:variable name="albums" select="$lists/album[name] | $lists/album[not(name)]/*"/>
@@ -155,7 +159,7 @@
     <xsl:param name="text"/>
     <xsl:value-of select="translate(substring($text, 1, 1), $lower, $upper)"/>
     <xsl:choose>
-      <xsl:when test="contains($text, ' ')">
+      <xsl:when test="contains($text, ' ') and string-length($text) &lt; 500">
         <xsl:value-of select="concat(substring(substring-before($text, ' '), 2), ' ')"/>
         <xsl:call-template name="capitalised">
           <xsl:with-param name="text" select="substring-after($text, ' ')"/>

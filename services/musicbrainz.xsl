@@ -214,7 +214,7 @@
       <xsl:when test="contains('|aor|ebm|edm|idm|r&amp;b|', concat('|', $text, '|'))">
         <xsl:value-of select="translate($text, $lower, $upper)"/>
       </xsl:when>
-      <xsl:when test="contains($text, ' ')">
+      <xsl:when test="contains($text, ' ') and string-length($text) &lt; 500">
         <xsl:call-template name="first-raised">
           <xsl:with-param name="text" select="substring-before($text, ' ')"/>
         </xsl:call-template>

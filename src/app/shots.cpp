@@ -93,8 +93,8 @@ void SearchPictures(TDataModuleMain& data, TPrompt& prompt, const std::function<
     grabber.Parse(QDir(ProgramFile(u"InfoGrabber"_s)).filePath(u"infograbber.xml"_s));
     Defaults().SearchByArtistRelease = 7;
     TAddMusicForm form(grabber, data, prompt);
-    form.Artist = u"Hask & Vane"_s;
-    form.ReleaseTitle = u"Low Lamps"_s;
+    form.Fields().Artist = u"Hask & Vane"_s;
+    form.Fields().ReleaseTitle = u"Low Lamps"_s;
     form.FormShow();
     TSearchWindow window(form, nullptr);
     window.show();
@@ -105,21 +105,22 @@ void SearchPictures(TDataModuleMain& data, TPrompt& prompt, const std::function<
     };
     form.Search();
     waitForDownloads();
-    const auto record = [&](size_t at) { return form.Current().Hits[at].RecordIndex; };
-    if (form.Current().Hits.size() < 9)
+    const auto record = [&](size_t at) { return form.Tabs().Current().Hits[at].RecordIndex; };
+    if (form.Tabs().Current().Hits.size() < 9)
         return;
-    form.FocusHit(record(form.Current().Hits.size() - 3));
+    form.FocusHit(record(form.Tabs().Current().Hits.size() - 3));
     waitForDownloads();
-    form.SetSelection({record(form.Current().Hits.size() - 3), record(form.Current().Hits.size() - 4)});
+    form.Tabs().SetSelection(
+        {record(form.Tabs().Current().Hits.size() - 3), record(form.Tabs().Current().Hits.size() - 4)});
     form.actSaveAndContinue();
-    for (const TSearchHit& hit : form.Current().Hits)
+    for (const TSearchHit& hit : form.Tabs().Current().Hits)
         if (hit.CatalogNo == "CRB 2207"_L1) {
             form.FocusHit(hit.RecordIndex);
             break;
         }
     waitForDownloads();
-    form.SetSelection({form.Current().Focused});
-    Q_EMIT form.hitsChanged();
+    form.Tabs().SetSelection({form.Tabs().Current().Focused});
+    Q_EMIT form.Tabs().hitsChanged();
     save(window, u"search"_s);
     SetHttpStandIn(nullptr);
 }

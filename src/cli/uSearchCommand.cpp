@@ -217,7 +217,7 @@ private:
 
     static TSearchWords WordsOf(const QCommandLineParser& parser)
     {
-        TSearchWords words{.Barcode = parser.value(u"barcode"_s).trimmed(),
+        TSearchWords words{.Barcode = CleanBarcode(parser.value(u"barcode"_s)),
                            .CatalogNo = parser.value(u"catno"_s).trimmed(),
                            .Artist = parser.value(u"artist"_s).trimmed(),
                            .Release = parser.value(u"release"_s).trimmed(),

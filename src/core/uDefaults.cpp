@@ -5,6 +5,7 @@
 #include "uDebugLog.h"
 #include "uFilePath.h"
 #include "uProgramFiles.h"
+#include "uServiceFiles.h"
 #include "uTHStrings.h"
 
 #include <QDir>
@@ -62,6 +63,8 @@ constexpr TSettingDef SettingRows[] = {
     {"MusicBrainzCountry", &D::MusicBrainzCountry, u""},
     {"MusicBrainzMediaType", &D::MusicBrainzMediaType, 0},
     {"MusicBrainzResultsPerPage", &D::MusicBrainzResultsPerPage, 20},
+    {"iTunesCountry", &D::ITunesCountry, u""},
+    {"ServicesContact", &D::ServicesContact, u""},
     {"Auto Update", &D::AutoUpdate, true},
     {"Auto Update Interval", &D::AutoUpdateInterval, 0},
     {"RecentDBs", &D::RecentDBs, u""},
@@ -114,6 +117,7 @@ const QString ArticlesKey = QStringLiteral("Articles.List");
 constexpr qsizetype MaxRecentDBs = 8;
 constexpr int SmallestThumb = 16; // pixels
 constexpr int LargestThumb = 2048;
+constexpr qsizetype LongestContact = 200;
 constexpr int LargestPicture = 512; // MiB of a decoded picture
 
 template <class... Ts>
@@ -237,6 +241,17 @@ TDefaults& Defaults()
     return settings;
 }
 
+QString ServiceAgent(const TDefaults& settings)
+{
+    // It goes into a header and between brackets there.
+    QString contact = settings.ServicesContact.simplified().left(LongestContact);
+    contact.removeIf([](QChar c) { return c == u'(' || c == u')' || !c.isPrint(); });
+    if (!contact.contains(u'@') && !contact.contains(u'.')) // neither a mail nor a web address
+        return settings.OEM.HTTPAgent;
+    const QString product = settings.OEM.HTTPAgent.section(u" ("_s, 0, 0);
+    return product.isEmpty() ? BuiltInAgent(contact) : u"%1 ( %2 )"_s.arg(product, contact);
+}
+
 TDefaults MakeDefaults() { return ReadSettings(TEmptyStore()); }
 
 TDefaults ReadSettings(const TTHCustomSettings& store)
@@ -288,7 +303,7 @@ void LoadSettings()
     QDir().mkpath(services);
     settings.InfoGrabberPath = services + u"/infograbber.xml"_s;
     Defaults() = settings;
-    PictureUserAgents() = {oem.HTTPAgent};
+    PictureUserAgents() = {ServiceAgent(settings)};
 
     ApplyLanguage();
 }
@@ -337,19 +352,6 @@ bool HasSettingsStore() { return ProcessStore() != nullptr; }
 void OpenSettingsStore(const QString& path)
 {
     ProcessStore() = path.isEmpty() ? nullptr : std::make_unique<TTHIniSettings>(path);
-}
-
-void SeedServiceDefinitions(const QString& templateFolder, const QString& userFolder)
-{
-    const QDir from(templateFolder);
-    const QDir to(userFolder);
-    if (to.exists(u"infograbber.xml"_s) || !from.exists() || !QDir().mkpath(userFolder))
-        return;
-    for (const QString& name : from.entryList(QDir::Files | QDir::Hidden)) {
-        QFile::remove(to.filePath(name));
-        if (!QFile::copy(from.filePath(name), to.filePath(name)))
-            DebugLog(u"[Settings] could not copy %1"_s.arg(name));
-    }
 }
 
 void AddRecentDB(QStringList& recent, const QString& path)

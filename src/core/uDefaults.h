@@ -74,6 +74,8 @@ struct TDefaults {
     int DiscogsMediaType = 0, DiscogsResultsPerPage = 0;
     QString MusicBrainzCountry;
     int MusicBrainzMediaType = 0, MusicBrainzResultsPerPage = 0;
+    QString ITunesCountry;      ///< of the shop that is asked; empty: that of the locale
+    QString ServicesContact;    ///< mail or web address that services are told; empty: that of the product, if any
     bool AutoUpdate = false;    ///< the service package is looked after at the start
     int AutoUpdateInterval = 0; ///< 0 each start, 1 three days, 2 weekly, 3 monthly
     QStringList RecentDBs;
@@ -118,6 +120,9 @@ std::span<const TSettingDef> SettingDefs();
 /// The settings of the process. Default values until LoadSettings has run.
 TDefaults& Defaults();
 
+/// As the program names itself to servers: the agent of the product, with the user's contact where one is given.
+QString ServiceAgent(const TDefaults& settings);
+
 /// A fresh set of settings with the default of every key.
 TDefaults MakeDefaults();
 
@@ -151,9 +156,6 @@ bool HasSettingsStore();
 /// Makes a file the store of the process, without reading the settings from it. An empty path leaves none; what was not
 /// written is forgotten.
 void OpenSettingsStore(const QString& path);
-
-/// Copies every file of the template folder to the user's folder when `infograbber.xml` is missing there.
-void SeedServiceDefinitions(const QString& templateFolder, const QString& userFolder);
 
 /// Puts a path at the top of the recent list, once, and cuts the list to 8 entries.
 void AddRecentDB(QStringList& recent, const QString& path);

@@ -58,7 +58,7 @@ TOEMInfo LoadOEMInfo(const QString& path)
             info.*attribute.Field = *value;
     }
     if (!document->Root().Attribute(u"HTTPAgent"_s))
-        info.HTTPAgent = BuiltInAgent(info.HomepageLink);
+        info.HTTPAgent = BuiltInAgent(info.HomepageLink.isEmpty() ? info.SupportLink : info.HomepageLink);
     // These two name folders; a path separator in them would lead elsewhere.
     const TOEMInfo builtIn;
     if (info.Company.isEmpty() || info.Company.contains(u'/'))

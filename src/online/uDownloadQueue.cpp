@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDownloadQueue.h"
 
+#include "uAnswerReader.h"
 #include "uDebugLog.h"
 #include "uHostLimiter.h"
 #include "uObjs.h"
@@ -47,11 +48,12 @@ int TThreadRunner::GetCount() const
 
 void TThreadRunner::Run()
 {
-    if (FRunningThreadsCount > 0)
-        return;
-    FAllThreadsFinished = false;
-    if (OnStarted)
-        OnStarted();
+    // What runs may hang: free places are given away now and not when the next thread ends.
+    if (FRunningThreadsCount == 0) {
+        FAllThreadsFinished = false;
+        if (OnStarted)
+            OnStarted();
+    }
     StartNext();
 }
 
@@ -153,15 +155,13 @@ void TCustomDownloader::Execute()
 
 void TCustomDownloader::Close()
 {
-    bool posted = false;
     {
         const std::scoped_lock lock(FMessagesLock);
         FClosed = true;
-        posted = FMessageWasPosted;
     }
     const THttpAnswer& answer = FDownloader->Answer();
     const TDownloadFailure failure = FNotReadable ? dfNotReadable : answer.Failure;
-    Report({FURL, posted ? jsDone : jsFailed, 0, Terminated() ? dfAborted : failure, answer.Status});
+    Report({FURL, FMessageWasPosted ? jsDone : jsFailed, 0, Terminated() ? dfAborted : failure, answer.Status});
     FWorking = false;
 }
 
@@ -190,15 +190,21 @@ bool TCustomDownloader::FetchBytes(const QString& url, qint64 maxBytes, QByteArr
     return FDownloader->DownloadAsStream(buffer) && !Terminated();
 }
 
-void TCustomDownloader::PostToAll(const std::function<std::unique_ptr<TMessageObject>()>& make)
+// What is made takes its time: nobody who wants to be added waits for it.
+void TCustomDownloader::PostToAll(const std::function<std::unique_ptr<TMessageObject>(const TMessageObject*)>& make)
 {
-    const std::scoped_lock lock(FMessagesLock);
-    FClosed = true;
-    if (FHandle == 0)
-        return;
-    for (size_t i = 0; i < FList.size(); ++i)
-        PostUserMessage(FHandle, {FMessageIdsList[i], make(), std::move(FList[i])});
-    FMessageWasPosted = true;
+    std::vector<std::unique_ptr<TMessageObject>> askers;
+    {
+        const std::scoped_lock lock(FMessagesLock);
+        FClosed = true;
+        askers.swap(FList);
+    }
+    for (size_t i = 0; i < askers.size() && FHandle != 0 && !Terminated(); ++i) {
+        if (auto made = make(askers[i].get())) {
+            PostUserMessage(FHandle, {FMessageIdsList[i], std::move(made), std::move(askers[i])});
+            FMessageWasPosted = true;
+        }
+    }
 }
 
 void TTextDownloader::DoDownload() { DownloadText(FURL); }
@@ -208,8 +214,13 @@ void TTextDownloader::DownloadText(const QString& url)
     DebugLog(u"Downloading %1 ..."_s.arg(url));
     SendStatus(GetLanguageString(u"cSDownloadingData"_s));
     QByteArray body;
-    if (!FetchBytes(url, MaxBytes, body))
-        return;
+    if (!FetchBytes(url, MaxBytes, body)) {
+        // Some services say in such an answer that they know nothing of what was asked for.
+        const THttpAnswer& answer = Transport().Answer();
+        FIsRefusal = answer.Failure == dfHTTP && MayTellUnknown(answer.Status) && !Terminated();
+        if (!FIsRefusal)
+            return;
+    }
     if (body.startsWith("\xEF\xBB\xBF"))
         body.remove(0, 3);
     QStringList lines = TextLines(QString::fromUtf8(body));
@@ -224,11 +235,15 @@ void TTextDownloader::DownloadText(const QString& url)
     }
 }
 
-void TTextDownloader::PostResult(QStringList lines) { PostLines(lines, {}); }
+void TTextDownloader::PostResult(QStringList lines) { PostLines(TTextAnswer(std::move(lines))); }
 
-void TTextDownloader::PostLines(const QStringList& lines, const QString& error)
+void TTextDownloader::PostLines(const TTextAnswer& answer)
 {
-    PostToAll([&] { return std::make_unique<TTextAnswer>(lines, error); });
+    PostToAll([&](const TMessageObject* asker) -> std::unique_ptr<TMessageObject> {
+        if (const auto* request = dynamic_cast<const TAnswerRequest*>(asker))
+            return request->Read(answer, FIsRefusal);
+        return FIsRefusal ? nullptr : std::make_unique<TTextAnswer>(answer.Lines, answer.Error, answer.IsTooLarge);
+    });
 }
 
 void TPictureDownloader::DoDownload() { DownloadImage(FURL); }
@@ -254,7 +269,7 @@ void TPictureDownloader::PostResult(const QByteArray& bytes, const QImage& image
     const QImage small = image.width() > side || image.height() > side
                              ? image.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation)
                              : image;
-    PostToAll([&] { return std::make_unique<TPictureAnswer>(bytes, image, small); });
+    PostToAll([&](const TMessageObject*) { return std::make_unique<TPictureAnswer>(bytes, image, small); });
 }
 
 QImage DecodePicture(const QByteArray& bytes)

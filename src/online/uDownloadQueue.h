@@ -32,7 +32,7 @@ public:
     void AddThread(std::unique_ptr<TThread> thread);
     /// Threads that run or wait.
     int GetCount() const;
-    /// Starts the threads of the list; nothing while some run already, which then are followed by the new ones.
+    /// Starts the threads of the list as far as there is room; the others follow when one ends.
     void Run();
     /// Asks all threads to end, also those that wait.
     void Terminate();
@@ -75,9 +75,20 @@ using TOnTextDownloadedSuccessfully = std::function<void(const QString& url, con
 /// The lines of a text that was fetched.
 class TTextAnswer final : public TMessageObject {
 public:
-    TTextAnswer(QStringList lines, QString error) : Lines(std::move(lines)), Error(std::move(error)) {}
+    explicit TTextAnswer(QStringList lines, QString error = {}, bool isTooLarge = false)
+        : Lines(std::move(lines)), Error(std::move(error)), IsTooLarge(isTooLarge)
+    {}
     QStringList Lines;
     QString Error; ///< why the text is not what it should be; empty where it is
+    bool IsTooLarge = false;
+};
+
+/// What goes with a request whose asker wants something else than the text. It is asked for on the thread of the job.
+class TAnswerRequest : public TMessageObject {
+public:
+    /// What the asker gets in place of the text. `isRefusal`: the text came with a status that says that there is
+    /// nothing; null then leaves it a failure.
+    virtual std::unique_ptr<TMessageObject> Read(const TTextAnswer& text, bool isRefusal) const = 0;
 };
 
 /// A picture that was fetched: as it came, decoded, and small for a card.
@@ -133,8 +144,8 @@ protected:
     void SendStatus(const QString& text);
     /// Fetches the URL into memory; false after a failure or when it was ended.
     bool FetchBytes(const QString& url, qint64 maxBytes, QByteArray& bytes);
-    /// Posts one message per asker, with an object of its own that `make` gives.
-    void PostToAll(const std::function<std::unique_ptr<TMessageObject>()>& make);
+    /// Posts one message per asker, with an object of its own that `make` gives. Null passes the asker over.
+    void PostToAll(const std::function<std::unique_ptr<TMessageObject>(const TMessageObject* asker)>& make);
 
 private:
     void Report(TJobReport report);
@@ -144,7 +155,7 @@ private:
     std::unique_ptr<TCookieManagerComponent> FCookieManager;
     std::unique_ptr<TDownloader> FDownloader;
     std::mutex FMessagesLock;
-    bool FMessageWasPosted = false;
+    std::atomic<bool> FMessageWasPosted{false};
     bool FClosed = false; // nobody can be added any more
     std::vector<std::unique_ptr<TMessageObject>> FList;
     std::vector<int> FMessageIdsList;
@@ -164,7 +175,10 @@ protected:
     void DownloadText(const QString& url);
     /// Hands the lines to all askers.
     virtual void PostResult(QStringList lines);
-    void PostLines(const QStringList& lines, const QString& error);
+    void PostLines(const TTextAnswer& answer);
+
+private:
+    bool FIsRefusal = false; // the text says that there is nothing
 };
 
 /// Fetches a picture and decodes it.

@@ -87,6 +87,7 @@ TDownloaderErrorType ErrorTypeOf(TDownloadFailure failure)
     case dfNoHost:
     case dfNoConnection: return detHostUnrachable;
     case dfTimeout:
+    case dfTooSlow:
     case dfCutOff: return detConnectionLost;
     default: return detHTTPError;
     }
@@ -326,7 +327,7 @@ bool TestConnection(const QString& url, const std::stop_token& stop)
     const std::stop_callback abort(stop, [&] { transport->AbortDownload(); });
     transport->SetFilename(path);
     transport->SetURL(url);
-    transport->SetAgent(Defaults().OEM.HTTPAgent);
+    transport->SetAgent(ServiceAgent(Defaults()));
     transport->SetMaxBytes(16 * 1024 * 1024);
     return transport->DownloadBinary(false) && QFile::exists(path);
 }

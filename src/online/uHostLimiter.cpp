@@ -35,8 +35,21 @@ void THostLimiter::Clear()
     FChanged.notify_all();
 }
 
-bool THostLimiter::Enter(const QString& host, int pace, const std::atomic<bool>& aborted,
-                         const std::function<void(int)>& waiting)
+void THostLimiter::SetPatience(std::chrono::milliseconds time)
+{
+    const std::scoped_lock lock(FLock);
+    FPatience = time;
+}
+
+// The requests of a map are in the order of their starts: the last one holds longest.
+THostLimiter::TClock::time_point THostLimiter::HeldUntil(const THost& host) const
+{
+    const bool isHeld = host.Pace > 0 && !host.Running.empty();
+    return isHeld ? host.Running.rbegin()->second + FPatience : TClock::time_point{};
+}
+
+quint64 THostLimiter::Enter(const QString& host, int pace, const std::atomic<bool>& aborted,
+                            const std::function<void(int)>& waiting)
 {
     std::unique_lock lock(FLock);
     FHosts[host].Pace = std::max(FHosts[host].Pace, pace);
@@ -44,12 +57,13 @@ bool THostLimiter::Enter(const QString& host, int pace, const std::atomic<bool>&
     while (!aborted) {
         THost& entry = FHosts[host];
         const auto now = TClock::now();
-        const bool busy = entry.Pace > 0 && entry.Running > 0;
+        const bool busy = now < HeldUntil(entry);
         if (!busy && now >= entry.Earliest) {
-            ++entry.Running;
-            return true;
+            entry.Running.emplace(++FLastRequest, now);
+            entry.Earliest = std::max(entry.Earliest, now + std::chrono::milliseconds(entry.Pace));
+            return FLastRequest;
         }
-        const auto until = busy ? now + std::chrono::hours(1) : entry.Earliest;
+        const auto until = busy ? HeldUntil(entry) : entry.Earliest;
         // Only a time that is known is told; who waits for a running request learns it when that is over.
         if (!busy && until != told && waiting) {
             told = until;
@@ -61,14 +75,14 @@ bool THostLimiter::Enter(const QString& host, int pace, const std::atomic<bool>&
         }
         FChanged.wait_until(lock, until);
     }
-    return false;
+    return 0;
 }
 
-void THostLimiter::Leave(const QString& host)
+void THostLimiter::Leave(const QString& host, quint64 request)
 {
     const std::scoped_lock lock(FLock);
     THost& entry = FHosts[host];
-    entry.Running = std::max(0, entry.Running - 1);
+    entry.Running.erase(request);
     if (entry.Pace > 0)
         entry.Earliest = std::max(entry.Earliest, TClock::now() + std::chrono::milliseconds(entry.Pace));
     FChanged.notify_all();

@@ -11,6 +11,7 @@
 #include <curl/curl.h>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
 
 namespace Kestrune {
@@ -19,8 +20,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// A server that sends a byte now and then is not waited for without end.
 constexpr long LongestTransfer = 600'000;      // milliseconds
+constexpr qint64 LeastProgress = 64 * 1024;    // bytes in DripTimeout, or the server drips
 constexpr qint64 LargestRedirect = 256 * 1024; // bytes of a body that is not read
 
 std::mutex SettingsLock;
@@ -85,6 +86,13 @@ TDownloadFailure FailureOf(CURLcode code)
     case CURLE_ABORTED_BY_CALLBACK: return dfAborted;
     default: return dfOther;
     }
+}
+
+// In place of the library's words for a sink that takes no more.
+QString TooLargeReason(const THttpRequest& request)
+{
+    return u"the answer is too large: more than %1 bytes"_s.arg(request.MaxBytes > 0 ? request.MaxBytes
+                                                                                     : LargestRedirect);
 }
 
 bool IsLegalInURL(unsigned char c)
@@ -170,6 +178,10 @@ struct THttpClient::TTransfer {
     bool TooLarge = false;
     bool SinkFailed = false;
     qint64 Skipped = 0;
+    // The last time that something worth it had come, and what was there then.
+    std::chrono::steady_clock::time_point Marked = std::chrono::steady_clock::now();
+    qint64 ReadThen = 0;
+    bool TooSlow = false;
 
     static size_t Write(char* bytes, size_t one, size_t count, void* self)
     {
@@ -210,7 +222,19 @@ struct THttpClient::TTransfer {
         auto& my = *static_cast<TTransfer*>(self);
         if (my.Progress)
             my.Progress(total, read);
-        return my.Client.FAborted ? 1 : 0;
+        my.TooSlow = my.IsDripping();
+        return my.Client.FAborted || my.TooSlow ? 1 : 0;
+    }
+
+    // A server that sends a byte now and then keeps the time-out of silence from coming.
+    bool IsDripping()
+    {
+        const auto now = std::chrono::steady_clock::now();
+        if (Read - ReadThen >= LeastProgress) {
+            ReadThen = Read;
+            Marked = now;
+        }
+        return now - Marked >= std::chrono::milliseconds(Client.FSettings.DripTimeout);
     }
 
     template <class TValue>
@@ -403,14 +427,15 @@ THttpAnswer THttpClient::Hop(const THttpRequest& request, const TSink& sink, con
         if (OnWaiting)
             OnWaiting(milliseconds);
     };
-    if (!HostLimiter().Enter(host, Pace, FAborted, waiting)) {
+    const quint64 turn = HostLimiter().Enter(host, Pace, FAborted, waiting);
+    if (turn == 0) {
         answer.Failure = dfAborted;
         return answer;
     }
     if (waited && OnWaiting)
         OnWaiting(0);
     answer = Transfer(request, sink, progress, redirectedTo);
-    HostLimiter().Leave(host);
+    HostLimiter().Leave(host, turn);
     return answer;
 }
 
@@ -454,6 +479,8 @@ THttpAnswer THttpClient::Transfer(const THttpRequest& request, const TSink& sink
         answer.Failure = dfAborted;
     else if (transfer->TooLarge)
         answer.Failure = dfTooLarge;
+    else if (transfer->TooSlow)
+        answer.Failure = dfTooSlow;
     else if (proxyStatus == 407 || (code == CURLE_OK && status == 407))
         answer.Failure = dfProxyLogin;
     else if (code == CURLE_OK && status != 200)
@@ -462,6 +489,10 @@ THttpAnswer THttpClient::Transfer(const THttpRequest& request, const TSink& sink
         answer.Reason = code == CURLE_OK
                             ? u"%1 %2"_s.arg(status).arg(answer.StatusText)
                             : QString::fromUtf8(transfer->Error[0] ? transfer->Error : curl_easy_strerror(code));
+    if (answer.Failure == dfTooLarge)
+        answer.Reason = TooLargeReason(request);
+    else if (answer.Failure == dfTooSlow)
+        answer.Reason = u"the answer comes too slowly"_s;
     char* location = nullptr;
     curl_easy_getinfo(easy, CURLINFO_REDIRECT_URL, &location);
     if (code == CURLE_OK && location && transfer->IsRedirect())

@@ -23,6 +23,7 @@ enum class TDownloadFailure : quint8 {
     dfNoHost,       ///< the name of the host or proxy is not known
     dfNoConnection, ///< nobody answers there
     dfTimeout,      ///< no answer in time
+    dfTooSlow,      ///< bytes came, but hardly any
     dfCutOff,       ///< the connection ended in the middle
     dfTooLarge,     ///< more bytes than are taken
     dfCertificate,  ///< refused with VerifyCertificates on
@@ -43,6 +44,7 @@ struct TNetworkSettings {
     QString CertificateFile;         ///< trusted certificates in place of the system's; empty: the system's
     int ConnectTimeout = 10000;      ///< milliseconds
     int ResponseTimeout = 10000;     ///< milliseconds without a byte
+    int DripTimeout = 60000;         ///< milliseconds with next to none
 };
 
 /// The settings as transports made from now on use them. Any thread.

@@ -5,6 +5,8 @@
 #include "uDictionaries.h"
 #include "uKRNParams.h"
 
+#include <QLocale>
+
 #include <algorithm>
 
 namespace Kestrune {
@@ -47,18 +49,44 @@ QString DiscogsCountryText(const QString& code)
     return found == countries.end() ? QString() : found->Description;
 }
 
+// Countries with a shop; others are answered with an error.
+constexpr char ITunesShops[] =
+    "ae ag ai al am ao ar at au az ba bb be bf bg bh bj bm bn bo br bs bt bw by bz ca cd cg ch ci cl cm cn co cr cv cy "
+    "cz de dk dm do dz ec ee eg es fi fj fm fr ga gb gd ge gh gm gr gt gw gy hk hn hr hu id ie il in iq is it jm jo jp "
+    "ke kg kh kn kr kw ky kz la lb lc lk lr lt lu lv ly ma md me mg mk ml mm mn mo mr ms mt mu mv mw mx my mz na ne ng "
+    "ni nl no np nr nz om pa pe pg ph pk pl pt pw py qa ro rs ru rw sa sb sc se sg si sk sl sn sr st sv sz tc td th tj "
+    "tm tn to tr tt tw tz ua ug us uy uz vc ve vg vn vu xk ye za zm zw";
+
+QString ITunesCountry(const TDefaults& presets)
+{
+    const QString chosen =
+        presets.ITunesCountry.isEmpty() ? QLocale::territoryToCode(QLocale().territory()) : presets.ITunesCountry;
+    return HasITunesShop(chosen) ? chosen.toLower() : QString();
+}
+
 void ReplaceAll(QString& text, const QString& what, const QString& by) { text.replace(what, by, Qt::CaseInsensitive); }
 
 } // namespace
+
+bool HasITunesShop(const QString& country)
+{
+    static const QByteArrayList shops = QByteArray(ITunesShops).split(' ');
+    return shops.contains(country.toLower().toLatin1());
+}
 
 QString TInfoGrabberServiceAction::URL() const { return URL(Defaults()); }
 
 QString TInfoGrabberServiceAction::URL(const TDefaults& presets) const
 {
     QString url = FURL;
+    const QString name = FName.toLower();
+    // Of its records as well: a number is known in the shop where it was found.
+    if (name == "itunes"_L1 && !url.contains(u"country="_s, Qt::CaseInsensitive)) {
+        if (const QString country = ITunesCountry(presets); !country.isEmpty())
+            url += (url.contains(u'?') ? u"&country="_s : u"?country="_s) + country;
+    }
     if (FServiceActionType != satSearch)
         return url;
-    const QString name = FName.toLower();
     if (name == "discogs"_L1) {
         if (!presets.DiscogsCountry.isEmpty())
             url += u"&country="_s + DiscogsCountryText(presets.DiscogsCountry);

@@ -136,16 +136,20 @@ public:
     /// Reads a file of definitions in place of what was there, and gives the hosts of the services their pace. Throws
     /// EInfoGrabberError; there are no definitions then.
     void Parse(const QString& path);
+    /// The same for a look at them: no host gets a pace.
+    void Read(const QString& path);
 
     const TInfoGrabberServices& InfoGrabberServices() const { return FInfoGrabberServices; }
     int Count() const { return static_cast<int>(FItems.size()); }
     const TInfoGrabberSearch& GetItem(int index) const { return *FItems.at(static_cast<size_t>(index)); }
     /// The first search of a type, or null.
     const TInfoGrabberSearch* GetSearchByType(TInfoGrabberSearchType value) const;
+    /// File names of all stylesheets, each once.
+    QStringList StylesheetNames() const;
+    /// True when a search has an entry that can be asked.
+    bool HasSearch() const;
     /// Where the stylesheets lie; empty before Parse.
     const QString& Folder() const { return FFolder; }
-    /// A stylesheet as it lies on disk now; throws EInfoGrabberError when it cannot be read.
-    QByteArray ReadStylesheet(const TInfoGrabberServiceAction& action) const;
     /// True when a host answers requests of a service, so that it has a pace of its own.
     bool IsServiceHost(const QString& host) const { return FHosts.contains(host); }
 
@@ -160,6 +164,12 @@ private:
     QString FFolder;
     QStringList FHosts;
 };
+
+/// True for the code of a country with a shop that can be asked for albums.
+bool HasITunesShop(const QString& country);
+
+/// A stylesheet of the folder of a package, as it lies on disk now; throws EInfoGrabberError when it cannot be read.
+QByteArray ReadStylesheet(const QString& folder, const QString& name);
 
 /// The one of the process.
 TInfoGrabber& InfoGrabber();

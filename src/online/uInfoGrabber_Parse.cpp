@@ -102,6 +102,38 @@ std::unique_ptr<TInfoGrabberService> TInfoGrabberService::FromElement(const TXml
 
 void TInfoGrabber::Parse(const QString& path)
 {
+    Read(path);
+    SetPaces();
+    CheckOrder();
+}
+
+QStringList TInfoGrabber::StylesheetNames() const
+{
+    QStringList names;
+    const auto take = [&](const TInfoGrabberActions& actions) {
+        for (const auto& action : actions)
+            names.append(action->Tranform());
+    };
+    for (const auto& service : FInfoGrabberServices.FItems)
+        take(service->Items());
+    for (const auto& search : FItems)
+        take(search->FItems);
+    names.removeAll(QString());
+    names.removeDuplicates();
+    return names;
+}
+
+bool TInfoGrabber::HasSearch() const
+{
+    return std::ranges::any_of(FItems, [this](const auto& search) {
+        return std::ranges::any_of(search->FItems, [this](const auto& entry) {
+            return FInfoGrabberServices.GetServiceByName(entry->Name()) && !entry->RawURL().isEmpty();
+        });
+    });
+}
+
+void TInfoGrabber::Read(const QString& path)
+{
     FInfoGrabberServices.FItems.clear();
     FItems.clear();
     FHosts.clear();
@@ -115,8 +147,6 @@ void TInfoGrabber::Parse(const QString& path)
     ParseServices(document->Root());
     for (const TSection& section : Sections)
         ParseSearch(document->Root(), QString::fromUtf16(section.Name), section.Type);
-    SetPaces();
-    CheckOrder();
 }
 
 void TInfoGrabber::ParseServices(const TXmlElement& root)
@@ -182,18 +212,18 @@ void TInfoGrabber::CheckOrder() const
         DebugLog(u"[Services] ArtistSearch, ReleaseSearch and ReleaseAndArtistSearch list other services"_s);
 }
 
-QByteArray TInfoGrabber::ReadStylesheet(const TInfoGrabberServiceAction& action) const
+QByteArray ReadStylesheet(const QString& folder, const QString& name)
 {
     // The name comes from a file that was fetched: it stays inside the folder.
-    const QString path = QDir::cleanPath(QDir(FFolder).filePath(action.Tranform()));
+    const QString path = QDir::cleanPath(QDir(folder).filePath(name));
     QFile file(path);
-    const bool inside = path.startsWith(FFolder + u'/') && QFileInfo(path).isFile() && // no pipe, no device
-                        QFileInfo(path).canonicalFilePath().startsWith(QFileInfo(FFolder).canonicalFilePath() + u'/');
+    const bool inside = path.startsWith(folder + u'/') && QFileInfo(path).isFile() && // no pipe, no device
+                        QFileInfo(path).canonicalFilePath().startsWith(QFileInfo(folder).canonicalFilePath() + u'/');
     QByteArray text;
-    if (!action.Tranform().isEmpty() && inside && file.open(QIODevice::ReadOnly))
+    if (!name.isEmpty() && inside && file.open(QIODevice::ReadOnly))
         text = file.read(LargestStylesheet + 1);
     if (text.isEmpty() || text.size() > LargestStylesheet)
-        throw EInfoGrabberError(u"the stylesheet \"%1\" cannot be read"_s.arg(action.Tranform()));
+        throw EInfoGrabberError(u"the stylesheet \"%1\" cannot be read"_s.arg(name));
     if (text.startsWith("\xEF\xBB\xBF"))
         text.remove(0, 3);
     return text;

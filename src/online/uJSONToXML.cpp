@@ -8,6 +8,7 @@
 #include <rapidjson/reader.h>
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -85,6 +86,31 @@ std::pair<const char*, int> Replacement(const char* c, const char* end)
     }
 }
 
+// Where the escape of a high surrogate without its low one begins, or -1. The reader refuses a text for it, while a low
+// one alone goes through and is left out when it is written.
+qsizetype LoneHighSurrogate(const QByteArray& json, qsizetype from)
+{
+    const auto half = [&](qsizetype at, const char* leads) {
+        return at + 5 < json.size() && json[at] == '\\' && json[at + 1] == 'u' && (json[at + 2] | 0x20) == 'd' &&
+               std::strchr(leads, json[at + 3] | 0x20);
+    };
+    for (qsizetype at = json.indexOf('\\', from); at >= 0; at = json.indexOf('\\', at + 2)) {
+        if (!half(at, "89ab"))
+            continue;
+        if (!half(at + 6, "cdef"))
+            return at;
+        at += 4;
+    }
+    return -1;
+}
+
+QByteArray WithoutLoneSurrogates(QByteArray json)
+{
+    for (qsizetype at = LoneHighSurrogate(json, 0); at >= 0; at = LoneHighSurrogate(json, at + 6))
+        json.replace(at + 3, 1, "c");
+    return json;
+}
+
 // Writes the XML while the text is read; nothing of the JSON is held.
 class TXmlWriter {
 public:
@@ -139,6 +165,8 @@ public:
     }
 
     QByteArray Take() { return std::move(FXml) + Footer; }
+    /// Why it was ended, and not by the text itself.
+    bool IsTooLarge() const { return !InBounds(); }
 
 private:
     struct TLevel {
@@ -191,8 +219,9 @@ private:
 
 } // namespace
 
-QByteArray JSONToXML(const QByteArray& json, QString* error)
+QByteArray JSONToXML(const QByteArray& text, QString* error, bool* isTooLarge)
 {
+    const QByteArray json = WithoutLoneSurrogates(text);
     // Iterative: a text of nothing but brackets needs no deep stack.
     constexpr unsigned flags =
         rapidjson::kParseNumbersAsStringsFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
@@ -202,8 +231,12 @@ QByteArray JSONToXML(const QByteArray& json, QString* error)
     rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, TReaderMemory> reader;
     const rapidjson::ParseResult result = reader.Parse<flags>(stream, writer);
     if (!result) {
-        const QString reason = u"no JSON at byte %1: %2"_s.arg(result.Offset())
-                                   .arg(QLatin1StringView(rapidjson::GetParseError_En(result.Code())));
+        if (isTooLarge)
+            *isTooLarge = writer.IsTooLarge();
+        const QString reason = writer.IsTooLarge()
+                                   ? u"the answer is too large"_s
+                                   : u"no JSON at byte %1: %2"_s.arg(result.Offset())
+                                         .arg(QLatin1StringView(rapidjson::GetParseError_En(result.Code())));
         DebugLog(u"[JSON] "_s + reason);
         if (error)
             *error = reason;
@@ -217,8 +250,9 @@ QString JSONToXML(const QString& json) { return QString::fromUtf8(JSONToXML(json
 void TJSONTextDownloader::PostResult(QStringList lines)
 {
     QString error;
-    const QByteArray xml = JSONToXML(lines.join(u'\n').toUtf8(), &error);
-    PostLines(TextLines(QString::fromUtf8(xml)), error);
+    bool isTooLarge = false;
+    const QByteArray xml = JSONToXML(lines.join(u'\n').toUtf8(), &error, &isTooLarge);
+    PostLines(TTextAnswer(TextLines(QString::fromUtf8(xml)), error, isTooLarge));
 }
 
 } // namespace Kestrune

@@ -4,13 +4,9 @@
 #include "uDefaults.h"
 #include "uDownloadQueue.h"
 #include "uInfoGrabber.h"
-#include "uJSONToXML.h"
 #include "uKRNParams.h"
-#include "uXSLTranformation.h"
-#include "uXml.h"
 
 #include <QBuffer>
-#include <QUrl>
 
 #include <chrono>
 #include <condition_variable>
@@ -21,11 +17,6 @@ namespace Kestrune {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-bool IsNamed(const TXmlElement& element, QLatin1StringView name)
-{
-    return element.Name().compare(name, Qt::CaseInsensitive) == 0;
-}
 
 // Nobody sees how long this road waits: a server that wants more than a minute is left out.
 void EndLongWaits(TDownloader& transport)
@@ -59,58 +50,13 @@ private:
 
 } // namespace
 
-bool FindReleases(const TXmlDocument& document, std::vector<TXmlElement>& releases)
-{
-    TXmlElement results = document.Root();
-    if (!IsNamed(results, "SearchResults"_L1)) {
-        results = {};
-        for (const TXmlElement& child : document.Root().Children()) {
-            if (IsNamed(child, "SearchResults"_L1)) {
-                results = child;
-                break;
-            }
-        }
-    }
-    if (results.IsNull())
-        return false;
-    for (const TXmlElement& child : results.Children()) {
-        if (IsNamed(child, "release"_L1))
-            releases.push_back(child);
-    }
-    return true;
-}
-
-void ResolvePictureURLs(TAlbumRelease& release, const QString& requestURL)
-{
-    const QUrl base = QUrl::fromEncoded(EncodeURL(requestURL));
-    for (const auto& picture : release.Pictures) {
-        if (picture->URL().isEmpty())
-            continue;
-        const QUrl url = QUrl::fromEncoded(EncodeURL(picture->URL()));
-        if (url.isRelative() && url.isValid())
-            picture->SetURL(base.resolved(url).toString(QUrl::FullyEncoded));
-    }
-}
-
-bool NormaliseAnswer(const TInfoGrabber& grabber, const TInfoGrabberServiceAction& action, const QByteArray& answer,
-                     QByteArray& document, QString* error)
-{
-    try {
-        return TransformXSL(answer, grabber.ReadStylesheet(action), document, false, error);
-    } catch (const EInfoGrabberError& failure) {
-        if (error)
-            *error = QString::fromUtf8(failure.what());
-        return false;
-    }
-}
-
 TReleaseFetch::TReleaseFetch(const TInfoGrabber& grabber, std::stop_token stop)
     : FGrabber(grabber),
       FStop(std::move(stop)),
       FCookies(ChooseCookieManagerClass()()),
       FTransport(ChooseDownloaderClass()(FCookies.get()))
 {
-    FTransport->SetAgent(Defaults().OEM.HTTPAgent);
+    FTransport->SetAgent(ServiceAgent(Defaults()));
     FTransport->SetMaxBytes(TTextDownloader::MaxBytes);
     EndLongWaits(*FTransport);
 }
@@ -123,40 +69,27 @@ bool TReleaseFetch::FetchDocument(const TInfoGrabberServiceAction& action, const
     FError.clear();
     FNotFound = false;
     FTransport->SetURL(params.ReplaceWithParams(action.URL()));
+    const TAnswerReader reader(FGrabber, action, FTransport->URL());
     QStringList lines;
     const std::stop_callback abort(FStop, [this] { FTransport->AbortDownload(); });
     try {
         if (!FTransport->DownloadAsTStrings(lines, action.CodePage())) {
-            FError = FTransport->Answer().Reason;
-            FNotFound = FTransport->Answer().Status == 404 && action.ServiceActionType() == satSearch;
+            const THttpAnswer& answer = FTransport->Answer();
+            if (answer.Failure == dfHTTP && MayTellUnknown(answer.Status) &&
+                reader.Read(lines.join(u'\n').toUtf8()).IsUnknown)
+                return true;
+            FError = answer.Reason;
+            FNotFound = answer.Status == 404 && action.ServiceActionType() == satSearch;
             return false;
         }
     } catch (const EInvalidEncoding& failure) {
         FError = QString::fromUtf8(failure.what());
         return false;
     }
-    QByteArray answer = lines.join(u'\n').toUtf8();
-    QString notJson;
-    if (action.JSON())
-        answer = JSONToXML(answer, &notJson);
-    QByteArray document;
-    if (!NormaliseAnswer(FGrabber, action, answer, document, &FError))
-        return false;
-    const auto parsed = TXmlDocument::Parse(document, &FError);
-    std::vector<TXmlElement> nodes;
-    if (!parsed || !FindReleases(*parsed, nodes)) {
-        FError = notJson.isEmpty() ? FError : notJson;
-        return true; // no hit
-    }
-    if (firstOnly && nodes.size() > 1)
-        nodes.resize(1);
-    for (const TXmlElement& node : nodes) {
-        auto& release = releases.emplace_back(std::make_unique<TAlbumRelease>());
-        LoadAlbumReleaseFromNode(*release, node);
-        ResolvePictureURLs(*release, FTransport->URL());
-    }
-    FError = notJson;
-    return true;
+    const TAnswerDocument answer = reader.Read(lines.join(u'\n').toUtf8());
+    FError = answer.Reason;
+    releases = reader.Load(answer, firstOnly ? 1 : answer.Releases.size());
+    return answer.IsTransformed;
 }
 
 bool TReleaseFetch::FetchHits(const TInfoGrabberServiceAction& action, const TKRNParams& params,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uAnswerReader.h"
 #include "uDownloader.h"
 #include "uObjs.h"
 
@@ -12,25 +13,7 @@
 
 namespace Kestrune {
 
-class TInfoGrabber;
-class TInfoGrabberServiceAction;
 class TKRNParams;
-class TXmlDocument;
-class TXmlElement;
-
-using TAlbumReleases = std::vector<std::unique_ptr<TAlbumRelease>>;
-
-/// The `Release` elements of a search result document: below `SearchResults`, which is the root or a child of it.
-/// False when there is no `SearchResults`.
-bool FindReleases(const TXmlDocument& document, std::vector<TXmlElement>& releases);
-
-/// The answer of a service as its stylesheet makes a search result document of it. False, with the reason, when the
-/// answer is not understood or the stylesheet fails.
-bool NormaliseAnswer(const TInfoGrabber& grabber, const TInfoGrabberServiceAction& action, const QByteArray& answer,
-                     QByteArray& document, QString* error = nullptr);
-
-/// Gives pictures whose address is relative the address that it means beside the request (RFC 3986, section 5.2).
-void ResolvePictureURLs(TAlbumRelease& release, const QString& requestURL);
 
 /// Fetches from a service on the thread that calls; one object for one logical client, whose requests share cookies.
 class TReleaseFetch {
@@ -52,6 +35,7 @@ public:
     /// Of the last request that failed.
     const QString& Error() const { return FError; }
     /// True when the last request was a search that was answered with 404, as some services say that they know nothing.
+    /// One that says so in the answer itself is no failure.
     bool NotFound() const { return FNotFound; }
 
     /// Between a search and its detail request, in milliseconds.

@@ -4,9 +4,20 @@
 #include "uInfoGrabber.h"
 #include "uKRNParams.h"
 
+#include <algorithm>
+
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
+
+QString CleanBarcode(const QString& text)
+{
+    const QString code = text.trimmed();
+    QString digits = code;
+    digits.removeIf([](QChar c) { return c.isSpace() || c == u'-'; });
+    const bool onlyDigits = std::ranges::all_of(digits, [](QChar c) { return c >= u'0' && c <= u'9'; });
+    return onlyDigits ? digits : code;
+}
 
 void FillSearchParams(TKRNParams& params, const TSearchWords& words, const TInfoGrabberServiceAction& action)
 {

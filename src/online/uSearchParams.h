@@ -21,6 +21,9 @@ struct TSearchWords {
     std::optional<TDiscWords> Disc; ///< in searches by a disc
 };
 
+/// A barcode as services know it: one that was scanned or copied with blanks or hyphens between its digits loses them.
+QString CleanBarcode(const QString& text);
+
 /// Fills the parameters for one entry of a search in place of what was there.
 void FillSearchParams(TKRNParams& params, const TSearchWords& words, const TInfoGrabberServiceAction& action);
 

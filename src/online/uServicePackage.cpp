@@ -1,17 +1,21 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uServicePackage.h"
 
+#include "uInfoGrabber.h"
+#include "uServiceFiles.h"
 #include "uTHSettings.h"
+#include "uXSLTranformation.h"
 
+#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <unistd.h>
 #include <zip.h>
 
 #include <algorithm>
-#include <cstdio>
 #include <memory>
 #include <vector>
 
@@ -131,7 +135,51 @@ QString UnpackFile(zip_t& archive, const TEntry& entry, const QString& path)
     }
     if (done != entry.Size)
         return failure;
-    return file.flush() ? QString() : u"%1: %2"_s.arg(path, file.errorString());
+    return file.flush() && ::fsync(file.handle()) == 0 ? QString() : u"%1: %2"_s.arg(path, file.errorString());
+}
+
+// A folder that stands around all of the package is no part of it.
+void TakeOffTopFolder(std::vector<TEntry>& entries)
+{
+    const QString top = entries.front().Name.section(u'/', 0, 0) + u'/';
+    const bool isAround = std::ranges::all_of(entries, [&](const TEntry& entry) { return entry.Name.startsWith(top); });
+    if (!isAround)
+        return;
+    std::erase_if(entries, [&](const TEntry& entry) { return entry.Name == top; });
+    for (TEntry& entry : entries)
+        entry.Name.remove(0, top.size());
+}
+
+// Unpacks all entries into the folder; what is wrong, or empty.
+QString Unpack(zip_t& archive, const std::vector<TEntry>& entries, const QString& folder, const std::stop_token& stop)
+{
+    for (const TEntry& entry : entries) {
+        const QString path = folder + u'/' + entry.Name;
+        QString error;
+        if (entry.IsFolder)
+            QDir().mkpath(path);
+        else
+            error = UnpackFile(archive, entry, path);
+        if (stop.stop_requested())
+            error = u"stopped"_s;
+        if (!error.isEmpty())
+            return error;
+    }
+    return {};
+}
+
+void KeepDelivery(const std::vector<TEntry>& entries, const QString& made, const QString& folder, int version)
+{
+    TServiceDelivery delivery;
+    delivery.Version = version;
+    delivery.Template = TServiceDelivery::Read(folder).Template;
+    for (const TEntry& entry : entries) {
+        QFile file(made + u'/' + entry.Name);
+        if (!entry.IsFolder && file.open(QIODevice::ReadOnly))
+            delivery.Files[entry.Name] = QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256).toHex();
+    }
+    QFile::remove(made + u"/.delivered"_s);
+    delivery.Write(made); // without it the user's hand is suspected, no more
 }
 
 } // namespace
@@ -185,7 +233,34 @@ QString ServicesZipURL(const QString& endpoint)
     return endpoint + (endpoint.endsWith(u'/') ? QString() : u"/"_s) + u"Services.zip"_s;
 }
 
-bool InstallServicePackage(const QString& zipPath, const QString& folder, QString& error, const std::stop_token& stop)
+bool CheckServicePackage(const QString& folder, QString& error, const std::stop_token& stop)
+{
+    constexpr qsizetype mostStylesheets = 200;
+    TInfoGrabber package;
+    QStringList stylesheets;
+    try {
+        package.Read(folder + u"/infograbber.xml"_s);
+        stylesheets = package.StylesheetNames();
+        if (!package.HasSearch())
+            throw EInfoGrabberError(u"no service takes part in a search"_s);
+        if (stylesheets.size() > mostStylesheets)
+            throw EInfoGrabberError(u"the package has %1 stylesheets"_s.arg(stylesheets.size()));
+        for (const QString& name : stylesheets) {
+            QString reason;
+            if (stop.stop_requested())
+                throw EInfoGrabberError(u"stopped"_s);
+            if (!CompilesXSL(ReadStylesheet(folder, name), &reason))
+                throw EInfoGrabberError(u"%1: %2"_s.arg(name, reason));
+        }
+    } catch (const EInfoGrabberError& failure) {
+        error = QString::fromUtf8(failure.what());
+        return false;
+    }
+    return true;
+}
+
+bool InstallServicePackage(const QString& zipPath, const QString& folder, int version, QString& error,
+                           const std::stop_token& stop)
 {
     int code = 0;
     const TZip archive(zip_open(QFile::encodeName(zipPath).constData(), ZIP_RDONLY | ZIP_CHECKCONS, &code));
@@ -197,37 +272,20 @@ bool InstallServicePackage(const QString& zipPath, const QString& folder, QStrin
     error = ListEntries(*archive, entries);
     if (!error.isEmpty())
         return false;
-    QTemporaryDir aside(QFileInfo(folder).absolutePath() + u"/package-XXXXXX"_s);
+    TakeOffTopFolder(entries);
+    // A link that the user made in place of the folder stays one.
+    const QFileInfo info(folder);
+    const QString target = info.exists() ? info.canonicalFilePath() : info.absoluteFilePath();
+    QTemporaryDir aside(ServiceAsidePrefix(target) + u"XXXXXX"_s);
     if (!aside.isValid()) {
         error = aside.errorString();
         return false;
     }
-    for (const TEntry& entry : entries) {
-        const QString path = aside.filePath(entry.Name);
-        if (entry.IsFolder)
-            QDir().mkpath(path);
-        else
-            error = UnpackFile(*archive, entry, path);
-        if (stop.stop_requested())
-            error = u"stopped"_s;
-        if (!error.isEmpty())
-            return false;
-    }
-    for (const TEntry& entry : entries) {
-        const QString target = folder + u'/' + entry.Name;
-        if (!QDir().mkpath(entry.IsFolder ? target : QFileInfo(target).absolutePath())) {
-            error = u"%1 cannot be made"_s.arg(target);
-            return false;
-        }
-        if (entry.IsFolder)
-            continue;
-        const QString source = aside.filePath(entry.Name);
-        if (std::rename(QFile::encodeName(source).constData(), QFile::encodeName(target).constData()) != 0) {
-            error = u"Failed to move file from \"%1\" to \"%2\""_s.arg(source, target);
-            return false;
-        }
-    }
-    return true;
+    error = Unpack(*archive, entries, aside.path(), stop);
+    if (!error.isEmpty() || !CheckServicePackage(aside.path(), error, stop))
+        return false;
+    KeepDelivery(entries, aside.path(), target, version);
+    return CarryOver(target, aside.path(), error) && ReplaceFolder(aside.path(), target, error);
 }
 
 } // namespace Kestrune

@@ -35,11 +35,15 @@ std::optional<int> ParseServicesVersion(const QString& text);
 QString ServicesVersionURL(const QString& endpoint);
 QString ServicesZipURL(const QString& endpoint);
 
-/// Unpacks a package over the folder. All is unpacked aside and looked at first: entries that lead out of the folder,
-/// links and sizes beyond all reason refuse the whole package, and nothing is changed. Files that the package does not
-/// have stay. False with a sentence in `error`.
-/// `stop` is looked at until the first file is moved.
-bool InstallServicePackage(const QString& zipPath, const QString& folder, QString& error,
+/// Puts a package in the place of the folder's content, as a whole or not at all. It is unpacked beside the folder and
+/// looked at first: entries that lead out of the folder, links and sizes beyond all reason refuse it, and so does
+/// CheckServicePackage. A folder around all of it is taken off. Files that the package does not have stay. `version` is
+/// kept with it, -1 when it is unknown. False with a sentence in `error`. `stop` is looked at until it is put in place.
+bool InstallServicePackage(const QString& zipPath, const QString& folder, int version, QString& error,
                            const std::stop_token& stop = {});
+
+/// True when the package in a folder can work: its definitions can be read, a service takes part in a search, and every
+/// stylesheet that they name is there and compiles. Blocks for as long as these take, at most some seconds.
+bool CheckServicePackage(const QString& folder, QString& error, const std::stop_token& stop = {});
 
 } // namespace Kestrune

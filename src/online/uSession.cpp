@@ -216,7 +216,7 @@ THttpAnswer TSessionPlayer::Answer(const THttpRequest& request, QByteArray& body
     if (request.MaxBytes > 0 && body.size() > request.MaxBytes) {
         body.clear();
         answer.Failure = dfTooLarge;
-        answer.Reason = u"more bytes than are taken"_s;
+        answer.Reason = u"the answer is too large"_s;
     }
     return answer;
 }

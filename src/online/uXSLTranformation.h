@@ -16,4 +16,7 @@ bool TransformXSL(const QString& xml, const QString& stylesheet, QString& output
 bool TransformXSL(const QByteArray& xml, const QByteArray& stylesheet, QByteArray& output, bool asSerialised = false,
                   QString* error = nullptr);
 
+/// True when the stylesheet compiles within the same bounds; else the reason in `error`. Any thread.
+bool CompilesXSL(const QByteArray& stylesheet, QString* error = nullptr);
+
 } // namespace Kestrune

@@ -103,6 +103,9 @@ TEST_F(CliSearch, ListsTheHitsOfAllServicesInOrder)
                                       "beta\tb1\t\tBeta title\t\t\t\t\t\t\n");
     EXPECT_EQ(text.Err.toStdString(), "kestrune-cli: Locked Room: needs a key (DISCOGS_API_KEY)\n");
     EXPECT_EQ(FServer.Log().front().Target, "/alpha/barcode?q=123");
+    const qsizetype asked = FServer.Log().size();
+    EXPECT_EQ(Search({u"--barcode"_s, u" 1 2-3 "_s}).Code, 0);
+    EXPECT_EQ(FServer.Log().at(asked).Target, "/alpha/barcode?q=123");
     const QJsonArray json = Barcode({u"--json"_s}).Json().array();
     ASSERT_EQ(json.size(), 3);
     EXPECT_EQ(json[0][u"title"_s].toString(), u"Wired\tUp"_s);

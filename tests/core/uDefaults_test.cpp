@@ -154,22 +154,6 @@ TEST(Settings, ValuesOfAnotherKindGiveTheDefault)
     EXPECT_EQ(store.ReadDouble(u"ThemeIndex"_s, 2.5), 2.5);
 }
 
-TEST(Settings, ServiceDefinitionsAreSeededOnce)
-{
-    const Kit::TTempDir dir;
-    dir.Write(u"template/infograbber.xml"_s, "new");
-    dir.Write(u"template/a.xsl"_s, "a");
-    dir.Write(u"user/a.xsl"_s, "old");
-    SeedServiceDefinitions(dir.File(u"template"_s), dir.File(u"user"_s));
-    EXPECT_EQ(Kit::ReadAll(dir.File(u"user/a.xsl"_s)), "a") << "overwritten";
-    EXPECT_EQ(Kit::ReadAll(dir.File(u"user/infograbber.xml"_s)), "new");
-    Kit::WriteAll(dir.File(u"user/a.xsl"_s), "mine");
-    SeedServiceDefinitions(dir.File(u"template"_s), dir.File(u"user"_s));
-    EXPECT_EQ(Kit::ReadAll(dir.File(u"user/a.xsl"_s)), "mine");
-    SeedServiceDefinitions(dir.File(u"nowhere"_s), dir.File(u"user2"_s));
-    EXPECT_FALSE(QFile::exists(dir.File(u"user2/infograbber.xml"_s)));
-}
-
 TEST(ProductIdentity, AttributesReplaceBuiltInValues)
 {
     const Kit::TTempDir dir;
@@ -181,6 +165,34 @@ TEST(ProductIdentity, AttributesReplaceBuiltInValues)
     EXPECT_EQ(info.HTTPAgent, QString());
     EXPECT_EQ(LoadOEMInfo(dir.Write(u"q.xml"_s, "<broken")).Name, TOEMInfo().Name);
     EXPECT_EQ(LoadOEMInfo(dir.File(u"none.xml"_s)).Product, TOEMInfo().Product);
+}
+
+TEST(ProductIdentity, TheAgentCarriesAContactWhereOneIsNamed)
+{
+    const auto product = BuiltInAgent().toStdString();
+    struct TRow {
+        const char16_t *Agent, *Contact;
+        std::string Expected;
+    };
+    const TRow rows[] = {
+        {u"", u"", ""},
+        {u"P/1", u"", "P/1"},
+        {u"P/1", u" me@mail.invalid\r\nX: y ", "P/1 ( me@mail.invalid X: y )"},
+        {u"P/1 ( https://p.invalid )", u"", "P/1 ( https://p.invalid )"},
+        {u"P/1 ( https://p.invalid )", u"(https://me.invalid)", "P/1 ( https://me.invalid )"},
+        {u"P/1", u"me", "P/1"},
+        {u"", u"me@mail.invalid", product + " ( me@mail.invalid )"},
+    };
+    for (const TRow& row : rows) {
+        TDefaults settings = MakeDefaults();
+        settings.OEM.HTTPAgent = QString::fromUtf16(row.Agent);
+        settings.ServicesContact = QString::fromUtf16(row.Contact);
+        EXPECT_EQ(ServiceAgent(settings).toStdString(), row.Expected);
+    }
+    const Kit::TTempDir dir;
+    EXPECT_EQ(LoadOEMInfo(dir.Write(u"p.xml"_s, "<P SupportLink='help@p.invalid'/>")).HTTPAgent.toStdString(),
+              product + " ( help@p.invalid )");
+    EXPECT_EQ(LoadOEMInfo(dir.Write(u"q.xml"_s, "<P/>")).HTTPAgent.toStdString(), product) << "none is invented";
 }
 
 TEST(Dictionaries, CountriesKeepTheirOrderAndTheirOddCodes)

@@ -127,6 +127,40 @@ TEST_F(QueueTest, RunsFiveAtATimeAndThenTheRest)
     EXPECT_EQ(Events, (QStringList{u"started"_s, u"finished"_s}));
 }
 
+// Answers with what it read and on which thread.
+struct TReading final : TAnswerRequest {
+    std::unique_ptr<TMessageObject> Read(const TTextAnswer& text, bool isRefusal) const override
+    {
+        if (isRefusal && text.Lines.value(0) != u"unknown"_s)
+            return nullptr;
+        return std::make_unique<TTextAnswer>(
+            QStringList{text.Lines.join(u'|'), OnMainThread() ? u"main"_s : u"beside"_s});
+    }
+};
+
+TEST_F(QueueTest, AnswersAreReadOnTheThreadOfTheirJob)
+{
+    struct TKeeping final : TMessageReceiver {
+        QStringList Got;
+        void HandleMessage(TUserMessage& message) override
+        {
+            Got.append(static_cast<TTextAnswer&>(*message.WParam).Lines.join(u' '));
+        }
+    } keeping;
+    TDownloadQueue queue(keeping.Handle());
+    queue.OnAllThreadsTerminated = [this] { Loop.quit(); };
+    Server.Serve("/ok", {.Body = "a\nb"});
+    Server.Serve("/400", {.Status = 400, .Body = "unknown"});
+    Server.Serve("/404", {.Status = 404, .Body = "no page"});
+    Server.Serve("/500", {.Status = 500, .Body = "unknown"});
+    for (const QString& path : {u"/ok"_s, u"/400"_s, u"/404"_s, u"/500"_s})
+        queue.AddDownloader(MakeDownloader<TTextDownloader>, Server.URL(path), {}, 1, std::make_unique<TReading>());
+    queue.Run();
+    Loop.exec();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(keeping.Got, (QStringList{u"a|b beside"_s, u"unknown beside"_s}));
+}
+
 TEST_F(QueueTest, FailuresAreSilentAndTheirReasonIsReported)
 {
     Server.Serve("/404", {.Status = 404, .Body = "none"});
@@ -158,10 +192,44 @@ TEST_F(QueueTest, JobsAddedWhileOthersRunAreStartedByThem)
     Add(u"/1"_s, 1);
     Queue->Run();
     Add(u"/2"_s, 2);
-    Queue->Run(); // does nothing
+    Queue->Run(); // there is no room
     Loop.exec();
     EXPECT_EQ(Receiver.Got.size(), 2U);
     EXPECT_EQ(Events, (QStringList{u"started"_s, u"finished"_s}));
+}
+
+TEST_F(QueueTest, AJobStartsAtOnceBesideOneThatHangs)
+{
+    Server.Serve("/hangs", {.Body = "x", .SilentAfter = true});
+    Server.Serve("/quick", {.Body = "x"});
+    Add(u"/hangs"_s, 1);
+    Queue->Run();
+    Add(u"/quick"_s, 2);
+    Queue->Run();
+    while (Receiver.Got.empty() && Queue->GetCount() == 2)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    ASSERT_EQ(Receiver.Got.size(), 1U);
+    EXPECT_EQ(Receiver.Got[0].Number, 2);
+    EXPECT_EQ(Events, (QStringList{u"started"_s}));
+    Queue->Terminate();
+    Loop.exec();
+}
+
+TEST_F(QueueTest, ADripDoesNotHoldUpTheOthersOfItsHost)
+{
+    HostLimiter().SetPatience(std::chrono::milliseconds(50));
+    HostLimiter().SetPace(u"127.0.0.1"_s, 10);
+    Server.Serve("/drip", {.Body = QByteArray(100000, 'd'), .DripMs = 20});
+    Server.Serve("/quick", {.Body = "x"});
+    for (int i = 0; i < 3; ++i)
+        Add(i == 0 ? u"/drip"_s : u"/quick?%1"_s.arg(i), i);
+    Queue->Run();
+    while (Queue->GetCount() > 1)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    EXPECT_EQ(Receiver.Got.size(), 2U);
+    Queue->Terminate();
+    Loop.exec();
+    HostLimiter().SetPatience(THostLimiter::DefaultPatience);
 }
 
 TEST_F(QueueTest, TerminateEndsRunningAndWaitingJobsWithoutAMessage)

@@ -48,6 +48,7 @@ protected:
             TNetworkSettings settings;
             settings.ConnectTimeout = 1000;
             settings.ResponseTimeout = 1000;
+            settings.DripTimeout = 2500;
             SetNetworkSettings(settings);
         }
     } Times;
@@ -143,6 +144,7 @@ TEST_P(DownloaderTest, TellsWhyARequestBroughtNothing)
         {"cut off", {.Body = QByteArray(5000, 'a'), .CutAfter = 100}, dfCutOff, detConnectionLost, 200},
         {"longer than told", {.Body = "ab", .ToldLength = 50}, dfCutOff, detConnectionLost, 200},
         {"silent", {.Body = "x", .SilentAfter = true}, dfTimeout, detConnectionLost, 200},
+        {"dripping", {.Body = QByteArray(100000, 'd'), .DripMs = 20}, dfTooSlow, detConnectionLost, 200},
         {"endless", {.Body = QByteArray(100000, 'e'), .Endless = true}, dfTooLarge, detHTTPError, 200},
         {"to a file", {.Status = 302, .Headers = {{"Location", "file:///etc/passwd"}}}, dfBadURL, detHTTPError, 302},
     };
@@ -157,6 +159,7 @@ TEST_P(DownloaderTest, TellsWhyARequestBroughtNothing)
         EXPECT_EQ(Transport->Answer().Status, row.Status);
         EXPECT_EQ(type, GetParam().Major < 10 ? row.Type : detHTTPError) << "one kind for the platform's transport";
         EXPECT_FALSE(Transport->Answer().Reason.isEmpty());
+        EXPECT_EQ(Transport->Answer().Reason.startsWith(u"the answer is too large"_s), row.Failure == dfTooLarge);
     }
     Transport->SetErrorEvent({});
     EXPECT_FALSE(Get(u"file:///etc/passwd"_s));

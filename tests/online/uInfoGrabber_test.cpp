@@ -4,6 +4,7 @@
 #include "uInfoGrabber.h"
 #include "uKRNParams.h"
 #include "uObjs.h"
+#include "uServicesKit.h"
 #include "uTestFiles.h"
 
 #include <gtest/gtest.h>
@@ -98,14 +99,10 @@ TEST(InfoGrabber, StylesheetsLieInTheFolderOfTheDefinitions)
     const Kit::TTempDir dir;
     dir.Write(u"secret"_s, "outside");
     dir.Write(u"package/a.xsl"_s, "\xEF\xBB\xBFinside");
-    TInfoGrabber grabber;
-    grabber.Parse(dir.Write(u"package/infograbber.xml"_s,
-                            "<BarcodeSearch><search Transform='a.xsl'/><search Transform='../secret'/>"
-                            "<search Transform='none.xsl'/><search/></BarcodeSearch>"));
-    const TInfoGrabberSearch& search = *grabber.GetSearchByType(stBarcode);
-    EXPECT_EQ(grabber.ReadStylesheet(search.GetItem(0)), "inside");
-    for (int i = 1; i < search.Count(); ++i)
-        EXPECT_THROW(grabber.ReadStylesheet(search.GetItem(i)), EInfoGrabberError) << i;
+    const QString folder = dir.File(u"package"_s);
+    EXPECT_EQ(ReadStylesheet(folder, u"a.xsl"_s), "inside");
+    for (const QString& name : {u"../secret"_s, u"none.xsl"_s, QString()})
+        EXPECT_THROW(ReadStylesheet(folder, name), EInfoGrabberError) << name.toStdString();
 }
 
 struct TRewriteRow {
@@ -140,6 +137,28 @@ TEST(InfoGrabber, RewritesSearchesByThePresets)
         presets.DiscogsResultsPerPage = presets.MusicBrainzResultsPerPage = row.PerPage;
         EXPECT_EQ(SearchURL(row.Service, row.URL, presets), QString::fromUtf16(row.Expected));
     }
+}
+
+TEST(InfoGrabber, AsksTheITunesShopOfTheLocaleOrTheOneThatIsSet)
+{
+    const TInfoGrabberServiceAction& search = *Kit::Services().GetSearchByType(stBarcode)->GetItemByName(u"itunes"_s);
+    const TInfoGrabberServiceAction& record = Kit::RecordOf(u"itunes"_s);
+    struct TRow {
+        const char16_t *Locale, *Set, *End;
+    };
+    const TRow rows[] = {{u"de_AT", u"", u"&country=at"},
+                         {u"de_AT", u"JP", u"&country=jp"},
+                         {u"C", u"", u""},
+                         {u"fa_IR", u"", u""}}; // no shop there
+    const QLocale before;
+    for (const TRow& row : rows) {
+        QLocale::setDefault(QLocale(QString::fromUtf16(row.Locale)));
+        TDefaults presets = MakeDefaults();
+        presets.ITunesCountry = QString::fromUtf16(row.Set);
+        EXPECT_EQ(search.URL(presets), search.RawURL() + QString::fromUtf16(row.End));
+        EXPECT_EQ(record.URL(presets), record.RawURL() + QString::fromUtf16(row.End));
+    }
+    QLocale::setDefault(before);
 }
 
 struct TParamRow {

@@ -31,6 +31,8 @@ TEST(JSONToXML, WritesWhatTheStylesheetsExpect)
         {R"({"t":true,"f":false,"n":null})", "<t>true</t><f>false</f><n>null</n>"},
         {R"({"s":"<\"q\" 'a'>\u0007\t\u00fc"})", "<s>&lt;&quot;q&quot; 'a'&gt;\t\xC3\xBC</s>"},
         {R"({"s":"a\uDC00\uFFFEb\uFFFFc\uFFFD\uD83D\uDE00"})", "<s>abc\xEF\xBF\xBD\xF0\x9F\x98\x80</s>"},
+        {R"({"s":"a\uD83Db\uD83D","t":"\\uD83D","u":"\uD83D\uD83D\uDE00"})",
+         "<s>ab</s><t>\\uD83D</t><u>\xF0\x9F\x98\x80</u>"},
         {"{\"s\":\"\xEF\xBF\xBFx\"}", "<s>x</s>"},
         {R"({"k":1,"k":2})", "<k>1</k><k>2</k>"},
         {R"([[1],[2,3]])", "<Array0><Array0>1</Array0></Array0><Array1><Array0>2</Array0><Array1>3</Array1></Array1>"},
@@ -60,8 +62,13 @@ TEST(JSONToXML, BoundsTheNamesThatItMakes)
     const auto items = [](int count) { return "{\"r\":[" + QByteArray("1,").repeated(count) + "1]}"; };
     EXPECT_TRUE(JSONToXML(items(10'000)).contains("<Array9999>"));
     QString error;
-    EXPECT_FALSE(JSONToXML(items(100'000), &error).contains("<Array"));
-    EXPECT_FALSE(error.isEmpty());
+    bool isTooLarge = false;
+    EXPECT_FALSE(JSONToXML(items(100'000), &error, &isTooLarge).contains("<Array"));
+    EXPECT_TRUE(isTooLarge);
+    EXPECT_EQ(error, u"the answer is too large"_s);
+    isTooLarge = false;
+    (void)JSONToXML("<html>", &error, &isTooLarge);
+    EXPECT_FALSE(isTooLarge);
 }
 
 QByteArray Sheet(const QByteArray& body, const QByteArray& attributes = {})
@@ -150,6 +157,35 @@ TEST(XSLTranformation, NeitherFilesNorNetworkNorEndlessWork)
         EXPECT_FALSE(error.isEmpty());
     }
     EXPECT_FALSE(QFile::exists(QString::fromUtf8(target)));
+}
+
+TEST(XSLTranformation, CompilingIsBoundedToo)
+{
+    const auto many = [](int count, const QByteArray& one) {
+        QByteArray all;
+        for (int i = 0; i < count; ++i)
+            all += QByteArray(one).replace("#", QByteArray::number(i));
+        return all;
+    };
+    const QByteArray values = QByteArray("<xsl:value-of select='a'/>").repeated(30'000);
+    const std::pair<const char*, QByteArray> rows[] = {
+        {"minutes for decimal formats", Sheet(many(90'000, "<xsl:decimal-format name='f#'/>"))},
+        {"gigabytes for a pattern",
+         Sheet("<xsl:template match='" + QByteArray("a|").repeated(1'500'000) + "a'/><xsl:template match='/'/>")},
+        {"namespaces times expressions",
+         Sheet("<xsl:template match='/'>" + values + "</xsl:template>", many(2'000, " xmlns:n#='u#'"))},
+    };
+    for (const auto& [name, sheet] : rows) {
+        SCOPED_TRACE(name);
+        QString error;
+        EXPECT_FALSE(CompilesXSL(sheet, &error));
+        EXPECT_EQ(error, u"the stylesheet takes too much time or memory"_s);
+        EXPECT_EQ(Transformed("<d/>", sheet), "failed");
+    }
+    EXPECT_TRUE(CompilesXSL(Sheet("<xsl:template match='/'/>")));
+    QString error;
+    EXPECT_FALSE(CompilesXSL("<html/>", &error));
+    EXPECT_FALSE(error.isEmpty());
 }
 
 TEST(XSLTranformation, RefusesBombsInTheAnswer)

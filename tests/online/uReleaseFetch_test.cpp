@@ -114,4 +114,22 @@ TEST_F(ReleaseFetchTest, TellsMissesFromFailures)
     EXPECT_TRUE(fetch.Error().contains(u"other.xsl"_s));
 }
 
+TEST_F(ReleaseFetchTest, AServiceThatKnowsNothingDidNotFail)
+{
+    const std::pair<Kit::TWebAnswer, bool> rows[] = {
+        {{.Status = 404, .Body = "<SearchResults unknown='true'/>"}, true},
+        {{.Status = 400, .Body = "<SearchResults unknown='true'/>"}, true},
+        {{.Status = 404, .Body = "<SearchResults/>"}, false},
+        {{.Status = 500, .Body = "<SearchResults unknown='true'/>"}, false},
+    };
+    for (const auto& [answer, isGood] : rows) {
+        Server.Serve("/search", answer);
+        TAlbumReleases hits;
+        TReleaseFetch fetch(Grabber);
+        EXPECT_EQ(fetch.FetchHits(Action(u"s"_s), Params, hits), isGood) << answer.Status;
+        EXPECT_EQ(fetch.Error().isEmpty(), isGood);
+        EXPECT_TRUE(hits.empty());
+    }
+}
+
 } // namespace

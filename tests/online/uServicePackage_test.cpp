@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "uServiceFiles.h"
 #include "uServicePackage.h"
 #include "uTHSettings.h"
 #include "uTestFiles.h"
@@ -102,6 +103,18 @@ QString MakeZip(const QString& path, const std::vector<TZipEntry>& entries)
     return path;
 }
 
+const QByteArray GoodSheet = "<xsl:stylesheet version='1.0' xmlns:xsl='http://www.w3.org/1999/XSL/Transform'/>";
+const QByteArray GoodDefinitions = "<G><Services><service name='s'><getrelease Transform='b.xsl'/></service></Services>"
+                                   "<BarcodeSearch><search ServiceName='s' url='http://h/' Transform='sub/a.xsl'/>"
+                                   "</BarcodeSearch></G>";
+
+std::vector<TZipEntry> GoodPackage(const QByteArray& folder = {})
+{
+    return {{folder + "infograbber.xml", GoodDefinitions},
+            {folder + "sub/a.xsl", GoodSheet},
+            {folder + "b.xsl", GoodSheet}};
+}
+
 class PackageTest : public testing::Test {
 protected:
     PackageTest()
@@ -109,12 +122,21 @@ protected:
         Dir.Write(u"InfoGrabber/infograbber.xml"_s, "old");
         Dir.Write(u"InfoGrabber/own.xsl"_s, "mine");
     }
-    QString State() const
+    QByteArray State() const
     {
-        return QString::fromUtf8(Kit::ReadAll(Dir.File(u"InfoGrabber/infograbber.xml"_s)) + "," +
-                                 Kit::ReadAll(Dir.File(u"InfoGrabber/own.xsl"_s)));
+        return Kit::ReadAll(Dir.File(u"InfoGrabber/infograbber.xml"_s)) + "," +
+               Kit::ReadAll(Dir.File(u"InfoGrabber/own.xsl"_s));
     }
-    bool Install(const QString& zip) { return InstallServicePackage(zip, Dir.File(u"InfoGrabber"_s), Error); }
+    bool Install(const QString& zip) { return InstallServicePackage(zip, Dir.File(u"InfoGrabber"_s), 7, Error); }
+    QStringList Folders() const { return QDir(Dir.Path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot); }
+    void ExpectRefused(const std::vector<TZipEntry>& entries)
+    {
+        Error.clear();
+        EXPECT_FALSE(Install(MakeZip(Dir.File(u"p.zip"_s), entries)));
+        EXPECT_FALSE(Error.isEmpty());
+        EXPECT_EQ(State(), "old,mine");
+        EXPECT_EQ(Folders(), QStringList{u"InfoGrabber"_s});
+    }
 
     Kit::TTempDir Dir;
     QString Error;
@@ -122,32 +144,60 @@ protected:
 
 TEST_F(PackageTest, ReplacesItsFilesAndLeavesTheOthers)
 {
-    const QString zip = MakeZip(Dir.File(u"p.zip"_s), {{"infograbber.xml", "new"}, {"sub/a.xsl", "a"}});
-    ASSERT_TRUE(Install(zip)) << Error.toStdString();
-    EXPECT_EQ(State(), u"new,mine"_s);
-    EXPECT_EQ(Kit::ReadAll(Dir.File(u"InfoGrabber/sub/a.xsl"_s)), "a");
-    EXPECT_EQ(QDir(Dir.Path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot), QStringList{u"InfoGrabber"_s});
+    // A folder around all of it is none of its own.
+    for (const QByteArray folder : {"", "Services-7/"}) {
+        Kit::WriteAll(Dir.File(u"InfoGrabber/infograbber.xml"_s), "old");
+        ASSERT_TRUE(Install(MakeZip(Dir.File(u"p.zip"_s), GoodPackage(folder)))) << Error.toStdString();
+        EXPECT_EQ(State(), GoodDefinitions + ",mine");
+        EXPECT_EQ(Kit::ReadAll(Dir.File(u"InfoGrabber/sub/a.xsl"_s)), GoodSheet);
+        EXPECT_EQ(Folders(), QStringList{u"InfoGrabber"_s});
+        EXPECT_EQ(TServiceDelivery::Read(Dir.File(u"InfoGrabber"_s)).Version, 7);
+    }
 }
 
 TEST_F(PackageTest, RefusesWhatLeadsElsewhere)
 {
-    const std::vector<TZipEntry> rows[] = {
-        {{"infograbber.xml", "new"}, {"../evil", "x"}},
-        {{"infograbber.xml", "new"}, {"/evil", "x"}},
-        {{"infograbber.xml", "new"}, {"a/../../evil", "x"}},
-        {{"infograbber.xml", "new"}, {"a\\..\\evil", "x"}},
-        {{"infograbber.xml", "new"}, {"C:evil", "x"}},
-        {{"infograbber.xml", "new"}, {"link", "/etc/passwd", 0120777}},
-        {{"infograbber.xml", "new"}, {"large", QByteArray(33 * 1024 * 1024, '0')}},
+    const TZipEntry rows[] = {
+        {"../evil", "x"},
+        {"/evil", "x"},
+        {"a/../../evil", "x"},
+        {"a\\..\\evil", "x"},
+        {"C:evil", "x"},
+        {"link", "/etc/passwd", 0120777},
+        {"large", QByteArray(33 * 1024 * 1024, '0')},
     };
-    for (const auto& entries : rows) {
-        SCOPED_TRACE(entries.back().Name.toStdString());
-        EXPECT_FALSE(Install(MakeZip(Dir.File(u"p.zip"_s), entries)));
-        EXPECT_FALSE(Error.isEmpty());
-        EXPECT_EQ(State(), u"old,mine"_s);
+    for (const TZipEntry& entry : rows) {
+        SCOPED_TRACE(entry.Name.toStdString());
+        std::vector<TZipEntry> entries = GoodPackage();
+        entries.push_back(entry);
+        ExpectRefused(entries);
         EXPECT_FALSE(QFile::exists(Dir.File(u"evil"_s)));
     }
-    EXPECT_EQ(QDir(Dir.Path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot), QStringList{u"InfoGrabber"_s});
+}
+
+TEST_F(PackageTest, RefusesWhatCannotWork)
+{
+    const auto with = [](size_t at, const QByteArray& bytes) {
+        std::vector<TZipEntry> entries = GoodPackage();
+        entries[at].Bytes = bytes;
+        return entries;
+    };
+    std::vector<TZipEntry> without = GoodPackage();
+    without.pop_back();
+    const std::pair<const char*, std::vector<TZipEntry>> rows[] = {
+        {"no definitions", {{"b.xsl", GoodSheet}}},
+        {"broken definitions", with(0, "<G>")},
+        {"no service takes part", with(0, "<G><Services><service name='s'/></Services><BarcodeSearch/></G>")},
+        {"of an unknown service", with(0, "<G><BarcodeSearch><search ServiceName='s' url='u'/></BarcodeSearch></G>")},
+        {"a stylesheet is missing", without},
+        {"one is no XML", with(1, "<xsl:")},
+        {"one does not compile",
+         with(2, QByteArray(GoodSheet).replace("/>", "><xsl:template match='['/></xsl:stylesheet>"))},
+    };
+    for (const auto& [name, entries] : rows) {
+        SCOPED_TRACE(name);
+        ExpectRefused(entries);
+    }
 }
 
 TEST_F(PackageTest, RefusesDamagedArchives)
@@ -158,15 +208,17 @@ TEST_F(PackageTest, RefusesDamagedArchives)
     flipped[40] = static_cast<char>(flipped[40] ^ 0x55);
     for (const QByteArray& bytes : {QByteArray(), QByteArray("no zip"), whole.left(whole.size() / 2), flipped}) {
         EXPECT_FALSE(Install(Dir.Write(u"bad.zip"_s, bytes)));
-        EXPECT_EQ(State(), u"old,mine"_s);
+        EXPECT_EQ(State(), "old,mine");
     }
     EXPECT_FALSE(Install(Dir.File(u"missing.zip"_s)));
 }
 
 TEST_F(PackageTest, TellsAFileThatCannotBeMoved)
 {
-    QDir(Dir.Path()).mkpath(u"InfoGrabber/busy/inside"_s);
-    EXPECT_FALSE(Install(MakeZip(Dir.File(u"p.zip"_s), {{"busy", "x"}})));
+    Dir.Write(u"InfoGrabber/busy/inside"_s, "x");
+    std::vector<TZipEntry> entries = GoodPackage();
+    entries.push_back({"busy", "x"});
+    ExpectRefused(entries);
     EXPECT_TRUE(Error.startsWith(u"Failed to move file from \""_s)) << Error.toStdString();
 }
 

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uAnswerReader.h"
 #include "uHostLimiter.h"
 #include "uInfoGrabber.h"
-#include "uJSONToXML.h"
-#include "uReleaseFetch.h"
-#include "uXml.h"
 
 #include <gtest/gtest.h>
 
@@ -51,17 +49,13 @@ inline const TInfoGrabberServiceAction& RecordOf(const QString& service)
 inline TAlbumReleases Loaded(const TInfoGrabberServiceAction& action, const QByteArray& answer,
                              std::unique_ptr<TAlbumRelease> onto = nullptr)
 {
-    TAlbumReleases releases;
-    QByteArray document;
-    QString error;
-    EXPECT_TRUE(NormaliseAnswer(Services(), action, action.JSON() ? JSONToXML(answer) : answer, document, &error))
-        << error.toStdString();
-    const auto parsed = TXmlDocument::Parse(document);
-    std::vector<TXmlElement> nodes;
-    EXPECT_TRUE(parsed && FindReleases(*parsed, nodes)) << document.constData();
-    for (const TXmlElement& node : nodes) {
-        releases.push_back(onto ? std::move(onto) : std::make_unique<TAlbumRelease>());
-        LoadAlbumReleaseFromNode(*releases.back(), node);
+    const TAnswerReader reader(Services(), action, action.RawURL());
+    const TAnswerDocument document = reader.Read(answer);
+    EXPECT_TRUE(document.Document) << document.Reason.toStdString();
+    TAlbumReleases releases = reader.Load(document, document.Releases.size());
+    if (onto && !releases.empty()) {
+        reader.LoadOnto(*onto, document.Releases.front());
+        releases.front() = std::move(onto);
     }
     return releases;
 }

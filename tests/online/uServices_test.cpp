@@ -88,9 +88,8 @@ TEST(Services, EveryStylesheetIsThereAndUsed)
     QStringList used;
     const auto check = [&](const TInfoGrabberServiceAction& action) {
         SCOPED_TRACE(action.RawURL().toStdString());
-        QByteArray document;
-        QString error;
-        EXPECT_TRUE(NormaliseAnswer(Services(), action, "<Data/>", document, &error)) << error.toStdString();
+        const TAnswerDocument document = TAnswerReader(Services(), action, {}).ReadXML("<Data/>");
+        EXPECT_EQ(document.Fault, afNone) << document.Reason.toStdString();
         EXPECT_TRUE(action.RawURL().startsWith(u"https://"_s));
         EXPECT_TRUE(Services().InfoGrabberServices().GetServiceByName(action.Name()));
         used.append(action.Tranform());
@@ -739,7 +738,51 @@ TEST(ServicesDiscogs, LargeSetsStayWithinTheBoundsOfATransformation)
     EXPECT_EQ(found[0]->Credits.size(), 40U);
 }
 
+TEST(ServicesDiscogs, LongListsOfRolesKeepTheRecord)
+{
+    QByteArray roles, bracketed;
+    for (int i = 1; i <= 2000; ++i)
+        roles += (i > 1 ? ", R" : "R") + QByteArray::number(i);
+    for (int i = 1; i <= 500; ++i)
+        bracketed += (i > 1 ? ", G" : "G") + QByteArray::number(i) + " [a, b]";
+    const std::pair<QByteArray, size_t> rows[] = {{roles.left(roles.indexOf(", R401")), 400},
+                                                  {roles, 2000},
+                                                  {bracketed, 500},
+                                                  {"Closed], " + roles, 2001},
+                                                  {"Open [" + roles, 1}};
+    for (const auto& [role, credits] : rows) {
+        const auto found =
+            Loaded(RecordOf(u"discogs"_s),
+                   R"({"id":1,"title":"t","tracklist":[],"extraartists":[{"name":"N","role":")" + role + R"("}]})");
+        ASSERT_EQ(found.size(), 1U) << credits;
+        EXPECT_EQ(found[0]->Credits.size(), credits);
+        EXPECT_EQ(
+            found[0]->Credits.back().Credit,
+            QString::fromUtf8(credits == 1 ? role : role.mid(role.lastIndexOf(credits == 500 ? ", G" : ", R") + 2)));
+    }
+}
+
+TEST(Services, NamesOfAThousandWordsKeepTheRecord)
+{
+    const QByteArray name = QByteArray("w ").repeated(1000) + 'w';
+    const std::pair<const char16_t*, QByteArray> rows[] = {
+        {u"discogs", R"({"id":1,"title":"t","tracklist":[],"artists":[{"name":"NAME"}],"labels":[{"name":"NAME"}]})"},
+        {u"lastfm", R"({"album":{"name":"t","artist":"a","tags":{"tag":[{"name":"NAME"}]}}})"},
+        {u"musicbrainz", Brainz("<release id='r'><genre-list><genre><name>NAME</name></genre></genre-list></release>")},
+    };
+    for (const auto& [service, answer] : rows)
+        EXPECT_EQ(Loaded(RecordOf(QString::fromUtf16(service)), QByteArray(answer).replace("NAME", name)).size(), 1U);
+}
+
 // Last.fm
+
+TEST(ServicesLastFm, TellsThatItKnowsNothing)
+{
+    const TAnswerReader reader(Services(), RecordOf(u"lastfm"_s), {});
+    EXPECT_TRUE(reader.Read(R"({"error":6,"message":"Album not found","links":[]})").IsUnknown);
+    EXPECT_FALSE(reader.Read(R"({"error":10,"message":"Invalid API key"})").IsUnknown);
+    EXPECT_FALSE(reader.Read("<html>").IsUnknown);
+}
 
 TEST(ServicesLastFm, HitsOfBothSearches)
 {

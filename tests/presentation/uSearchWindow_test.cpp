@@ -102,18 +102,18 @@ TEST_F(SearchWindow, IsUsedByKeyboardFromTheFieldToTheSavedRelease)
     Keys(Window->View(), u"Home"_s);
     WaitForDownloads();
     EXPECT_EQ(Package.Server.Count("/full"), 2) << "of the last and the first, once each";
-    EXPECT_EQ(Form->Current().Selection.size(), 1U);
+    EXPECT_EQ(Form->Tabs().Current().Selection.size(), 1U);
     EXPECT_TRUE(Button(u"Save and continue"_s)->isEnabled());
     Keys(Window->View(), u"Ctrl+S"_s);
-    ASSERT_EQ(Form->SavedReleases().size(), 1U);
-    EXPECT_EQ(VarToStr(Form->SavedReleases()[0].Release->GetItem2(u"ReleaseName"_s)), u"A"_s);
-    EXPECT_EQ(VarToStr(Form->SavedReleases()[0].Release->GetItem2(u"Label"_s)), u"Full label"_s);
+    ASSERT_EQ(Form->Chosen().Items().size(), 1U);
+    EXPECT_EQ(VarToStr(Form->Chosen().Items()[0].Release->GetItem2(u"ReleaseName"_s)), u"A"_s);
+    EXPECT_EQ(VarToStr(Form->Chosen().Items()[0].Release->GetItem2(u"Label"_s)), u"Full label"_s);
     EXPECT_EQ(Window->Model()->rowCount(), 2);
     Window->View()->setFocus();
     Keys(Window->View(), u"Ctrl+A"_s);
     Keys(Window->View(), u"Del"_s);
     EXPECT_EQ(Window->Model()->rowCount(), 0);
-    EXPECT_EQ(Form->SavedReleases().size(), 1U) << "what was saved stays";
+    EXPECT_EQ(Form->Chosen().Items().size(), 1U) << "what was saved stays";
 }
 
 TEST_F(SearchWindow, SavesInTheOrderOfTheSelection)
@@ -130,7 +130,7 @@ TEST_F(SearchWindow, SavesInTheOrderOfTheSelection)
     click(0, Qt::ControlModifier); // taken out again
     Form->actSaveAndClose();
     QStringList saved;
-    for (const TSavedRelease& release : Form->SavedReleases())
+    for (const TSavedRelease& release : Form->Chosen().Items())
         saved << VarToStr(release.Release->GetItem2(u"ReleaseName"_s));
     EXPECT_EQ(saved, (QStringList{u"C"_s, u"B"_s}));
 }
@@ -138,7 +138,7 @@ TEST_F(SearchWindow, SavesInTheOrderOfTheSelection)
 TEST_F(SearchWindow, TabsKeepTheirHitsAndSelection)
 {
     SearchFor(u"Ann"_s);
-    Form->actSelectAll();
+    Form->Tabs().actSelectAll();
     EXPECT_EQ(Window->View()->selectionModel()->selectedIndexes().size(), 3);
     Keys(Window->View(), u"Ctrl+T"_s);
     auto* tabs = Window->findChild<QTabBar*>();
@@ -149,7 +149,7 @@ TEST_F(SearchWindow, TabsKeepTheirHitsAndSelection)
     EXPECT_EQ(Window->Model()->rowCount(), 3);
     EXPECT_EQ(Window->View()->selectionModel()->selectedIndexes().size(), 3);
     Keys(Window->View(), u"Ctrl+Shift+A"_s);
-    EXPECT_TRUE(Form->Current().Selection.empty());
+    EXPECT_TRUE(Form->Tabs().Current().Selection.empty());
     Keys(Window->View(), u"Ctrl+W"_s);
     EXPECT_EQ(tabs->count(), 1);
     EXPECT_EQ(Window->Model()->rowCount(), 0);
@@ -179,17 +179,17 @@ TEST_F(SearchWindow, SeveralBarcodesAreTypedLineByLine)
     QTest::keyClick(codes, Qt::Key_Return, Qt::ShiftModifier);
     QTest::keyClicks(codes, u"22"_s);
     QTest::keyClick(codes, Qt::Key_Return);
-    while (Form->Tabs().size() < 2 || Form->Busy())
+    while (Form->Tabs().Items().size() < 2 || Form->Busy())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    EXPECT_EQ(Form->Tabs()[0].Caption, u"Barcode: 11"_s);
-    EXPECT_EQ(Form->Tabs()[1].Caption, u"Barcode: 22"_s);
+    EXPECT_EQ(Form->Tabs().Items()[0].Caption, u"Barcode: 11"_s);
+    EXPECT_EQ(Form->Tabs().Items()[1].Caption, u"Barcode: 22"_s);
 }
 
 TEST_F(SearchWindow, AllCommandsAreInTheMenuAndDoSomething)
 {
     QSignalSpy options(&*Window, &TSearchWindow::optionsRequested);
-    Form->EjectDrive = [](const QString&) { return false; };
-    Form->SetDrive(u"/dev/none"_s);
+    Form->Drive().EjectDrive = [](const QString&) { return false; };
+    Form->Drive().SetDrive(u"/dev/none"_s);
     Form->TestURL = Package.Server.URL(u"/none"_s);
     SearchFor(u"Ann"_s);
     int run = 0;

@@ -33,7 +33,7 @@ protected:
     void Make()
     {
         Form.emplace(Grabber, FData, FPrompt);
-        Form->ListDrives = [] { return QStringList{u"/dev/sr7"_s}; };
+        Form->Drive().ListDrives = [] { return QStringList{u"/dev/sr7"_s}; };
     }
     void OpenCollection()
     {
@@ -52,13 +52,14 @@ protected:
     }
     void WaitForDownloads()
     {
-        WaitUntil([this] { return !Form->Busy() && !Form->ReadingDisc(); });
+        WaitUntil([this] { return !Form->Busy() && !Form->Drive().Reading(); });
         QCoreApplication::processEvents();
     }
     QStringList Titles(int tab = -1) const
     {
         QStringList titles;
-        for (const TSearchHit& hit : (tab < 0 ? Form->Current() : Form->Tabs()[static_cast<size_t>(tab)]).Hits)
+        for (const TSearchHit& hit :
+             (tab < 0 ? Form->Tabs().Current() : Form->Tabs().Items()[static_cast<size_t>(tab)]).Hits)
             titles << hit.ReleaseName;
         return titles;
     }
@@ -71,8 +72,8 @@ protected:
     }
     void SearchBarcode(const QString& codes)
     {
-        Form->SetArea(saBarcode);
-        Form->Barcodes = codes;
+        Form->Fields().SetArea(saBarcode);
+        Form->Fields().Barcodes = codes;
         Form->Search();
         WaitForDownloads();
     }
@@ -89,16 +90,19 @@ TEST_F(AddMusic, ASearchAsksEachChosenServiceAndShowsItsHits)
     QStringList titles = Titles();
     titles.sort();
     EXPECT_EQ(titles, (QStringList{u"First"_s, u"Other"_s, u"Second"_s}));
-    EXPECT_EQ(Form->Current().Caption, u"Barcode: 4006381333931"_s);
+    EXPECT_EQ(Form->Tabs().Current().Caption, u"Barcode: 4006381333931"_s);
     EXPECT_EQ(States(), u"Service One 3 2, Service Two 3 1"_s);
     EXPECT_EQ(Form->StatusText(), u"Download complete"_s);
     EXPECT_TRUE(Package.Server.Log().front().Headers["user-agent"].startsWith("Kestrune"));
+    Defaults().ServicesContact = u"me@mail.invalid"_s;
 
-    Form->ChooseService(saBarcode, 0, false);
+    Form->Fields().ChooseService(saBarcode, 0, false);
     EXPECT_EQ(Defaults().SearchByBarcode, 2);
     SearchBarcode(u"1"_s);
     EXPECT_EQ(Titles(), QStringList{u"Second"_s}) << "the tab was emptied first";
-    Form->ChooseService(saBarcode, 1, false);
+    EXPECT_TRUE(Package.Server.Log().back().Headers["user-agent"].endsWith("( me@mail.invalid )"));
+    Defaults().ServicesContact.clear();
+    Form->Fields().ChooseService(saBarcode, 1, false);
     const auto before = Package.Server.Log().size();
     SearchBarcode(u"1"_s);
     EXPECT_EQ(Package.Server.Log().size(), before);
@@ -120,8 +124,8 @@ TEST_F(AddMusic, TheFieldsChooseTheSearch)
         {u"A/B", u"", "ArtistSearch", u"Artist: A/B"},
     };
     for (const TKindRow& row : rows) {
-        Form->Artist = QString::fromUtf16(row.Artist);
-        Form->ReleaseTitle = QString::fromUtf16(row.Title);
+        Form->Fields().Artist = QString::fromUtf16(row.Artist);
+        Form->Fields().ReleaseTitle = QString::fromUtf16(row.Title);
         Form->actSearchByArtistOrRelease();
         WaitForDownloads();
         QByteArray asked;
@@ -129,21 +133,21 @@ TEST_F(AddMusic, TheFieldsChooseTheSearch)
             if (request.Path == "/one")
                 asked = request.Query;
         EXPECT_TRUE(asked.startsWith(QByteArray("kind=") + row.Section)) << asked.constData();
-        EXPECT_EQ(Form->Current().Caption, QString::fromUtf16(row.Caption));
+        EXPECT_EQ(Form->Tabs().Current().Caption, QString::fromUtf16(row.Caption));
         if (*row.Artist == u'A' && row.Artist[1] == u'/') {
             EXPECT_TRUE(asked.contains("&a=A%2FB&r=&")) << asked.constData();
             EXPECT_TRUE(asked.endsWith("&q=A%5C%2FB")) << asked.constData();
         }
     }
     const auto before = Package.Server.Log().size();
-    Form->Artist.clear();
-    Form->ReleaseTitle = u"  "_s;
+    Form->Fields().Artist.clear();
+    Form->Fields().ReleaseTitle = u"  "_s;
     Form->actSearchByArtistOrRelease();
     EXPECT_FALSE(Form->Busy());
-    Form->CatalogNo = u"X 1"_s;
+    Form->Fields().CatalogNo = u"X 1"_s;
     Form->actSearchByCatalogNo();
     WaitForDownloads();
-    EXPECT_EQ(Form->Current().Caption, u"Catalog no: X 1"_s);
+    EXPECT_EQ(Form->Tabs().Current().Caption, u"Catalog no: X 1"_s);
     EXPECT_EQ(Package.Server.Log().size(), before + 2);
 }
 
@@ -156,31 +160,31 @@ TEST_F(AddMusic, CoversAndFullRecordsFollow)
     Package.Server.Serve("/full", {.Body = "<SearchResults><Release RELEASE_TITLE='Whole' LABEL='L'><Tracks><Track "
                                            "TRACK_TITLE='t' TRACK_NO='1'/></Tracks><Images><Image type='large'>" +
                                            large + "</Image></Images></Release></SearchResults>"});
-    Form->ChooseService(saBarcode, 1, false);
+    Form->Fields().ChooseService(saBarcode, 1, false);
     SearchBarcode(u"1"_s);
     ASSERT_EQ(Titles().size(), 2);
     EXPECT_EQ(Package.Server.Count("/thumb"), 1) << "one request for both";
-    for (const TSearchHit& hit : Form->Current().Hits) {
+    for (const TSearchHit& hit : Form->Tabs().Current().Hits) {
         EXPECT_EQ(hit.Cover.size(), QSize(60, 40));
         EXPECT_TRUE(hit.DataPointer->GetPicByType(cptFrontThumb)->HasImage());
         EXPECT_FALSE(hit.Complete);
     }
-    const qint64 record = Form->Current().Hits[1].RecordIndex;
+    const qint64 record = Form->Tabs().Current().Hits[1].RecordIndex;
     Form->FocusHit(record);
     Form->FocusHit(record);
     WaitForDownloads();
     EXPECT_EQ(Package.Server.Count("/full"), 1);
-    const TSearchHit& hit = Form->Current().Hits[1];
+    const TSearchHit& hit = Form->Tabs().Current().Hits[1];
     EXPECT_TRUE(hit.Complete);
     EXPECT_EQ(hit.ReleaseName, u"Whole"_s);
     EXPECT_EQ(hit.Artist, u"Artist"_s) << "what the full record does not say stays";
     ASSERT_TRUE(hit.DataPointer->GetPicByType(cptFrontLarge));
     EXPECT_EQ(hit.DataPointer->GetPicByType(cptFrontLarge)->Size(), QSize(500, 400));
-    const TDetailData details = Form->Details();
+    const TDetailData details = Form->Tabs().Details();
     EXPECT_EQ(details.Title, u"Whole"_s);
     EXPECT_EQ(details.Cover, hit.DataPointer->GetPicByType(cptFrontLarge)->Bytes());
     ASSERT_EQ(details.Discs.size(), 1U);
-    EXPECT_EQ(Form->DetailsProvider(), u"Service One"_s);
+    EXPECT_EQ(Form->ProviderName(Form->Tabs().FocusedHit()->DataProvider), u"Service One"_s);
 }
 
 TEST_F(AddMusic, APictureOfOnePixelIsNoCover)
@@ -189,7 +193,7 @@ TEST_F(AddMusic, APictureOfOnePixelIsNoCover)
     Package.Server.Serve("/dot", {.Body = Kit::MakePicture(1, 1, "PNG")});
     SearchBarcode(u"1"_s);
     EXPECT_EQ(Package.Server.Count("/dot"), 1);
-    for (const TSearchHit& hit : Form->Current().Hits)
+    for (const TSearchHit& hit : Form->Tabs().Current().Hits)
         EXPECT_TRUE(hit.Cover.isNull());
 }
 
@@ -204,7 +208,8 @@ TEST_F(AddMusic, EachServiceTellsHowItFared)
 {
     const TStateRow rows[] = {
         {"nothing", {.Body = "<SearchResults/>"}, ssFound, u""},
-        {"no page", {.Status = 404}, ssFailed, u"The service answered 404"},
+        {"unknown", {.Status = 404, .Body = "<SearchResults unknown='true'/>"}, ssFound, u""},
+        {"no page", {.Status = 404, .Body = "<SearchResults/>"}, ssFailed, u"The service answered 404"},
         {"refused", {.Status = 401}, ssFailed, u"Access refused (401)"},
         {"busy", {.Status = 503}, ssFailed, u"The service is busy (503)"},
         {"no xml", {.Body = "oops"}, ssFailed, u"The answer was not understood"},
@@ -222,9 +227,12 @@ TEST_F(AddMusic, EachServiceTellsHowItFared)
     Package.Server.Serve("/two", {.Body = "<html>no json"});
     SearchBarcode(u"1"_s);
     EXPECT_EQ(Form->Statuses()[1].Reason, u"The answer was not understood"_s);
+    Package.Server.Serve("/two", {.Body = "{\"hits\":[" + QByteArray("1,").repeated(30'000) + "1]}"});
+    SearchBarcode(u"1"_s);
+    EXPECT_EQ(Form->Statuses()[1].Reason, u"The answer is too large"_s);
     Package.Server.Serve("/two", {.Body = R"({"hits":[{"title":"Second","ean":"12"}]})"});
     SearchBarcode(u"1"_s);
-    Form->Barcodes = u"9"_s; // a retry asks for what the tab is about
+    Form->Fields().Barcodes = u"9"_s; // a retry asks for what the tab is about
     // The failed one alone is asked again, and its hits come behind those that are there.
     Package.Server.Serve("/one", {.Body = Package.Hits({"Late"})});
     const int asked = Package.Server.Count("/two");
@@ -242,7 +250,7 @@ TEST_F(AddMusic, APictureAtTheAddressOfATextIsNoPicture)
     Package.Server.Serve("/two", {.Body = R"({"hits":[{"title":"Second","ean":"12"}]})", .DelayMs = 100});
     SearchBarcode(u"1"_s);
     EXPECT_EQ(Titles(), (QStringList{u"A"_s, u"Second"_s}));
-    EXPECT_TRUE(Form->Current().Hits[0].Cover.isNull());
+    EXPECT_TRUE(Form->Tabs().Current().Hits[0].Cover.isNull());
 }
 
 TEST_F(AddMusic, AServiceLearnsNoKeysThroughItsPictures)
@@ -263,18 +271,18 @@ TEST_F(AddMusic, AFullRecordThatFailedIsAskedForAgain)
 {
     Package.Server.Serve("/one", {.Body = Package.Hits({"A"})});
     Package.Server.Serve("/full", {.Status = 503});
-    Form->ChooseService(saBarcode, 1, false);
+    Form->Fields().ChooseService(saBarcode, 1, false);
     SearchBarcode(u"1"_s);
-    const qint64 record = Form->Current().Hits[0].RecordIndex;
+    const qint64 record = Form->Tabs().Current().Hits[0].RecordIndex;
     for (const Kit::TWebAnswer& answer : {Kit::TWebAnswer{.Status = 503},
                                           {.Body = "no xml"},
                                           {.Body = "<SearchResults><Release LABEL='L'/></SearchResults>"}}) {
-        EXPECT_FALSE(Form->Current().Hits[0].Complete);
+        EXPECT_FALSE(Form->Tabs().Current().Hits[0].Complete);
         Package.Server.Serve("/full", answer);
         Form->FocusHit(record);
         WaitForDownloads();
     }
-    EXPECT_TRUE(Form->Current().Hits[0].Complete);
+    EXPECT_TRUE(Form->Tabs().Current().Hits[0].Complete);
     Form->FocusHit(record);
     WaitForDownloads();
     EXPECT_EQ(Package.Server.Count("/full"), 3);
@@ -283,35 +291,35 @@ TEST_F(AddMusic, AFullRecordThatFailedIsAskedForAgain)
 TEST_F(AddMusic, ADiscIsSearchedForInTheTabWhereItWasAskedFor)
 {
     Package.Server.Serve("/one", {.Body = Package.Hits({"A"})});
-    Form->ChooseService(saBarcode, 1, false);
+    Form->Fields().ChooseService(saBarcode, 1, false);
     SearchBarcode(u"1"_s);
-    Form->ReadDisc = [](const QString&, TDiscTexts&, QString&) { return true; };
-    Form->actNewTab();
-    Form->SetArea(saCD);
+    Form->Drive().ReadDisc = [](const QString&, TDiscTexts&, QString&) { return true; };
+    Form->Tabs().actNewTab();
+    Form->Fields().SetArea(saCD);
     Form->Search();
-    Form->SetCurrentTab(0);
+    Form->Tabs().SetCurrent(0);
     WaitForDownloads();
     EXPECT_EQ(Titles(0), QStringList{u"A"_s});
-    EXPECT_EQ(Form->Tabs()[1].Caption, u"CD search"_s);
+    EXPECT_EQ(Form->Tabs().Items()[1].Caption, u"CD search"_s);
 }
 
 TEST_F(AddMusic, AClosedWindowTakesNoAnswers)
 {
     Package.Server.Serve("/one", {.Body = Package.Hits({"A"}), .DelayMs = 60});
-    Form->SetArea(saBarcode);
-    Form->Barcodes = u"1"_s;
+    Form->Fields().SetArea(saBarcode);
+    Form->Fields().Barcodes = u"1"_s;
     Form->Search();
     WaitUntil([this] { return Package.Server.Count("/one") == 1; });
     Form->FormClose();
     WaitForDownloads();
     EXPECT_TRUE(Titles().isEmpty());
-    Form->ReadDisc = [](const QString&, TDiscTexts& texts, QString&) {
+    Form->Drive().ReadDisc = [](const QString&, TDiscTexts& texts, QString&) {
         texts.DiscID = u"late"_s;
         return true;
     };
     Form->FormShow();
     const auto before = Package.Server.Log().size();
-    Form->SetArea(saCD);
+    Form->Fields().SetArea(saCD);
     Form->Search();
     Form->FormClose();
     WaitForDownloads();
@@ -326,25 +334,25 @@ TEST_F(AddMusic, AClosedWindowTakesNoAnswers)
 
 TEST_F(AddMusic, AnUnknownDiscIsNoFailure)
 {
-    Form->ReadDisc = [](const QString& drive, TDiscTexts& texts, QString&) {
+    Form->Drive().ReadDisc = [](const QString& drive, TDiscTexts& texts, QString&) {
         EXPECT_EQ(drive, u"/dev/sr9"_s);
         texts.DiscID = u"disc-id"_s;
         return true;
     };
-    Form->SetDrive(u"/dev/sr9"_s);
-    Form->SetArea(saCD);
+    Form->Drive().SetDrive(u"/dev/sr9"_s);
+    Form->Fields().SetArea(saCD);
     Form->Search();
-    EXPECT_TRUE(Form->ReadingDisc());
+    EXPECT_TRUE(Form->Drive().Reading());
     EXPECT_FALSE(Form->SearchEnabled());
     WaitForDownloads();
-    EXPECT_EQ(Form->Current().Caption, u"CD search"_s);
+    EXPECT_EQ(Form->Tabs().Current().Caption, u"CD search"_s);
     EXPECT_TRUE(std::ranges::any_of(Package.Server.Log(), [](const auto& request) {
         return request.Query.contains("kind=CDSearch") && request.Query.contains("d=disc-id");
     }));
     EXPECT_EQ(Form->Statuses()[0].State, ssFound);
     EXPECT_EQ(Form->Statuses()[0].Found, 0);
 
-    Form->ReadDisc = [](const QString&, TDiscTexts& texts, QString& error) {
+    Form->Drive().ReadDisc = [](const QString&, TDiscTexts& texts, QString& error) {
         texts.DiscID = u"left over"_s;
         error = u"No actual audio tracks on disc: CDROM or DVD?"_s;
         return false;
@@ -361,39 +369,39 @@ TEST_F(AddMusic, SeveralBarcodesHaveATabEach)
         const QByteArray code = request.Query.mid(request.Query.indexOf("b=") + 2).split('&').front();
         return Kit::TWebAnswer{.Body = Kit::TServicePackage::Hits({"for " + code})};
     });
-    Form->ChooseService(saBarcode, 1, false);
-    Form->SetArea(saBarcode);
-    Form->Barcodes = u"11\n\n 22 \n33"_s;
+    Form->Fields().ChooseService(saBarcode, 1, false);
+    Form->Fields().SetArea(saBarcode);
+    Form->Fields().Barcodes = u"11\n\n 22 \n33"_s;
     Form->Search();
-    WaitUntil([this] { return Form->Tabs().size() == 3 && !Form->Busy(); });
+    WaitUntil([this] { return Form->Tabs().Items().size() == 3 && !Form->Busy(); });
     EXPECT_EQ(Titles(0), QStringList{u"for 11"_s});
     EXPECT_EQ(Titles(1), QStringList{u"for 22"_s});
     EXPECT_EQ(Titles(2), QStringList{u"for 33"_s});
-    EXPECT_EQ(Form->Tabs()[1].Caption, u"Barcode: 22"_s);
+    EXPECT_EQ(Form->Tabs().Items()[1].Caption, u"Barcode: 22"_s);
 }
 
 TEST_F(AddMusic, SavingHandsTheReleasesOverInTheirOrder)
 {
     Package.Server.Serve("/one", {.Body = Package.Hits({"A", "B", "C"})});
-    Form->ChooseService(saBarcode, 1, false);
+    Form->Fields().ChooseService(saBarcode, 1, false);
     SearchBarcode(u"1"_s);
     EXPECT_FALSE(Form->SaveEnabled());
     EXPECT_EQ(Form->SaveHint(), u"Select the releases to save"_s);
-    const auto record = [&](size_t at) { return Form->Current().Hits[at].RecordIndex; };
-    Form->SetSelection({record(2), record(0)});
+    const auto record = [&](size_t at) { return Form->Tabs().Current().Hits[at].RecordIndex; };
+    Form->Tabs().SetSelection({record(2), record(0)});
     Form->actSaveAndContinue();
     EXPECT_EQ(Titles(), QStringList{u"B"_s});
     EXPECT_EQ(Form->StatusText(), u"2 chosen without their full record: only the short one is kept"_s);
-    Form->SetSelection({record(0)});
+    Form->Tabs().SetSelection({record(0)});
     Form->actSaveAndClose();
-    ASSERT_EQ(Form->Tabs().size(), 1U) << "closing the last leaves a new one";
+    ASSERT_EQ(Form->Tabs().Items().size(), 1U) << "closing the last leaves a new one";
     EXPECT_TRUE(Titles().isEmpty());
-    Form->RemoveSaved(1);
-    std::vector<TSavedRelease> saved = Form->TakeSavedReleases();
+    Form->Chosen().Remove(1);
+    std::vector<TSavedRelease> saved = Form->Chosen().Take();
     ASSERT_EQ(saved.size(), 2U);
     EXPECT_EQ(VarToStr(saved[0].Release->GetItem2(u"ReleaseName"_s)), u"C"_s);
     EXPECT_EQ(VarToStr(saved[1].Release->GetItem2(u"ReleaseName"_s)), u"B"_s);
-    EXPECT_TRUE(Form->SavedReleases().empty());
+    EXPECT_TRUE(Form->Chosen().Items().empty());
 }
 
 TEST_F(AddMusic, WhatIsOwnedIsMarked)
@@ -405,10 +413,10 @@ TEST_F(AddMusic, WhatIsOwnedIsMarked)
         FData.AddAlbumReleaseToDB(owned, false);
     }
     Package.Server.Serve("/one", {.Body = Package.Hits({"A", "B"})});
-    Form->ChooseService(saBarcode, 1, false);
+    Form->Fields().ChooseService(saBarcode, 1, false);
     SearchBarcode(u"1"_s);
     Form->FormShow();
-    const auto yours = [&](size_t at) { return Form->Current().Hits[at].Yours; };
+    const auto yours = [&](size_t at) { return Form->Tabs().Current().Hits[at].Yours; };
     WaitUntil([&] { return yours(1); });
     EXPECT_FALSE(yours(0));
     SearchBarcode(u"2"_s);
@@ -427,15 +435,15 @@ TEST_F(AddMusic, LateAnswersFindNobody)
 {
     Package.Server.Serve("/one", {.Body = Package.Hits({"A"}, Package.Server.URL(u"/slow"_s).toUtf8())});
     Package.Server.Serve("/slow", {.Body = Kit::MakePicture(9, 9, "PNG"), .DelayMs = 100});
-    Form->ChooseService(saBarcode, 1, false);
-    Form->SetArea(saBarcode);
-    Form->Barcodes = u"1"_s;
+    Form->Fields().ChooseService(saBarcode, 1, false);
+    Form->Fields().SetArea(saBarcode);
+    Form->Fields().Barcodes = u"1"_s;
     Form->Search();
     WaitUntil([this] { return !Titles().isEmpty(); });
     EXPECT_TRUE(Form->StopEnabled());
     EXPECT_FALSE(Form->SearchEnabled());
     EXPECT_FALSE(Form->SearchHint().isEmpty());
-    Form->actClearAllTabs();
+    Form->Tabs().actClearAllTabs();
     WaitForDownloads();
     EXPECT_TRUE(Titles().isEmpty());
 
@@ -445,14 +453,14 @@ TEST_F(AddMusic, LateAnswersFindNobody)
     QCoreApplication::processEvents();
     Make();
     Package.Server.Serve("/one", {.Body = "x", .SilentAfter = true});
-    Form->SetArea(saBarcode);
-    Form->Barcodes = u"1\n2"_s;
+    Form->Fields().SetArea(saBarcode);
+    Form->Fields().Barcodes = u"1\n2"_s;
     Form->Search();
     WaitUntil([this] { return Package.Server.Count("/one") == 3; });
     Form->actStop();
     WaitForDownloads();
     EXPECT_EQ(Form->Statuses()[0].State, ssStopped);
-    EXPECT_EQ(Form->Tabs().size(), 1U) << "the codes that were left are not searched for";
+    EXPECT_EQ(Form->Tabs().Items().size(), 1U) << "the codes that were left are not searched for";
 }
 
 TEST_F(AddMusic, TheConnectionTestTellsItsResult)
@@ -476,18 +484,18 @@ TEST_F(AddMusic, TheMainWindowStoresWhatWasChosen)
     QSignalSpy bars(&FForm, &TKRNMainForm::barRaised);
     FForm.Actions().Trigger(u"actAddByBarcode"_s);
     EXPECT_EQ(opened.size(), 1);
-    EXPECT_EQ(Form->Area(), saBarcode);
+    EXPECT_EQ(Form->Fields().Area(), saBarcode);
     EXPECT_FALSE(FForm.Actions().IsEnabled(u"actAddMusic"_s)) << "while its window is open";
-    Form->ChooseService(saBarcode, 1, false);
+    Form->Fields().ChooseService(saBarcode, 1, false);
     SearchBarcode(u"1"_s);
-    Form->actSelectAll();
+    Form->Tabs().actSelectAll();
     Form->actSaveAndContinue();
     FForm.Adding().AddMusicClosed();
     EXPECT_EQ(FData.qReleasesMain.RecordCount(), 2);
     ASSERT_EQ(bars.size(), 1);
     EXPECT_EQ(bars[0][1].toString(), u"Added to the collection: 2"_s);
     EXPECT_TRUE(FForm.Actions().IsEnabled(u"actAddMusic"_s));
-    EXPECT_TRUE(Form->SavedReleases().empty());
+    EXPECT_TRUE(Form->Chosen().Items().empty());
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "frmServiceUpdater.h"
 #include "uHostLimiter.h"
+#include "uServiceFiles.h"
 #include "uServicePackage.h"
 #include "uTHSettings.h"
 #include "uTestFiles.h"
@@ -10,6 +11,7 @@
 #include <QDir>
 #include <QEventLoop>
 #include <QFile>
+#include <QLockFile>
 
 #include <gtest/gtest.h>
 
@@ -18,16 +20,23 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// A whole package whose one service has this name.
+QByteArray Definitions(const QByteArray& name)
+{
+    return "<G><Services><service name='" + name + "'/></Services><BarcodeSearch><search ServiceName='" + name +
+           "' url='http://h/'/></BarcodeSearch></G>";
+}
+
 class Updater : public testing::Test {
 protected:
     Updater()
     {
         HostLimiter().Clear();
-        Dir.Write(u"InfoGrabber/infograbber.xml"_s, "old");
+        Dir.Write(u"InfoGrabber/infograbber.xml"_s, Definitions("old"));
         Kit::RunProgram(u"python3"_s, {u"-c"_s,
                                        u"import zipfile,sys\nz=zipfile.ZipFile(sys.argv[1],'w')\n"
-                                       "z.writestr('infograbber.xml','new')"_s,
-                                       Dir.File(u"p.zip"_s)});
+                                       "z.writestr('infograbber.xml',sys.argv[2])"_s,
+                                       Dir.File(u"p.zip"_s), QString::fromUtf8(Definitions("new"))});
         Zip = Kit::ReadAll(Dir.File(u"p.zip"_s));
         QFile::remove(Dir.File(u"p.zip"_s));
         Server.Serve("/Services.ver", {.Body = " 7 \r\n"});
@@ -50,7 +59,11 @@ protected:
     QByteArray Installed() const
     {
         const QString path = Dir.File(u"InfoGrabber/infograbber.xml"_s);
-        return QFile::exists(path) ? Kit::ReadAll(path) : "none";
+        const QByteArray text = QFile::exists(path) ? Kit::ReadAll(path) : "none";
+        for (const QByteArray name : {"old", "new"})
+            if (text == Definitions(name))
+                return name;
+        return text;
     }
     TServiceUpdates Kept() const { return TServiceUpdates::Read(Store); }
 
@@ -69,7 +82,7 @@ TEST_F(Updater, FetchesANewerPackage)
     EXPECT_EQ(Kept().Version, 7);
     EXPECT_LE(Kept().LastUpdated.secsTo(QDateTime::currentDateTime()), 60);
     EXPECT_TRUE(Label.startsWith(u"Getting updates... "_s)) << Label.toStdString();
-    EXPECT_EQ(QDir(Dir.Path()).entryList({u"*.tmp"_s, u"package-*"_s}, QDir::AllEntries), QStringList());
+    EXPECT_EQ(QDir(Dir.Path()).entryList({u"*.tmp"_s, u"InfoGrabber.*"_s}, QDir::AllEntries), QStringList());
 }
 
 TEST_F(Updater, LeavesACurrentOneAlone)
@@ -79,6 +92,23 @@ TEST_F(Updater, LeavesACurrentOneAlone)
     EXPECT_EQ(Installed(), "old");
     EXPECT_EQ(Server.Count("/Services.zip"), 0);
     EXPECT_TRUE(Kept().LastUpdated.isValid()) << "the next check waits for its interval";
+}
+
+TEST_F(Updater, ReplacesACurrentOneThatDoesNotWork)
+{
+    WriteServicesVersion(Store, 7);
+    Kit::WriteAll(Dir.File(u"InfoGrabber/infograbber.xml"_s),
+                  Definitions("old").replace("url", "Transform='gone.xsl' url"));
+    EXPECT_EQ(Run(), ueReplaced);
+    EXPECT_EQ(Installed(), "new");
+}
+
+TEST_F(Updater, LeavesTheFieldToAnotherProcess)
+{
+    QLockFile other(ServiceLockPath(Dir.File(u"InfoGrabber"_s)));
+    ASSERT_TRUE(other.lock());
+    EXPECT_EQ(Run(), ueCurrent);
+    EXPECT_TRUE(Server.Log().isEmpty());
 }
 
 TEST_F(Updater, FetchesWhereTheVersionIsUnknown)

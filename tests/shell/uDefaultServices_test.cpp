@@ -43,16 +43,16 @@ protected:
     {
         Defaults().SearchByBarcode = 7;
         FForm.Actions().Trigger(u"actAddByBarcode"_s);
-        Form->Barcodes = u"074646362822"_s;
+        Form->Fields().Barcodes = u"074646362822"_s;
         Form->Search();
         WaitForDownloads();
-        for (const TSearchHit& hit : Form->Current().Hits) {
+        for (const TSearchHit& hit : Form->Tabs().Current().Hits) {
             if (hit.DataProvider != service || hit.DataPointer->ReleaseInternalID != id)
                 continue;
             const qint64 record = hit.RecordIndex;
             Form->FocusHit(record);
             WaitForDownloads();
-            Form->SetSelection({record});
+            Form->Tabs().SetSelection({record});
             break;
         }
         Form->actSaveAndClose();

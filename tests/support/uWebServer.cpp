@@ -199,6 +199,12 @@ void TWebServer::Talk(qintptr descriptor)
         flush();
         while (connected())
             socket.waitForReadyRead(TickMs);
+    } else if (answer.DripMs > 0) {
+        for (qsizetype sent = 0; sent < body.size() && connected(); ++sent) {
+            socket.write(body.constData() + sent, 1);
+            flush();
+            socket.waitForReadyRead(answer.DripMs); // false in time, or the client goes
+        }
     } else if (answer.Endless) {
         while (connected()) {
             socket.write(body);

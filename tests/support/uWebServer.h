@@ -35,6 +35,7 @@ struct TWebAnswer {
     qint64 ToldLength = -1;   ///< another Content-Length than the true one
     bool Endless = false;     ///< the body is repeated until the client goes
     bool Gzip = false;        ///< the body is sent compressed
+    int DripMs = 0;           ///< the body comes byte by byte with pauses of this length
     bool SilentAfter = false; ///< nothing more is sent behind the headers, and the connection stays
 };
 

@@ -9,8 +9,8 @@ using namespace Qt::StringLiterals;
 
 THitsModel::THitsModel(TAddMusicForm& form, QObject* parent) : QAbstractListModel(parent), FForm(form)
 {
-    connect(&form, &TAddMusicForm::hitsChanged, this, &THitsModel::Follow);
-    connect(&form, &TAddMusicForm::hitChanged, this, &THitsModel::Refresh);
+    connect(&form.Tabs(), &THitTabs::hitsChanged, this, &THitsModel::Follow);
+    connect(&form.Tabs(), &THitTabs::hitChanged, this, &THitsModel::Refresh);
     Follow();
 }
 
@@ -27,7 +27,7 @@ int THitsModel::RowOf(qint64 record) const
 
 const TSearchHit* THitsModel::Hit(int row) const
 {
-    const std::vector<TSearchHit>& hits = FForm.Current().Hits;
+    const std::vector<TSearchHit>& hits = FForm.Tabs().Current().Hits;
     const auto at = static_cast<size_t>(row);
     // Cards of a tab that is just being left are not there any more.
     return row >= 0 && at < hits.size() && at < FRecords.size() && hits[at].RecordIndex == FRecords[at] ? &hits[at]
@@ -38,11 +38,11 @@ const TSearchHit* THitsModel::Hit(int row) const
 void THitsModel::Follow()
 {
     std::vector<qint64> records;
-    for (const TSearchHit& hit : FForm.Current().Hits)
+    for (const TSearchHit& hit : FForm.Tabs().Current().Hits)
         records.push_back(hit.RecordIndex);
-    const bool grown = FTab == FForm.Current().Id && records.size() > FRecords.size() &&
+    const bool grown = FTab == FForm.Tabs().Current().Id && records.size() > FRecords.size() &&
                        std::equal(FRecords.begin(), FRecords.end(), records.begin());
-    FTab = FForm.Current().Id;
+    FTab = FForm.Tabs().Current().Id;
     if (grown) {
         beginInsertRows({}, static_cast<int>(FRecords.size()), static_cast<int>(records.size()) - 1);
         FRecords = std::move(records);
@@ -80,12 +80,7 @@ QVariant THitsModel::data(const QModelIndex& index, int role) const
     case rrId:
     case hrRecord: return hit->RecordIndex;
     case hrCover: return hit->Cover;
-    case hrProvider: {
-        for (const TServiceStatus& service : FForm.Current().Services)
-            if (service.Name == hit->DataProvider)
-                return service.DisplayName;
-        return hit->DataProvider;
-    }
+    case hrProvider: return FForm.ProviderName(hit->DataProvider);
     case hrYours: return hit->Yours;
     case hrFacts: {
         const auto joined = [](QStringList parts, const QString& between) {

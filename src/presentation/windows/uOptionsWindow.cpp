@@ -151,10 +151,10 @@ void TOptionsWindow::AddList(QFormLayout& page, const QString& key, QString& val
 
 void TOptionsWindow::AddCodes(QFormLayout& page, const QString& key,
                               const std::vector<std::pair<QString, QString>>& items, const QString& current,
-                              const std::function<void(const QString&)>& store)
+                              const std::function<void(const QString&)>& store, const QString& none)
 {
     auto* box = new QComboBox(page.parentWidget());
-    box->addItem({}, QString());
+    box->addItem(none, QString());
     for (const auto& [value, text] : items)
         box->addItem(text, value);
     if (box->findData(current) < 0)

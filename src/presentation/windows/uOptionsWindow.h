@@ -46,7 +46,7 @@ private:
     void AddChoice(QFormLayout& page, const QString& key, int& value, const QStringList& items);
     void AddList(QFormLayout& page, const QString& key, QString& value, const QStringList& items, bool free);
     void AddCodes(QFormLayout& page, const QString& key, const std::vector<std::pair<QString, QString>>& items,
-                  const QString& current, const std::function<void(const QString&)>& store);
+                  const QString& current, const std::function<void(const QString&)>& store, const QString& none = {});
     void AddFolder(QFormLayout& page, const QString& key, QString& value);
     void GeneralPage();
     void AppearancePage();

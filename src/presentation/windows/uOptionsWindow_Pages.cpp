@@ -2,6 +2,7 @@
 #include "dmMain.h"
 #include "uAdding.h"
 #include "uDictionaries.h"
+#include "uInfoGrabber.h"
 #include "uOptionsWindow.h"
 #include "uTHStrings.h"
 #include "uTheme.h"
@@ -195,6 +196,14 @@ void TOptionsWindow::ServicesPage()
              [this](const QString& code) { FDraft.DiscogsCountry = code; });
     AddChoice(page, u"cSOptDiscogsMedia"_s, FDraft.DiscogsMediaType, media);
     AddNumber(page, u"cSOptDiscogsPages"_s, FDraft.DiscogsResultsPerPage, 1, 100);
+    std::vector<std::pair<QString, QString>> shops;
+    for (const auto& country : countries)
+        if (HasITunesShop(country.first))
+            shops.push_back(country);
+    AddCodes(
+        page, u"cSOptITunesCountry"_s, shops, FDraft.ITunesCountry,
+        [this](const QString& code) { FDraft.ITunesCountry = code; }, GetLanguageString(u"cSOptITunesLocale"_s));
+    AddText(page, u"cSOptServicesContact"_s, FDraft.ServicesContact, 200);
     AddCheck(page, u"cSOptAutoUpdate"_s, FDraft.AutoUpdate);
     AddChoice(page, u"cSOptInterval"_s, FDraft.AutoUpdateInterval,
               Texts({u"cSOptInterval0"_s, u"cSOptInterval1"_s, u"cSOptInterval2"_s, u"cSOptInterval3"_s}));

@@ -234,12 +234,13 @@ void TServiceList::Refresh()
         FRows.push_back(row);
         FColumn->addWidget(row);
         connect(row, &TServiceRow::chosen, this,
-                [this, index](bool on) { FForm.ChooseService(FForm.Area(), index, on); });
+                [this, index](bool on) { FForm.Fields().ChooseService(FForm.Fields().Area(), index, on); });
         connect(row, &TServiceRow::retried, this, [this, index] { FForm.RetryService(index); });
         connect(row, &TServiceRow::keyExplained, this, [this] { FForm.ExplainKey(); });
     }
     for (size_t i = 0; i < states.size(); ++i)
-        FRows[i]->SetStatus(states[i], FForm.IsServiceChosen(FForm.Area(), static_cast<int>(i)), FForm.RetryEnabled());
+        FRows[i]->SetStatus(states[i], FForm.Fields().IsServiceChosen(FForm.Fields().Area(), static_cast<int>(i)),
+                            FForm.RetryEnabled());
 }
 
 TChosenList::TChosenList(TAddMusicForm& form, QWidget* parent)
@@ -247,7 +248,7 @@ TChosenList::TChosenList(TAddMusicForm& form, QWidget* parent)
 {
     FColumn->setContentsMargins(0, 0, 0, 0);
     FColumn->setSpacing(2);
-    connect(&form, &TAddMusicForm::savedChanged, this, &TChosenList::Refresh);
+    connect(&form.Chosen(), &TChosenReleases::changed, this, &TChosenList::Refresh);
     Refresh();
 }
 
@@ -259,10 +260,10 @@ void TChosenList::Refresh()
         row->deleteLater(); // its own button may have asked for this
     }
     int index = 0;
-    for (const TSavedRelease& saved : FForm.SavedReleases()) {
+    for (const TSavedRelease& saved : FForm.Chosen().Items()) {
         auto* row = new TChosenRow(saved, this);
         FColumn->addWidget(row);
-        connect(row->Remove, &QToolButton::clicked, this, [this, index] { FForm.RemoveSaved(index); });
+        connect(row->Remove, &QToolButton::clicked, this, [this, index] { FForm.Chosen().Remove(index); });
         ++index;
     }
 }

@@ -104,7 +104,7 @@ QWidget* TSearchWindow::BuildTop()
                      {GetLanguageString(u"cSKindArtistRelease"_s), GetLanguageString(u"cSKindBarcode"_s),
                       GetLanguageString(u"cSKindCatalogNo"_s), GetLanguageString(u"cSKindDisc"_s)});
     connect(FKinds, &TSegments::chosen, this, [this](int kind) {
-        FForm.SetArea(static_cast<TSearchArea>(kind));
+        FForm.Fields().SetArea(static_cast<TSearchArea>(kind));
         ShowArea();
     });
     const auto addPage = [this](std::initializer_list<QWidget*> widgets) {
@@ -115,30 +115,32 @@ QWidget* TSearchWindow::BuildTop()
             row->addWidget(widget, widget == widgets.begin()[0] ? 1 : 0, Qt::AlignVCenter);
         FFields->addWidget(page);
     };
-    FArtist = AddField(u"cSReleasesFieldArtist"_s, FForm.Artist);
-    FTitle = AddField(u"cSReleasesFieldReleaseName"_s, FForm.ReleaseTitle);
+    FArtist = AddField(u"cSReleasesFieldArtist"_s, FForm.Fields().Artist);
+    FTitle = AddField(u"cSReleasesFieldReleaseName"_s, FForm.Fields().ReleaseTitle);
     addPage({FArtist, FTitle});
     static_cast<QHBoxLayout*>(FFields->widget(0)->layout())->setStretch(1, 1);
-    FBarcodes = new QPlainTextEdit(FForm.Barcodes, this);
+    FBarcodes = new QPlainTextEdit(FForm.Fields().Barcodes, this);
     FBarcodes->setPlaceholderText(GetLanguageString(u"cSBarcodesHint"_s));
     FBarcodes->setAccessibleName(GetLanguageString(u"cSKindBarcode"_s));
     FBarcodes->setTabChangesFocus(true);
     FBarcodes->setFixedHeight(BarcodeLines * LineHeight(ThemeFont(fsBody)) + 14);
     FBarcodes->installEventFilter(this);
-    connect(FBarcodes, &QPlainTextEdit::textChanged, this, [this] { FForm.Barcodes = FBarcodes->toPlainText(); });
+    connect(FBarcodes, &QPlainTextEdit::textChanged, this,
+            [this] { FForm.Fields().Barcodes = FBarcodes->toPlainText(); });
     addPage({FBarcodes});
-    FCatalogNo = AddField(u"cSReleasesFieldCatalogNO"_s, FForm.CatalogNo);
+    FCatalogNo = AddField(u"cSReleasesFieldCatalogNO"_s, FForm.Fields().CatalogNo);
     addPage({FCatalogNo});
     FDrives = new QComboBox(this);
     FDrives->setEditable(true); // a drive that is not listed can be named
     FDrives->setAccessibleName(GetLanguageString(u"cSDrive"_s));
     FDrives->lineEdit()->setPlaceholderText(GetLanguageString(u"cSNoDrive"_s));
-    FDrives->addItems(FForm.Drives());
-    FDrives->setCurrentText(FForm.Drive());
-    connect(FDrives, &QComboBox::currentTextChanged, this, [this](const QString& drive) { FForm.SetDrive(drive); });
+    FDrives->addItems(FForm.Drive().Drives());
+    FDrives->setCurrentText(FForm.Drive().Drive());
+    connect(FDrives, &QComboBox::currentTextChanged, this,
+            [this](const QString& drive) { FForm.Drive().SetDrive(drive); });
     connect(FDrives->lineEdit(), &QLineEdit::returnPressed, this, [this] { FForm.Search(); });
     FEject = MakeIconButton(u"eject"_s, u"cSactEjectCD"_s, this);
-    connect(FEject, &QToolButton::clicked, this, [this] { FForm.actEjectCD(); });
+    connect(FEject, &QToolButton::clicked, this, [this] { FForm.Drive().actEjectCD(); });
     addPage({FDrives, FEject});
     FFields->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 
@@ -216,19 +218,19 @@ QWidget* TSearchWindow::BuildMiddle()
     FTabs->setAccessibleName(GetLanguageString(u"cSResultTabs"_s));
     connect(FTabs, &QTabBar::currentChanged, this, [this](int tab) {
         if (!FFilling)
-            FForm.SetCurrentTab(tab);
+            FForm.Tabs().SetCurrent(tab);
     });
-    connect(FTabs, &QTabBar::tabCloseRequested, this, [this](int tab) { FForm.actCloseTab(tab); });
+    connect(FTabs, &QTabBar::tabCloseRequested, this, [this](int tab) { FForm.Tabs().actCloseTab(tab); });
     TRibbonButton* add = MakeIconButton(u"add"_s, u"cSactNewTab"_s, middle);
-    connect(add, &QToolButton::clicked, this, [this] { FForm.actNewTab(); });
+    connect(add, &QToolButton::clicked, this, [this] { FForm.Tabs().actNewTab(); });
     FCounts = new QLabel(middle);
     FCounts->setForegroundRole(QPalette::PlaceholderText);
     auto* all = new TRibbonButton(TRibbonButton::TShape::Flat, middle);
     all->setText(GetLanguageString(u"cSactSelectAll"_s));
-    connect(all, &QToolButton::clicked, this, [this] { FForm.actSelectAll(); });
+    connect(all, &QToolButton::clicked, this, [this] { FForm.Tabs().actSelectAll(); });
     auto* clear = new TRibbonButton(TRibbonButton::TShape::Flat, middle);
     clear->setText(GetLanguageString(u"cSClearHits"_s));
-    connect(clear, &QToolButton::clicked, this, [this] { FForm.actClear(); });
+    connect(clear, &QToolButton::clicked, this, [this] { FForm.Tabs().actClear(); });
     auto* row = new QHBoxLayout;
     row->setContentsMargins(8, 4, 12, 4);
     row->addWidget(FTabs);
@@ -292,11 +294,11 @@ QWidget* TSearchWindow::BuildBottom()
 void TSearchWindow::BuildCommands()
 {
     const auto always = [] { return true; };
-    const auto hasHits = [this] { return !FForm.Current().Hits.empty(); };
-    const auto hasSelection = [this] { return !FForm.Current().Selection.empty(); };
+    const auto hasHits = [this] { return !FForm.Tabs().Current().Hits.empty(); };
+    const auto hasSelection = [this] { return !FForm.Tabs().Current().Selection.empty(); };
     const auto kind = [this](TSearchArea area) {
         return [this, area] {
-            FForm.SetArea(area);
+            FForm.Fields().SetArea(area);
             ShowArea();
         };
     };
@@ -309,19 +311,19 @@ void TSearchWindow::BuildCommands()
         {u"cSKindCatalogNo"_s, u"Ctrl+3"_s, kind(saCatalogNo), always},
         {u"cSKindDisc"_s, u"Ctrl+4"_s, kind(saCD), always},
         {{}, {}, {}, {}},
-        {u"cSactNewTab"_s, u"Ctrl+T"_s, [this] { FForm.actNewTab(); }, always},
-        {u"cSactNextTab"_s, u"Ctrl+PgDown"_s, [this] { FForm.SetCurrentTab(FForm.CurrentTab() + 1); },
-         [this] { return FForm.CurrentTab() + 1 < static_cast<int>(FForm.Tabs().size()); }},
-        {u"cSactPreviousTab"_s, u"Ctrl+PgUp"_s, [this] { FForm.SetCurrentTab(FForm.CurrentTab() - 1); },
-         [this] { return FForm.CurrentTab() > 0; }},
-        {u"cSactCloseTab"_s, u"Ctrl+W"_s, [this] { FForm.actCloseTab(FForm.CurrentTab()); }, always},
-        {u"cSactCloseAllTabs"_s, u"Ctrl+Shift+W"_s, [this] { FForm.actCloseAllTabs(); }, always},
-        {u"cSactClearAllTabs"_s, {}, [this] { FForm.actClearAllTabs(); }, always},
+        {u"cSactNewTab"_s, u"Ctrl+T"_s, [this] { FForm.Tabs().actNewTab(); }, always},
+        {u"cSactNextTab"_s, u"Ctrl+PgDown"_s, [this] { FForm.Tabs().SetCurrent(FForm.Tabs().CurrentIndex() + 1); },
+         [this] { return FForm.Tabs().CurrentIndex() + 1 < static_cast<int>(FForm.Tabs().Items().size()); }},
+        {u"cSactPreviousTab"_s, u"Ctrl+PgUp"_s, [this] { FForm.Tabs().SetCurrent(FForm.Tabs().CurrentIndex() - 1); },
+         [this] { return FForm.Tabs().CurrentIndex() > 0; }},
+        {u"cSactCloseTab"_s, u"Ctrl+W"_s, [this] { FForm.Tabs().actCloseTab(FForm.Tabs().CurrentIndex()); }, always},
+        {u"cSactCloseAllTabs"_s, u"Ctrl+Shift+W"_s, [this] { FForm.Tabs().actCloseAllTabs(); }, always},
+        {u"cSactClearAllTabs"_s, {}, [this] { FForm.Tabs().actClearAllTabs(); }, always},
         {{}, {}, {}, {}},
-        {u"cSactSelectAll"_s, {}, [this] { FForm.actSelectAll(); }, hasHits},
-        {u"cSactClearSelection"_s, u"Ctrl+Shift+A"_s, [this] { FForm.actClearSelection(); }, hasSelection},
-        {u"cSactRemoveSelection"_s, u"Del"_s, [this] { FForm.actRemoveSelection(); }, hasSelection},
-        {u"cSClearHits"_s, {}, [this] { FForm.actClear(); }, hasHits},
+        {u"cSactSelectAll"_s, {}, [this] { FForm.Tabs().actSelectAll(); }, hasHits},
+        {u"cSactClearSelection"_s, u"Ctrl+Shift+A"_s, [this] { FForm.Tabs().actClearSelection(); }, hasSelection},
+        {u"cSactRemoveSelection"_s, u"Del"_s, [this] { FForm.Tabs().actRemoveSelection(); }, hasSelection},
+        {u"cSClearHits"_s, {}, [this] { FForm.Tabs().actClear(); }, hasHits},
         {{}, {}, {}, {}},
         {u"cSactSaveAndContinue"_s, u"Ctrl+S"_s, [this] { FForm.actSaveAndContinue(); },
          [this] { return FForm.SaveEnabled(); }},
@@ -331,7 +333,8 @@ void TSearchWindow::BuildCommands()
         {u"cSactConfigureServices"_s, {}, [this] { FForm.actConfigureServices(); }, always},
         {u"cSactProxySettings"_s, {}, [this] { FForm.actProxySettings(); }, always},
         {u"cSactTestConnection"_s, {}, [this] { FForm.actTestConnection(); }, [this] { return FForm.TestEnabled(); }},
-        {u"cSactEjectCD"_s, u"Ctrl+E"_s, [this] { FForm.actEjectCD(); }, [this] { return FForm.EjectEnabled(); }},
+        {u"cSactEjectCD"_s, u"Ctrl+E"_s, [this] { FForm.Drive().actEjectCD(); },
+         [this] { return FForm.Drive().EjectEnabled(); }},
     };
     for (const TCommand& command : FCommandRows) {
         QAction* action =
@@ -356,11 +359,11 @@ void TSearchWindow::BuildCommands()
 void TSearchWindow::ConnectForm()
 {
     connect(&FForm, &TAddMusicForm::updated, this, &TSearchWindow::ShowState);
-    connect(&FForm, &TAddMusicForm::tabsChanged, this, &TSearchWindow::ShowTabs);
-    connect(&FForm, &TAddMusicForm::hitsChanged, this, &TSearchWindow::ShowHits);
-    connect(&FForm, &TAddMusicForm::selectionChanged, this, &TSearchWindow::RestoreSelection);
-    connect(&FForm, &TAddMusicForm::detailsChanged, this, &TSearchWindow::ShowDetails);
-    connect(&FForm, &TAddMusicForm::savedChanged, this, &TSearchWindow::ShowChosen);
+    connect(&FForm.Tabs(), &THitTabs::tabsChanged, this, &TSearchWindow::ShowTabs);
+    connect(&FForm.Tabs(), &THitTabs::hitsChanged, this, &TSearchWindow::ShowHits);
+    connect(&FForm.Tabs(), &THitTabs::selectionChanged, this, &TSearchWindow::RestoreSelection);
+    connect(&FForm.Tabs(), &THitTabs::detailsChanged, this, &TSearchWindow::ShowDetails);
+    connect(&FForm.Chosen(), &TChosenReleases::changed, this, &TSearchWindow::ShowChosen);
     connect(&FForm, &TAddMusicForm::optionsRequested, this, &TSearchWindow::optionsRequested);
 }
 
@@ -378,7 +381,7 @@ void TSearchWindow::ConnectView()
 
 void TSearchWindow::ShowArea()
 {
-    const int area = static_cast<int>(FForm.Area());
+    const int area = static_cast<int>(FForm.Fields().Area());
     FKinds->SetCurrent(area);
     FFields->setCurrentIndex(area);
     FFields->setFixedHeight(FFields->currentWidget()->sizeHint().height());
@@ -406,15 +409,15 @@ void TSearchWindow::ShowState()
     // Before the first count is known the bar only shows that something goes on.
     FProgress->setRange(0, FForm.ProgressMaximum());
     FProgress->setValue(FForm.ProgressPosition());
-    const size_t hits = FForm.Current().Hits.size(), selected = FForm.Current().Selection.size();
+    const size_t hits = FForm.Tabs().Current().Hits.size(), selected = FForm.Tabs().Current().Selection.size();
     FCounts->setText(GetLanguageString(u"cSHitCounts"_s).arg(hits).arg(selected));
     FCounts->setVisible(hits > 0);
     for (TRibbonButton* button : FHitButtons)
         button->setEnabled(hits > 0);
-    FEject->setEnabled(FForm.EjectEnabled());
+    FEject->setEnabled(FForm.Drive().EjectEnabled());
     FPages->setCurrentIndex(hits > 0 ? 0 : 1);
-    const bool searched = FForm.Current().CurrentSearch != nullptr;
-    const bool hasServices = !FForm.ServiceNames(FForm.Area()).isEmpty();
+    const bool searched = FForm.Tabs().Current().CurrentSearch != nullptr;
+    const bool hasServices = !FForm.Fields().ServiceNames(FForm.Fields().Area()).isEmpty();
     FNothing->setText(GetLanguageString(!hasServices   ? u"cSServicesBroken"_s
                                         : FForm.Busy() ? u"cSStateSearching"_s
                                         : searched     ? u"cSNoHits"_s
@@ -424,16 +427,16 @@ void TSearchWindow::ShowState()
 void TSearchWindow::ShowTabs()
 {
     FFilling = true;
-    while (FTabs->count() > static_cast<int>(FForm.Tabs().size()))
+    while (FTabs->count() > static_cast<int>(FForm.Tabs().Items().size()))
         FTabs->removeTab(FTabs->count() - 1);
-    for (size_t i = 0; i < FForm.Tabs().size(); ++i) {
-        const QString caption = QString(FForm.Tabs()[i].Caption).replace(u'&', u"&&"_s);
+    for (size_t i = 0; i < FForm.Tabs().Items().size(); ++i) {
+        const QString caption = QString(FForm.Tabs().Items()[i].Caption).replace(u'&', u"&&"_s);
         if (static_cast<int>(i) < FTabs->count())
             FTabs->setTabText(static_cast<int>(i), caption);
         else
             FTabs->addTab(caption);
     }
-    FTabs->setCurrentIndex(FForm.CurrentTab());
+    FTabs->setCurrentIndex(FForm.Tabs().CurrentIndex());
     FTabs->updateGeometry(); // the bar does not ask for room by itself before it is shown
     FFilling = false;
 }
@@ -453,20 +456,20 @@ void TSearchWindow::ReportSelection(const QItemSelection& selected, const QItemS
         std::erase(FOrder, index.data(hrRecord).toLongLong());
     for (const QModelIndex& index : selected.indexes())
         FOrder.push_back(index.data(hrRecord).toLongLong());
-    FForm.SetSelection(FOrder);
+    FForm.Tabs().SetSelection(FOrder);
 }
 
 void TSearchWindow::RestoreSelection()
 {
     FFilling = true;
-    FOrder = FForm.Current().Selection;
+    FOrder = FForm.Tabs().Current().Selection;
     QItemSelection selection;
     for (const qint64 record : FOrder) {
         if (const int row = FModel->RowOf(record); row >= 0)
             selection.select(FModel->index(row), FModel->index(row));
     }
     FView->selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
-    const int focused = FModel->RowOf(FForm.Current().Focused);
+    const int focused = FModel->RowOf(FForm.Tabs().Current().Focused);
     if (focused >= 0)
         FView->selectionModel()->setCurrentIndex(FModel->index(focused), QItemSelectionModel::NoUpdate);
     FFilling = false;
@@ -474,13 +477,14 @@ void TSearchWindow::RestoreSelection()
 
 void TSearchWindow::ShowDetails()
 {
-    FPane->SetNote(FForm.DetailsProvider());
-    FPane->SetData(FForm.Details());
+    const TSearchHit* hit = FForm.Tabs().FocusedHit();
+    FPane->SetNote(hit ? FForm.ProviderName(hit->DataProvider) : QString());
+    FPane->SetData(FForm.Tabs().Details());
 }
 
 void TSearchWindow::ShowChosen()
 {
-    const auto chosen = static_cast<int>(FForm.SavedReleases().size());
+    const auto chosen = static_cast<int>(FForm.Chosen().Items().size());
     FChosenTitle->setText(GetLanguageString(u"cSChosen"_s).arg(chosen));
     FChosenTitle->setVisible(chosen > 0);
     FChosenNote->setVisible(chosen > 0);

@@ -107,7 +107,7 @@ void TAdding::OpenAddMusic(TSearchArea area)
 {
     FToken = FShell.BeginWork();
     FAddMusicOpen = true;
-    FAddMusic->SetArea(area);
+    FAddMusic->Fields().SetArea(area);
     FAddMusic->FormShow();
     Q_EMIT addMusicStarted();
     FShell.Actions().Update();
@@ -121,7 +121,7 @@ void TAdding::AddMusicClosed()
     FAddMusicOpen = false;
     FToken.reset();
     FShell.Actions().Update();
-    StoreFound(FAddMusic->TakeSavedReleases());
+    StoreFound(FAddMusic->Chosen().Take());
 }
 
 // What could not be stored stays chosen, for the next time that the window is open.
@@ -144,7 +144,7 @@ void TAdding::StoreFound(std::vector<TSavedRelease> releases)
     });
     const QString failed = done < count ? releases[static_cast<size_t>(done)].Release->GetDisplayValue() : QString();
     releases.erase(releases.begin(), releases.begin() + done);
-    FAddMusic->GiveBack(std::move(releases));
+    FAddMusic->Chosen().Add(std::move(releases));
     if (done > 0) {
         Q_EMIT added();
         Q_EMIT focusRequested(FShell.Data().LastAddedReleaseID());
@@ -168,7 +168,9 @@ void TAdding::UpdateServices(bool silent)
         return;
     }
     const QString& path = Defaults().InfoGrabberPath;
-    if (silent && !IsServicesUpdateDue(TServiceUpdates::Read(SettingsStore()), path, QDateTime::currentDateTime()))
+    const TServiceUpdates updates = TServiceUpdates::Read(SettingsStore());
+    const bool isBroken = updates.AutoUpdate && !FServicesFailure.isEmpty(); // a new one heals it
+    if (silent && !isBroken && !IsServicesUpdateDue(updates, path, QDateTime::currentDateTime()))
         return;
     FUpdater = std::make_unique<TServiceUpdaterForm>(path, Defaults().OEM.ServicesURL, SettingsStore());
     connect(FUpdater.get(), &TServiceUpdaterForm::closed, this, [this, silent] { ServiceUpdateEnded(silent); });

@@ -7,6 +7,7 @@
 #include "uGuardedFiles.h"
 #include "uHttpClient.h"
 #include "uLists.h"
+#include "uObjs.h"
 #include "uPrompt.h"
 #include "uRegistryFile.h"
 #include "uShell.h"
@@ -152,6 +153,7 @@ void TUpkeep::ApplySettings()
 {
     KeepSetting("DefaultDBFolder");
     SetNetworkSettings(NetworkSettingsFrom(Defaults()));
+    PictureUserAgents() = {ServiceAgent(Defaults())};
     FShell.Data().ApplyArticleSettings();
     for (TListSession* list : FLists.All())
         if (list->List().Active())

@@ -4,6 +4,7 @@
 #include "uDownloader.h"
 #include "uUserMessages.h"
 
+#include <QLockFile>
 #include <QObject>
 #include <QString>
 
@@ -18,7 +19,8 @@ enum class TUpdateEnd : int { ueReplaced = 0, ueCancelled = 1, ueFailed = 2, ueC
 using enum TUpdateEnd;
 
 /// Logic of the window that keeps the service package current: compares the published version with the installed one,
-/// fetches the package, three times at most, and unpacks it over the user's. Main thread; the work is done beside it.
+/// fetches the package, three times at most, and puts it in the place of the user's. A package that does not work
+/// counts as none, so that the next one heals it. Main thread; the work is done beside it.
 class TServiceUpdaterForm : public QObject, public TMessageReceiver {
     Q_OBJECT
 public:
@@ -74,6 +76,7 @@ private:
     int FPosition = 0;
     bool FArrived = false;
     TUpdateEnd FEndState = ueFailed;
+    QLockFile FLock; // against another process that updates
     std::unique_ptr<TCookieManagerComponent> FCookies;
     std::unique_ptr<TTaskThread> FTask;
     std::unique_ptr<TDownloaderThread> FDownload;

@@ -3,6 +3,7 @@
 
 #include "uDebugLog.h"
 #include "uDefaults.h"
+#include "uServiceFiles.h"
 #include "uServicePackage.h"
 #include "uTHSettings.h"
 #include "uTHStrings.h"
@@ -13,6 +14,8 @@
 #include <QFileInfo>
 #include <QLocale>
 #include <QUuid>
+
+#include <algorithm>
 
 namespace Kestrune {
 
@@ -31,6 +34,8 @@ constexpr qint64 LargestZip = 64 * 1024 * 1024;
 struct TServiceUpdaterForm::TCheck {
     bool Fetched = false;
     QString Text;
+    int Version = -1; // of what is there and works
+    QString Broken;   // why it does not work
 };
 
 TServiceUpdaterForm::TServiceUpdaterForm(const QString& definitionsPath, const QString& endpoint,
@@ -41,11 +46,13 @@ TServiceUpdaterForm::TServiceUpdaterForm(const QString& definitionsPath, const Q
       FCheckVersion(checkVersion),
       FCaption(GetLanguageString(u"cSGettingUpdates"_s)),
       FLabel(FCaption),
+      FLock(ServiceLockPath(QFileInfo(definitionsPath).absolutePath())),
       FCookies(ChooseCookieManagerClass()())
 {
     const QString name = QUuid::createUuid().toString(QUuid::WithoutBraces);
     const QString folder = QFileInfo(QFileInfo(definitionsPath).absolutePath()).absolutePath();
     FTempPath = folder + u'/' + name + u".tmp"_s;
+    FLock.setStaleLockTime(0); // as long as its process lives
 }
 
 TServiceUpdaterForm::~TServiceUpdaterForm()
@@ -69,6 +76,15 @@ void TServiceUpdaterForm::UpdateServicesXMLIfNeeded()
 {
     if (FCancelled)
         return Close();
+    const QString folder = QFileInfo(FDefinitionsPath).absolutePath();
+    QDir().mkpath(QFileInfo(folder).absolutePath());
+    if (FLock.tryLock(0)) {
+        SweepServiceLeftovers(folder);
+    } else if (FLock.error() == QLockFile::LockFailedError) {
+        DebugLog(u"[Services] another process updates them"_s);
+        FEndState = ueCurrent;
+        return Close();
+    }
     if (QFile::exists(FDefinitionsPath) && FCheckVersion)
         CheckVersions();
     else
@@ -80,7 +96,10 @@ void TServiceUpdaterForm::CheckVersions()
     const QString url = ServicesVersionURL(FEndpoint);
     DebugLog(u"Checking "_s + url);
     const auto check = std::make_shared<TCheck>();
-    FTask = std::make_unique<TTaskThread>([check, url, agent = Defaults().OEM.HTTPAgent](std::stop_token token) {
+    const QString folder = QFileInfo(FDefinitionsPath).absolutePath();
+    const int known = std::max(TServiceUpdates::Read(FStore).Version, TServiceDelivery::Read(folder).Version);
+    FTask = std::make_unique<TTaskThread>([=, agent = ServiceAgent(Defaults())](const std::stop_token& token) {
+        check->Version = CheckServicePackage(folder, check->Broken, token) ? known : -1;
         const auto cookies = ChooseCookieManagerClass()();
         const auto transport = ChooseDownloaderClass()(cookies.get());
         const std::stop_callback stop(token, [&] { transport->AbortDownload(); });
@@ -102,10 +121,9 @@ void TServiceUpdaterForm::VersionsChecked(const TCheck& check)
         return Close();
     const std::optional<int> remote = check.Fetched ? ParseServicesVersion(check.Text) : std::nullopt;
     if (remote) {
-        const int local = TServiceUpdates::Read(FStore).Version;
         DebugLog(u"Services.ver == %1"_s.arg(*remote));
-        DebugLog(u"Services.local == %1"_s.arg(local));
-        if (local >= *remote) {
+        DebugLog(u"Services.local == %1 %2"_s.arg(check.Version).arg(check.Broken).trimmed());
+        if (check.Version >= *remote && check.Broken.isEmpty()) {
             FEndState = ueCurrent;
             WriteLastUpdated(FStore, QDateTime::currentDateTime());
             return Close();
@@ -123,7 +141,7 @@ void TServiceUpdaterForm::StartDownload()
     FDownload = std::make_unique<TDownloaderThread>(ChooseDownloaderClass(), FCookies.get());
     FDownload->Downloader().SetURL(ServicesZipURL(FEndpoint));
     FDownload->Downloader().SetFilename(FTempPath);
-    FDownload->Downloader().SetAgent(Defaults().OEM.HTTPAgent);
+    FDownload->Downloader().SetAgent(ServiceAgent(Defaults()));
     FDownload->Downloader().SetMaxBytes(LargestZip);
     FDownload->FProgressEvent = [this](TDownloader&, const QString&, int total, int read, int, int, quint8, float) {
         const auto size = [](int bytes) { return QLocale().formattedDataSize(bytes); };
@@ -154,9 +172,10 @@ void TServiceUpdaterForm::DownloadEnded()
     };
     const auto result = std::make_shared<TResult>();
     const QString folder = QFileInfo(FDefinitionsPath).absolutePath();
-    FTask = std::make_unique<TTaskThread>([result, zip = FTempPath, folder](std::stop_token stop) {
-        result->Done = QDir().mkpath(folder) && InstallServicePackage(zip, folder, result->Error, stop);
-    });
+    FTask = std::make_unique<TTaskThread>(
+        [result, zip = FTempPath, folder, version = FRemoteVersion](const std::stop_token& stop) {
+            result->Done = InstallServicePackage(zip, folder, version, result->Error, stop);
+        });
     FTask->OnTerminate = [this, result] { PackageInstalled(result->Done, result->Error); };
     FTask->Start();
 }
