@@ -264,7 +264,8 @@ TEST_F(MainForm, ListFieldsAreSearchedByEqualityOthersByText)
         int Rows;
     } const cases[] = {{u"Status", u"Wanted item", 1}, {u"Status", u"Wanted", 0}, {u"MediaType", u"cd", 4},
                        {u"ReleaseYear", u"197", 2},    {u"Artist", u"AB", 2},     {u"ReleaseName", u"0%", 1},
-                       {u"ReleaseName", u"", 4},       {u"Label", u"", 0},        {u"IsLive", u"No", 4}};
+                       {u"ReleaseName", u"", 4},       {u"Label", u"", 0},        {u"Status", u"", 4},
+                       {u"IsLive", u"No", 4}};
     for (const auto& row : cases) {
         SCOPED_TRACE(QString::fromUtf16(row.Field).toStdString() + " " + QString::fromUtf16(row.Text).toStdString());
         FForm.Search().SetSearchBy(QString::fromUtf16(row.Field));
