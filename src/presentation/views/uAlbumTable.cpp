@@ -298,6 +298,17 @@ void TAlbumTable::mousePressEvent(QMouseEvent* event)
     QTreeView::mousePressEvent(event);
 }
 
+bool TAlbumTable::event(QEvent* event)
+{
+    // The cell is edited by the key that is the window's for the whole record.
+    if (event->type() == QEvent::ShortcutOverride && editTriggers() != NoEditTriggers &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_F2) {
+        event->accept();
+        return true;
+    }
+    return QTreeView::event(event);
+}
+
 void TAlbumTable::keyPressEvent(QKeyEvent* event)
 {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter || event->key() == Qt::Key_Space;

@@ -168,6 +168,22 @@ void TDetailPane::EditField(const QString& column)
                 return BeginEdit(row);
 }
 
+void TDetailPane::EditFirst()
+{
+    const QList<TDetailBlock*> blocks = FBlocks; // an editor that opens leaves them as they are
+    for (TDetailBlock* block : blocks)
+        for (TDetailRow* row : block->Rows()) {
+            if (row->Column().isEmpty())
+                continue;
+            if (block->IsFolded())
+                block->SetFolded(false);
+            Arrange();
+            BeginEdit(row);
+            if (FEditor)
+                return;
+        }
+}
+
 void TDetailPane::BeginEdit(TDetailRow* row)
 {
     EndEdit();

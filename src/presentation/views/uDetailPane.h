@@ -48,6 +48,8 @@ public:
     void SetEditing(TMakeEditor make, TStoreValue store);
     /// Opens the editor of a field that is shown.
     void EditField(const QString& column);
+    /// Opens the editor of the first field that can be changed.
+    void EditFirst();
     /// Columns that are never shown, and whether the user is choosing them: then all fields stand there with a box.
     void SetHiddenFields(const QStringList& columns);
     QStringList HiddenFields() const { return {FHidden.cbegin(), FHidden.cend()}; }

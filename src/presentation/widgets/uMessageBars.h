@@ -63,6 +63,10 @@ public:
     void Clear();
     int Count() const { return static_cast<int>(FBars.size()); }
 
+Q_SIGNALS:
+    /// The bar that had the keyboard is gone.
+    void focusLeft();
+
 private:
     void Remove(TMessageBar* bar);
     void Arrange();

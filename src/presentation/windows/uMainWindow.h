@@ -77,6 +77,7 @@ Q_SIGNALS:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
@@ -179,6 +180,11 @@ private:
     void EditKeyword();
     void MoveArea(int direction);
     QWidget* CurrentViewWidget() const;
+    void FocusView();
+    /// The same unless the user is in view or pane already, such as in a cell that is edited.
+    void ReturnToView();
+    void EditFocused();
+    void AddByHand();
 
     TKRNMainForm& FForm;
     TThemeController& FTheme;

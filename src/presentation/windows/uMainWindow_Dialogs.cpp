@@ -3,6 +3,7 @@
 #include "uActionSet.h"
 #include "uAlbumTable.h"
 #include "uDefaults.h"
+#include "uDetailPane.h"
 #include "uExport.h"
 #include "uFieldEditors.h"
 #include "uFilterDialog.h"
@@ -40,6 +41,8 @@ void TMainWindow::OpenWindow(const QString& action)
         {u"actCustomizeColumns"_s, &TMainWindow::OpenColumns},
         {u"actAdvancedSearch"_s, &TMainWindow::OpenFilterBuilder},
         {u"actMultiEdit"_s, &TMainWindow::OpenMultiEdit},
+        {u"actEditItem"_s, &TMainWindow::EditFocused},
+        {u"actAddReleaseManually"_s, &TMainWindow::AddByHand},
         {u"actOptions"_s, &TMainWindow::OpenAllOptions},
         {u"actExecSQL"_s, &TMainWindow::OpenSQL},
         {u"actAbout"_s, &TMainWindow::OpenAbout},
@@ -95,6 +98,24 @@ void TMainWindow::OpenMultiEdit()
     edit.LoadFromCustomGridTableView({shown.begin(), shown.end()});
     if (TMultiEditDialog(edit, FForm.Data(), this).exec() == QDialog::Accepted)
         edit.ApplyChanges();
+}
+
+void TMainWindow::EditFocused()
+{
+    if (FForm.Pane().Closed())
+        FForm.Pane().SetClosed(false);
+    FPane->show(); // also where the window is too narrow for it
+    if (FForm.Pane().Detail().ID != FForm.Lists().Active().FocusedRelease())
+        FForm.Pane().Refresh(); // it follows the focus only after a moment
+    FPane->EditFirst();
+}
+
+void TMainWindow::AddByHand()
+{
+    const QString name = AskName(FullCaptionOf(u"actAddReleaseManually"_s),
+                                 GetLanguageString(u"cSReleasesFieldReleaseName"_s), {}, this);
+    if (!name.isEmpty())
+        FForm.Adding().AddByHand(name);
 }
 
 void TMainWindow::OpenSaveFilter()

@@ -138,7 +138,8 @@ void TMainWindow::ShowGroups()
 // Which of the pages stands in the middle, and which view in it.
 void TMainWindow::ShowPage()
 {
-    const bool hadFocus = FViews->isAncestorOf(QApplication::focusWidget());
+    const QWidget* focus = QApplication::focusWidget();
+    const bool hadFocus = !focus || FViews->isAncestorOf(focus) || FEmpty->isAncestorOf(focus);
     const bool hasData = FForm.Data().HasData();
     const TStatusFigures figures = FForm.Figures().Status();
     FFilters->setVisible(hasData);
@@ -155,7 +156,12 @@ void TMainWindow::ShowPage()
                                   card(u"cSGuiCardOpen"_s, u"cSGuiCardOpenText"_s, u"actOpenDatabase"_s)},
                                  recent);
     } else if (figures.Total == 0) {
-        FEmpty->ShowEmptyCollection({card(u"cSGuiCardFolder"_s, u"cSGuiCardFolderText"_s, u"actAddMP3"_s)});
+        FEmpty->ShowEmptyCollection({card(u"cSGuiCardBarcode"_s, u"cSGuiCardBarcodeText"_s, u"actAddByBarcode"_s),
+                                     card(u"cSGuiCardDisc"_s, u"cSGuiCardDiscText"_s, u"actAddByCDROM"_s),
+                                     card(u"cSGuiCardFolder"_s, u"cSGuiCardFolderText"_s, u"actAddMP3"_s),
+                                     card(u"cSGuiCardImport"_s, u"cSGuiCardImportText"_s, u"actImport"_s),
+                                     card(u"cSGuiCardName"_s, u"cSGuiCardNameText"_s, u"actAddMusic"_s),
+                                     card(u"cSGuiCardByHand"_s, u"cSGuiCardByHandText"_s, u"actAddReleaseManually"_s)});
     }
     const bool empty = !hasData || figures.Total == 0;
     FPages->setCurrentWidget(empty ? static_cast<QWidget*>(FEmpty) : FSplitter);
@@ -165,8 +171,8 @@ void TMainWindow::ShowPage()
         FViews->setCurrentWidget(CurrentTable() ? static_cast<QWidget*>(CurrentTable()) : FTiles);
     // Another page takes the keyboard over; what has it within the same page keeps it, such as a field of the filter
     // row.
-    if (hadFocus && !FViews->currentWidget()->isAncestorOf(QApplication::focusWidget()))
-        FViews->currentWidget()->setFocus();
+    if (hadFocus && !CurrentViewWidget()->isAncestorOf(QApplication::focusWidget()))
+        FocusView();
 }
 
 void TMainWindow::ShowFilters()
@@ -459,7 +465,7 @@ void TMainWindow::showEvent(QShowEvent* event)
     QTimer::singleShot(0, this, [this] {
         Q_EMIT shownFirst();
         FForm.WMAfterFormShow();
-        CurrentViewWidget()->setFocus();
+        FocusView();
     });
 }
 

@@ -53,6 +53,7 @@ void TListEdits::BindEditActions()
     const auto canChange = [this, hasRows] { return hasRows() && FShell.CanWrite(); };
     actions.Bind(
         u"actRemoveSelected"_s, [this] { RemoveSelected(); }, canChange);
+    FShell.BindWindow(u"actEditItem"_s, canChange);
     FShell.BindWindow(u"actMultiEdit"_s, canChange);
     actions.Bind(
         u"actDuplicate"_s, [this] { Duplicate(); },
