@@ -304,6 +304,36 @@ TEST_F(MainForm, RemovingAsksAndTakesTheSelection)
     EXPECT_EQ(FPrompt.Questions.back(), u"Do you want to delete selected item(s)?"_s);
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Tracks2"_s), 2);
     EXPECT_TRUE(FForm.Lists().Releases().Selection().empty());
+    EXPECT_EQ(FPrompt.Notes.back(), u"2 releases"_s);
+}
+
+TEST_F(MainForm, ADeletionIsUndoneOnceAsAWhole)
+{
+    OpenFilled();
+    std::vector<std::function<void()>> offers;
+    QStringList bars;
+    QObject::connect(&FForm.Shell(), &TShell::offerRaised, &FForm,
+                     [&](TBarKind, const QString& bold, const QString&, const TBarOffer& offer) {
+                         bars << bold;
+                         offers.push_back(offer.Act);
+                     });
+    QObject::connect(&FForm, &TKRNMainForm::barRaised, &FForm,
+                     [&](TBarKind, const QString& bold, const QString&) { bars << bold; });
+    FForm.Lists().Releases().SetSelection({FData.qReleasesMain.KeyAt(0)});
+    FForm.Actions().Trigger(u"actRemoveSelected"_s);
+    FForm.Lists().Releases().SetSelection(FData.qReleasesMain.Keys());
+    FForm.Actions().Trigger(u"actRemoveSelected"_s);
+    EXPECT_TRUE(Shown().isEmpty());
+    ASSERT_EQ(offers.size(), 2u);
+    for (int twice = 0; twice < 2; ++twice)
+        offers[1]();
+    EXPECT_EQ(Shown(), (QStringList{u"Arrival"_s, u"Lexicon"_s, u"100% Zappa"_s}));
+    EXPECT_EQ(FForm.Figures().Status().Total, 3);
+    const auto working = FForm.Shell().BeginWork();
+    offers[0]();
+    EXPECT_EQ(Shown().size(), 3) << "while an import runs the offer stays";
+    EXPECT_EQ(bars,
+              (QStringList{u"1 release deleted."_s, u"3 releases deleted."_s, u"The deletion was not undone."_s}));
 }
 
 TEST_F(MainForm, WhatAFilterHidesIsNotRemoved)

@@ -13,6 +13,7 @@ public:
     QStringList Errors;
     QStringList Information;
     QStringList Questions;
+    QStringList Notes;
     bool YesNoAnswer = true;
     QString FileAnswer;
 
@@ -22,6 +23,11 @@ public:
     {
         Questions.append(text);
         return YesNoAnswer;
+    }
+    bool AskBeforeLoss(const QString& text, const QString& note) override
+    {
+        Notes.append(note);
+        return AskYesNo(text);
     }
     QString AskOpenFile(const TFileDialogRequest&) override { return FileAnswer; }
     QString AskSaveFile(const TFileDialogRequest&) override { return FileAnswer; }

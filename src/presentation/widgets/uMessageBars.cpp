@@ -74,7 +74,7 @@ TMessageBar::TMessageBar(TBarMessage message, QWidget* parent)
     buttons->addWidget(close);
     FTimer->setSingleShot(true);
     connect(FTimer, &QTimer::timeout, this, &TMessageBar::TimeIsUp);
-    if (FMessage.Kind == bkDone)
+    if (FMessage.Kind == bkDone && !FMessage.Stays)
         FTimer->start(DoneStays);
 }
 

@@ -26,6 +26,7 @@ struct TBarMessage {
         std::function<void()> Act;
     };
     std::vector<TAction> Actions;
+    bool Stays = false; ///< also when it tells of something done
 };
 
 /// One bar. It closes by its x, and when it tells of something done after a while unless it is looked at.

@@ -251,6 +251,10 @@ void TMainWindow::ConnectForm()
             [this](TBarKind kind, const QString& bold, const QString& sentence) {
                 FBars->Show({kind, bold, sentence, {}, {}});
             });
+    connect(&FForm.Shell(), &TShell::offerRaised, this,
+            [this](TBarKind kind, const QString& bold, const QString& sentence, const TBarOffer& offer) {
+                FBars->Show({kind, bold, sentence, {}, {{offer.Caption, offer.Act}}, offer.Stays});
+            });
     connect(&FForm.Upkeep(), &TUpkeep::debugWindowToggled, this, [this] {
         if (FDebug)
             FDebug->setVisible(!FDebug->isVisible());
