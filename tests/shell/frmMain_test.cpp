@@ -187,21 +187,25 @@ TEST(Startup, StepsRunInTheirFixedOrder)
                                 u"search"_s, u"show"_s}));
 }
 
-TEST_F(MainForm, AFirstStartSaysOnceThatThereIsNoFile)
+TEST_F(MainForm, AFirstStartAndAFileThatIsGoneShowNoErrorBox)
 {
     FForm.FormCreate({});
     FForm.FormShow();
     FForm.WMAfterFormShow();
-    EXPECT_EQ(FPrompt.Errors, QStringList({u"Database file not found."_s}));
     EXPECT_FALSE(FData.HasData());
+    EXPECT_EQ(FForm.Files().Failure(), QString()) << "nothing is wrong with a first start";
+    Defaults().DBPath = FDir.File(u"gone.db"_s);
+    FForm.Files().OpenAtStart();
     EXPECT_EQ(FForm.Files().Failure(), u"Database file not found."_s);
+    EXPECT_TRUE(FPrompt.Errors.isEmpty());
     EXPECT_FALSE(FForm.Actions().IsEnabled(u"actRefresh"_s));
     EXPECT_TRUE(FForm.Actions().IsEnabled(u"actNewDatabase"_s));
 
     FPrompt.FileAnswer = FPath;
     FForm.Actions().Trigger(u"actNewDatabase"_s);
     EXPECT_TRUE(FData.HasData());
-    EXPECT_EQ(FPrompt.Errors.size(), 1);
+    EXPECT_EQ(FPrompt.Saved.FileName, u"Records.db"_s);
+    EXPECT_TRUE(FPrompt.Errors.isEmpty());
     EXPECT_EQ(FForm.Caption(), u"c.db - Kestrune"_s);
     EXPECT_EQ(FForm.Files().Recent(), QStringList({FPath}));
 }

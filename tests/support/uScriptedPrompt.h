@@ -16,6 +16,7 @@ public:
     QStringList Notes;
     bool YesNoAnswer = true;
     QString FileAnswer;
+    TFileDialogRequest Saved; ///< what was last asked for
 
     void ShowError(const QString& text) override { Errors.append(text); }
     void ShowInformation(const QString& text) override { Information.append(text); }
@@ -30,7 +31,11 @@ public:
         return AskYesNo(text);
     }
     QString AskOpenFile(const TFileDialogRequest&) override { return FileAnswer; }
-    QString AskSaveFile(const TFileDialogRequest&) override { return FileAnswer; }
+    QString AskSaveFile(const TFileDialogRequest& request) override
+    {
+        Saved = request;
+        return FileAnswer;
+    }
     QString AskFolder(const QString&, const QString&) override { return FileAnswer; }
 };
 
