@@ -10,13 +10,17 @@
 #include "uRibbonButton.h"
 #include "uScenario.h"
 #include "uSearchBox.h"
+#include "uTHStrings.h"
 #include "uTileView.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDialog>
+#include <QLabel>
 #include <QMenu>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QStackedWidget>
 #include <QTest>
 
@@ -59,6 +63,27 @@ TEST_F(Focus, ComesBackToTheViewFromDialogsJobsAndBars)
     bar->findChild<TRibbonButton*>()->setFocus();
     Press(u"Return"_s);
     EXPECT_TRUE(InView()) << "a bar that was closed by its button";
+}
+
+TEST_F(Focus, TheSortWindowActsOnTheLevelThatHasIt)
+{
+    Open(2);
+    Form().Lists().Active().SetSort({{u"Artist"_s, false}, {u"ReleaseYear"_s, false}});
+    InDialog("actSort", [](QDialog& dialog) {
+        const auto columns = dialog.findChildren<QComboBox*>();
+        const auto numbers = dialog.findChildren<QRadioButton*>();
+        QPushButton* down = nullptr;
+        for (QPushButton* button : dialog.findChildren<QPushButton*>())
+            if (button->text() == GetLanguageString(u"cSSortDlgDown"_s))
+                down = button;
+        ASSERT_TRUE(down && columns.size() == 4 && numbers.size() == 2);
+        columns[2]->setFocus();
+        EXPECT_TRUE(numbers[1]->isChecked());
+        EXPECT_FALSE(down->isEnabled());
+        columns[1]->setFocus();
+        EXPECT_TRUE(numbers[0]->isChecked());
+        EXPECT_TRUE(down->isEnabled());
+    });
 }
 
 TEST_F(Focus, EscapeGoesToTheViewFromEverywhere)
