@@ -225,7 +225,9 @@ void TMainWindow::ShowFigures()
         shown = GetLanguageString(figures.OfTracks ? u"cSGuiFigureTracksOf"_s : u"cSGuiFigureOf"_s)
                     .arg(locale.toString(figures.Shown), locale.toString(figures.Total));
     if (figures.Groups > 0)
-        shown += u' ' + GetLanguageString(u"cSGuiFigureGroups"_s).arg(locale.toString(figures.Groups));
+        shown += u' ' + (figures.Groups == 1
+                             ? GetLanguageString(u"cSGuiFigureOneGroup"_s)
+                             : GetLanguageString(u"cSGuiFigureGroups"_s).arg(locale.toString(figures.Groups)));
     facts << shown;
     facts << (figures.Selected == 0
                   ? GetLanguageString(u"cSGuiFigureNone"_s)
