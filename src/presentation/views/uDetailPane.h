@@ -76,6 +76,9 @@ protected:
 
 private:
     bool IsShown(const TDetailField& field) const;
+    /// Fields that say nothing about this release stand behind one row, until it is asked for.
+    bool FoldsDefaults() const;
+    void AddRow(TDetailBlock& block, const TDetailField& field);
     void BeginEdit(TDetailRow* row);
     void EndEdit();
     void CommitEdit(TFieldEditor* editor);
@@ -98,6 +101,7 @@ private:
     QSet<QString> FFolded;
     QSet<QString> FHidden;
     bool FCustomizing = false;
+    bool FShowsDefaults = false;
     QLineEdit* FFilter;
     TMakeEditor FMakeEditor;
     TStoreValue FStoreValue;

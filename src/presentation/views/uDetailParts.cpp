@@ -519,7 +519,7 @@ void TDetailRow::PaintField(QPainter& painter) const
     qreal x = ValueLeft();
     const qreal right = width() - PanePadding;
     if (FLabel.isEmpty()) {
-        painter.setPen(theme.Text);
+        painter.setPen(FIsLink ? theme.AccentFill : theme.Text);
         painter.drawText(place(x, right - x).adjusted(0, 4, 0, 0), Qt::AlignLeft | Qt::TextWordWrap, FValue);
         return;
     }
