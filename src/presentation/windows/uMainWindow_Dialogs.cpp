@@ -21,16 +21,24 @@
 #include "uThemeController.h"
 #include "uUpdaterWindow.h"
 
+#include <QDesktopServices>
 #include <QFileInfo>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPrinterInfo>
+#include <QUrl>
 
 #include <algorithm>
 
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString ExportFolderKey = u"Export.Folder"_s;
+
+} // namespace
 
 // The windows of actions by their names; an action without a row here has no window.
 void TMainWindow::OpenWindow(const QString& action)
@@ -243,14 +251,20 @@ void TMainWindow::Export(const QString& word)
     request.Filter = ExportFileFilter(*format);
     request.DefaultExtension = word;
     request.FileName = ReportTitle() + u'.' + word;
+    if (HasSettingsStore())
+        request.Folder = SettingsStore().ReadString(ExportFolderKey, {});
     const QString path = FForm.Shell().Prompt().AskSaveFile(request);
     if (path.isEmpty())
         return;
+    if (HasSettingsStore())
+        SettingsStore().WriteString(ExportFolderKey, {}, QFileInfo(path).absolutePath());
+    const TBarOffer open{GetLanguageString(u"cSGuiOpenFile"_s),
+                         [path] { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); }};
     FForm.Shell().RunJob(request.Title, [&](const TShell::TJobProgress& progress) {
         TExportSource source = MakeSource(*format == efHTML || *format == efPDF);
         try {
             if (WriteExport(source, *format, path, ReportTitle(), progress))
-                FForm.Shell().Tell(bkDone, GetLanguageString(u"cSExportDone"_s).arg(source.RowCount()), path);
+                FForm.Shell().Offer(bkDone, GetLanguageString(u"cSExportDone"_s).arg(source.RowCount()), path, open);
             else
                 FForm.Shell().Tell(bkWarning, GetLanguageString(u"cSExportStopped"_s), path);
         } catch (const EExportError& failure) {
