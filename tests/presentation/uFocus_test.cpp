@@ -4,6 +4,7 @@
 #include "uDetailPane.h"
 #include "uEmptyPage.h"
 #include "uFieldEditor.h"
+#include "uFilterBar.h"
 #include "uLetterBar.h"
 #include "uMessageBars.h"
 #include "uRibbon.h"
@@ -21,6 +22,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QRegularExpression>
 #include <QStackedWidget>
 #include <QTest>
 
@@ -34,6 +36,14 @@ namespace {
 
 class Focus : public Kit::TScenario {
 protected:
+    qsizetype ChipCount()
+    {
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        qsizetype count = 0;
+        for (const TChip* chip : Window().Filters()->Chips()->findChildren<TChip*>())
+            count += chip->isHidden() ? 0 : 1;
+        return count;
+    }
     bool InView()
     {
         // The platform of the tests makes no other window active when one closes.
@@ -48,13 +58,20 @@ TEST_F(Focus, ComesBackToTheViewFromDialogsJobsAndBars)
     Open(4);
     for (const char* action : {"actSort", "actOptions", "actAbout"}) {
         Window().Ribbon()->SearchBox()->FocusEditor();
-        InDialog(action, [](QDialog&) {});
+        InDialog(action, [action](QDialog& dialog) {
+            if (QLatin1StringView(action) == "actAbout"_L1) {
+                EXPECT_TRUE(dialog.findChild<QLabel*>()->text().contains(QRegularExpression(u"[0-9]+[.][0-9]"_s)));
+            }
+        });
         EXPECT_TRUE(InView()) << action;
     }
     FPrompt.FileAnswer = FDir.File(u"out.csv"_s);
     Window().Ribbon()->SearchBox()->FocusEditor();
     Do("actExportToCSV");
     EXPECT_TRUE(InView()) << "export";
+    FPrompt.FileAnswer.clear();
+    Do("actExportToXML");
+    EXPECT_EQ(FPrompt.Saved.Folder, FDir.Path()) << "where the last one went";
     Window().activateWindow();
     ASSERT_TRUE(QTest::qWaitFor([this] { return Window().isActiveWindow(); }));
     Window().Bars()->Show({bkError, u"Oh"_s, {}, {}, {}});
@@ -145,6 +162,21 @@ TEST_F(Focus, CardsOfTheEmptyPageTakeItAndThereAreSixWaysIn)
     });
     EXPECT_EQ(Rows(), QStringList{u"By hand"_s});
     EXPECT_TRUE(InView());
+}
+
+TEST_F(Focus, AGroupingThatOrdersTilesIsAChipThatItsKeyTakesOff)
+{
+    Open(6);
+    Form().Lists().Active().SetGrouping({u"Genre"_s});
+    Settle();
+    EXPECT_EQ(ChipCount(), 1);
+    Do("actAlbumTableView");
+    EXPECT_EQ(ChipCount(), 0) << "there the group panel tells";
+    Do("actThumbView");
+    Q_EMIT Window().Filters()->Chips()->removeRequested(u"-1|Genre"_s);
+    Settle();
+    EXPECT_TRUE(Form().Lists().Active().List().Grouping().isEmpty());
+    EXPECT_EQ(ChipCount(), 0);
 }
 
 TEST_F(Focus, EnterF2AndDoubleClickEditTheFirstFieldOfEveryRow)

@@ -355,9 +355,13 @@ void TMainWindow::ConnectFilters()
     connect(FBars, &TMessageBars::focusLeft, this, &TMainWindow::FocusView);
     TChipRow* chips = FFilters->Chips();
     connect(chips, &TChipRow::removeRequested, this, [this](const QString& id) {
+        if (id.section(u'|', 0, 0).toInt() == GroupChip)
+            return FForm.Lists().Active().RemoveGroup(id.section(u'|', 1));
         FForm.Search().RemoveFilter(static_cast<TFilterChipKind>(id.section(u'|', 0, 0).toInt()), id.section(u'|', 1));
     });
     connect(chips, &TChipRow::editRequested, this, [this](const QString& id) {
+        if (id.section(u'|', 0, 0).toInt() == GroupChip)
+            return FForm.Actions().Trigger(u"actAlbumTableView"_s); // where groups are made
         EditChip(static_cast<TFilterChipKind>(id.section(u'|', 0, 0).toInt()), id.section(u'|', 1));
     });
     const auto clearAll = [this] { FForm.Actions().Trigger(u"actFilterStatusOther"_s); };

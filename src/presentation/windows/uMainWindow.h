@@ -87,6 +87,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    static constexpr int GroupChip = -1; // in the place of the kind of a filter
     void BuildParts();
     void BuildViews();
     void BuildMenus();
@@ -104,6 +105,7 @@ private:
     void ShowView();
     void ShowPage();
     void ShowFilters();
+    void ShowChips();
     void ShowSort();
     void ShowFigures();
     void ShowDetail();

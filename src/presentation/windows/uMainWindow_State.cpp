@@ -124,6 +124,7 @@ void TMainWindow::ShowView()
         Find(FFind->Text());
     ShowPage();
     ShowGroups();
+    ShowChips();
 }
 
 void TMainWindow::ShowGroups()
@@ -175,12 +176,24 @@ void TMainWindow::ShowPage()
         FocusView();
 }
 
-void TMainWindow::ShowFilters()
+void TMainWindow::ShowChips()
 {
     std::vector<TChipText> chips;
     for (const TFilterChip& chip : FForm.Lists().Active().Filters().Chips())
         chips.push_back({u"%1|%2"_s.arg(static_cast<int>(chip.Kind)).arg(chip.Column), chip.Field, chip.Value});
+    // In a table the group panel shows them; tiles have none, and yet stand in their order.
+    if (!CurrentTable()) {
+        const TListModel& list = *CurrentModel();
+        for (const QString& field : FForm.Lists().Active().List().Grouping())
+            chips.push_back({u"%1|%2"_s.arg(GroupChip).arg(field), GetLanguageString(u"cSGuiGroupedBy"_s),
+                             list.headerData(list.ColumnOf(field), Qt::Horizontal, FullCaptionRole).toString()});
+    }
     FFilters->Chips()->SetChips(chips);
+}
+
+void TMainWindow::ShowFilters()
+{
+    ShowChips();
     FLetters->SetCurrent(FForm.Lists().Active().Filters().Set().Letter);
     FLetters->SetField(FForm.Lists().Active().Filters().Set().LetterField);
     if (TAlbumTable* table = CurrentTable())
@@ -212,6 +225,7 @@ void TMainWindow::ShowSort()
     }
     (FForm.TracksShown() ? FTracks : FTable)->SetSortMarks(std::move(marks));
     ShowGroups();
+    ShowChips();
 }
 
 void TMainWindow::ShowFigures()
