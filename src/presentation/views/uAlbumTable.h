@@ -69,6 +69,7 @@ private:
     struct TShared {
         int Column = 0;
         int Least = 0;
+        int Parts = 1; ///< of the spare width
     };
     QModelIndex NeighbourColumn(int direction) const;
     void Share();
