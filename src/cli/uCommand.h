@@ -34,6 +34,7 @@ class TConsolePrompt final : public TPrompt {
 public:
     void ShowError(const QString& text) override { FMessage = text; }
     void ShowInformation(const QString&) override {}
+    bool AskBeforeLoss(const QString& text, const QString&) override { return AskYesNo(text); }
     bool AskYesNo(const QString& text) override
     {
         FMessage = FConverts ? QString() : text + QStringLiteral(" (--convert)");

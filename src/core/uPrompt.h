@@ -30,6 +30,8 @@ public:
     virtual void ShowInformation(const QString& text) = 0;
     /// A question answered by Yes or No; closing it means No.
     virtual bool AskYesNo(const QString& text) = 0;
+    /// The same for what takes something away: a note below the question says how much, and No has the keyboard.
+    virtual bool AskBeforeLoss(const QString& text, const QString& note) = 0;
     /// Chosen path, or empty when the user cancelled.
     virtual QString AskOpenFile(const TFileDialogRequest& request) = 0;
     /// The same for a file to write; the dialog asks before an existing one is chosen.

@@ -3,6 +3,7 @@
 
 #include "uChanges.h"
 #include "uDataSet.h"
+#include "uDeletedRows.h"
 #include "uObjs.h"
 #include "uReleaseCursors.h"
 #include "uSQLite.h"
@@ -72,6 +73,12 @@ public:
     /// Makes the front thumbnails anew from the large pictures, with a cursor of its own; LastModified stays.
     /// `progress` is told the rows that are done of all and stops the work by giving false. The number of thumbnails.
     int RegenerateThumbnails(const std::function<bool(int row, int count)>& progress);
+    /// Deletes rows of a list in one transaction and keeps what went with them; gives the number by which UndoDeletion
+    /// takes it back. Where there is no room to keep it they are deleted all the same, and the number is 0.
+    qint64 DeleteUndoably(TListDataset& list, const std::vector<qint64>& keys);
+    /// Brings back what a deletion took, with its keys; a second time does nothing. Gives the number of rows that stay
+    /// away because what they belong to is gone. Throws the reason when nothing can come back.
+    qint64 UndoDeletion(qint64 number);
     /// True when the cursors are open.
     bool HasData() const { return qReleasesMain.Active(); }
     /// True when the open file can only be read.
@@ -174,6 +181,7 @@ public:
 
 private:
     TSQLiteConnection FConnection; // before the cursors, which use it
+    TDeletedRows FDeleted{FConnection};
 
 public:
     TListDataset qReleasesMain; ///< all releases, under filter and sort

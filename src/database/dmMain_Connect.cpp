@@ -172,6 +172,7 @@ bool TDataModuleMain::ConnectToDB(const QString& filepath)
     Upgrade(copy);
     UseWriteAheadLog();
     MakePerformanceIndices();
+    FDeleted.Begin();
     ApplyArticleSettings();
     OpenCursors();
     FConnection.WatchLocks();

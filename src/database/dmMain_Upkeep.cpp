@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uFilePath.h"
 #include "uThreads.h"
@@ -31,6 +32,33 @@ void TDataModuleMain::CopyTo(const QString& filepath)
         QFile::remove(aside);
         throw EDatabaseError(u"%1: %2"_s.arg(filepath, QString::fromStdString(error.message())));
     }
+}
+
+qint64 TDataModuleMain::DeleteUndoably(TListDataset& list, const std::vector<qint64>& keys)
+{
+    Q_ASSERT(OnMainThread());
+    try {
+        TSQLiteTransaction transaction(FConnection);
+        const qint64 number = FDeleted.Keep(list.Table(), keys);
+        list.DeleteKeys(keys);
+        FDeleted.Settle(number);
+        transaction.Commit();
+        return number;
+    } catch (const EDatabaseError& failure) {
+        if (failure.IsLocked())
+            throw;
+        DebugLog(u"[Undo] %1"_s.arg(failure.Text()));
+    }
+    // A disk that is full has no room for what is to be kept, and yet it must be possible to delete.
+    list.DeleteKeys(keys);
+    return 0;
+}
+
+qint64 TDataModuleMain::UndoDeletion(qint64 number)
+{
+    Q_ASSERT(OnMainThread());
+    FConnection.CheckFileIsThere();
+    return FDeleted.Restore(number);
 }
 
 int TDataModuleMain::RegenerateThumbnails(const std::function<bool(int row, int count)>& progress)

@@ -49,12 +49,14 @@ public:
 
     const QString& Name() const { return FDef.Name; }
     const std::vector<TFieldDef>& Fields() const { return FDef.Fields; }
+    const QString& Table() const { return FDef.Table; }
     const QString& RowName() const { return FDef.RowName; }
     const QString& TitleField() const { return FDef.TitleField; }
     const QString& ReleaseKey() const { return FDef.ReleaseKey; }
     /// Index of a field, compared without case, or -1.
     int FieldIndex(const QString& name) const;
-    /// The SELECT that reads whole records, without condition and order. `ownOnly`: null for what comes from other tables.
+    /// The SELECT that reads whole records, without condition and order. `ownOnly`: null for what comes from other
+    /// tables.
     QString SelectSQL(bool ownOnly = false) const;
     /// The statement that reads one record again, by its key as the parameter :OLD_ID.
     QString RowRefreshSQL() const;

@@ -111,6 +111,10 @@ QString CriterionToSQL(const TFilterCriterion& criterion, const std::vector<TFie
         values.push_back(criterion.Value);
         return u"krn_hit(%1, ?)"_s.arg(expression);
     }
+    if (criterion.Op == foOfStatus) {
+        values.push_back(criterion.Value);
+        return expression + u" IN (SELECT ID FROM Releases2 WHERE Status = ? COLLATE KRN_NOCASE)"_s;
+    }
     if (IsPlainText(criterion.Op)) {
         values.push_back(PatternOf(criterion.Op, criterion.Value.toString()));
         return term + u" ? ESCAPE '\\'"_s;

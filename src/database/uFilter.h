@@ -33,6 +33,7 @@ enum class TFilterOp : quint8 {
     foBetween,  ///< the value is a list of two, both included
     foInPeriod, ///< the value names a TFilterPeriod, counted from today
     foNoLetter, ///< begins with something that is no letter
+    foOfStatus, ///< the key column is that of a release with the status in the value
     foIsHit     ///< the key column is among the hits of the search in everything with the number in the value
 };
 using enum TFilterOp;

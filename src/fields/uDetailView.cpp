@@ -15,6 +15,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+bool HoldsDefault(const QString& column, const TVariant& value)
+{
+    const TVariant given = TDataModuleMain::ApplyDefaultValue({}, column);
+    return !VarIsNull(value) && !VarIsNull(given) && VarToStr(value) == VarToStr(given);
+}
+
 std::vector<TDetailSection> Sections(TDataModuleMain& data, const TDetailDataset& info)
 {
     const QString currency = VarToStr(info.Value(u"Currency"_s));
@@ -30,7 +36,7 @@ std::vector<TDetailSection> Sections(TDataModuleMain& data, const TDetailDataset
             const bool off = field.Kind == fkBoolean && !VarToBool(value);
             section.Fields.push_back({field.Name, ColumnLabel(field, Defaults()),
                                       off ? QString() : FieldText(data, field, value, currency),
-                                      LinkOfField(field.Name, VarToStr(value))});
+                                      LinkOfField(field.Name, VarToStr(value)), HoldsDefault(field.Name, value)});
         }
         sections.push_back(std::move(section));
     }

@@ -16,6 +16,7 @@ struct TDetailField {
     QString Label;
     QString Value; ///< empty when the field has none
     QString Link;
+    bool IsDefault = false; ///< holds what the settings give to every release
 };
 
 /// A foldable part of the pane that lists fields: "General", "Purchase", ...

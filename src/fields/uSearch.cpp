@@ -42,6 +42,8 @@ TFilterCriterion SearchCriterion(const TSearchField& field, const QString& text)
 {
     if (!field.IsList)
         return {field.Column, foLike, u'%' + text + u'%', text};
+    if (text.isEmpty())
+        return {field.Column, foIsNotNull, {}, text};
     const auto item = std::ranges::find_if(
         field.Items, [&](const TValueAndText& entry) { return entry.Text.compare(text, Qt::CaseInsensitive) == 0; });
     return {field.Column, foEquals, item == field.Items.end() ? text : item->Value, text};
@@ -54,6 +56,11 @@ TFilterCriterion LetterCriterion(const QString& column, const QString& letter)
     return {column, foLike, letter + u'%', letter};
 }
 
-TFilterCriterion StatusCriterion(const QString& status) { return {u"Status"_s, foEquals, status, status}; }
+TFilterCriterion StatusCriterion(const TListDataset& list, const QString& status)
+{
+    const bool own = list.FieldIndex(u"Status"_s) >= 0;
+    return own ? TFilterCriterion{u"Status"_s, foEquals, status, status}
+               : TFilterCriterion{list.ReleaseKey(), foOfStatus, status, status};
+}
 
 } // namespace Kestrune

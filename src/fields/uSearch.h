@@ -23,8 +23,8 @@ struct TSearchField {
 /// The searchable columns of a list, in the order of its fields.
 std::vector<TSearchField> SearchFieldsOf(TDataModuleMain& data, const TListDataset& list);
 
-/// Equality for a list-type field, given by value or shown text; for others the text anywhere in the field. `%` and
-/// `_` in the text are wildcards.
+/// Equality for a list-type field, given by value or shown text, and any value for an empty text; for others the text
+/// anywhere in the field. `%` and `_` in the text are wildcards.
 TFilterCriterion SearchCriterion(const TSearchField& field, const QString& text);
 
 /// Names that begin with a letter, as stored.
@@ -33,6 +33,7 @@ TFilterCriterion LetterCriterion(const QString& column, const QString& letter);
 /// Names that begin with no letter: digits, signs.
 TFilterCriterion NoLetterCriterion(const QString& column);
 
-TFilterCriterion StatusCriterion(const QString& status);
+/// The status of a release, or of the release to which a row of the list belongs.
+TFilterCriterion StatusCriterion(const TListDataset& list, const QString& status);
 
 } // namespace Kestrune

@@ -33,7 +33,7 @@ void TViewFilters::SetStatus(const QString& status)
     Drop(FStatusFilter);
     FSet.Status = status;
     if (!status.isEmpty())
-        FStatusFilter = FList.Filter().Add(StatusCriterion(status));
+        FStatusFilter = FList.Filter().Add(StatusCriterion(FList, status));
 }
 
 void TViewFilters::SetLetter(const QString& letter)
@@ -94,12 +94,25 @@ bool TViewFilters::SetColumn(const QString& column, const QString& text)
     return true;
 }
 
-void TViewFilters::SetBuilder(const TFilterNode& node)
+QStringList TViewFilters::Lacking(const TFilterNode& node) const
+{
+    QStringList columns;
+    for (const TFilterCriterion& criterion : node.Criteria)
+        if (FList.FieldIndex(criterion.Column) < 0)
+            columns << CaptionOfColumn(criterion.Column);
+    for (const TFilterNode& group : node.Groups)
+        columns << Lacking(group);
+    return columns;
+}
+
+QStringList TViewFilters::SetBuilder(const TFilterNode& node)
 {
     Drop(FBuilderFilter);
-    FSet.Builder = node;
-    if (!node.IsEmpty())
+    const QStringList lacking = Lacking(node);
+    FSet.Builder = lacking.isEmpty() ? node : TFilterNode();
+    if (!FSet.Builder.IsEmpty())
         FBuilderFilter = FList.Filter().AddTree(node);
+    return lacking;
 }
 
 void TViewFilters::Remove(TFilterChipKind kind, const QString& column)
@@ -130,17 +143,23 @@ void TViewFilters::Clear()
     FSet.LetterField = letterField;
 }
 
-void TViewFilters::Restore(const TFilterSet& set)
+QStringList TViewFilters::Restore(const TFilterSet& set)
 {
+    QStringList lacking;
     Clear();
     FSet.LetterField = set.LetterField;
     SetStatus(set.Status);
     SetLetter(set.Letter);
-    if (!set.KeywordColumn.isEmpty())
+    if (!set.KeywordColumn.isEmpty() && FList.FieldIndex(set.KeywordColumn) < 0)
+        lacking << CaptionOfColumn(set.KeywordColumn);
+    else if (!set.KeywordColumn.isEmpty())
         SetKeyword(set.KeywordColumn, set.KeywordText);
     for (const auto& [column, text] : set.Columns)
-        SetColumn(column, text);
-    SetBuilder(set.Builder);
+        if (!SetColumn(column, text))
+            lacking << CaptionOfColumn(column);
+    lacking << SetBuilder(set.Builder);
+    lacking.removeDuplicates();
+    return lacking;
 }
 
 std::vector<TFilterChip> TViewFilters::Chips() const
@@ -155,8 +174,10 @@ std::vector<TFilterChip> TViewFilters::Chips() const
     if (FKeywordFilter != 0) {
         const std::vector<TSearchField> fields = Fields();
         const auto field = std::ranges::find(fields, FSet.KeywordColumn, &TSearchField::Column);
-        chips.push_back(
-            {fckKeyword, {}, field == fields.end() ? FSet.KeywordColumn : field->Caption, FSet.KeywordText});
+        chips.push_back({fckKeyword,
+                         {},
+                         field == fields.end() ? FSet.KeywordColumn : field->Caption,
+                         FSet.KeywordText.isEmpty() ? FilterOpText(foIsNotNull) : FSet.KeywordText});
     }
     if (FEverythingFilter != 0)
         chips.push_back({fckEverything, {}, GetLanguageString(u"cSGuiEverything"_s), FSet.Everything});

@@ -5,6 +5,7 @@
 #include "uSearch.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <map>
 #include <optional>
@@ -49,8 +50,9 @@ public:
     TViewFilters(TDataModuleMain& data, TListDataset& list);
 
     const TFilterSet& Set() const { return FSet; }
-    /// Puts a whole set in place of the present one.
-    void Restore(const TFilterSet& set);
+    /// Puts a whole set in place of the present one, but for the conditions on columns that the list lacks; gives the
+    /// captions of these.
+    QStringList Restore(const TFilterSet& set);
 
     void SetStatus(const QString& status);
     /// One letter, "#" for what begins with no letter; empty for none.
@@ -62,7 +64,9 @@ public:
     void SetEverything(const QString& words, const std::vector<qint64>& releases);
     /// Text of the filter row for a column; empty for none. False when the text is no condition for this column.
     bool SetColumn(const QString& column, const QString& text);
-    void SetBuilder(const TFilterNode& node);
+    /// Captions of the columns that the list lacks: with one of these no condition is set at all, since part of a tree
+    /// would mean another thing.
+    QStringList SetBuilder(const TFilterNode& node);
 
     void Remove(TFilterChipKind kind, const QString& column = {});
     void Clear();
@@ -72,6 +76,7 @@ public:
 private:
     void Drop(TFilterGroup::TId& id);
     QString LetterColumn() const;
+    QStringList Lacking(const TFilterNode& node) const;
 
     TDataModuleMain& FData;
     TListDataset& FList;
@@ -92,6 +97,9 @@ std::optional<TFilterCriterion> ColumnCriterion(TDataModuleMain& data, const TFi
 
 /// A tree of conditions on these fields in words: "Genre is Folk or Jazz, not (On loan)".
 QString FilterSummary(const std::vector<TFieldDef>& fields, const TFilterNode& node);
+
+/// The caption of a column, also of one that the present list lacks.
+QString CaptionOfColumn(const QString& column);
 
 /// The words of an operator, as the filter builder offers it.
 QString FilterOpText(TFilterOp op);

@@ -224,6 +224,15 @@ std::optional<TFilterCriterion> ColumnCriterion(TDataModuleMain& data, const TFi
     return value ? std::optional(TFilterCriterion{field.Name, foEquals, Stored(*value), text}) : std::nullopt;
 }
 
+QString CaptionOfColumn(const QString& column)
+{
+    for (const auto columns : {ReleaseColumns(), TrackColumns()})
+        for (const TColumnDef& def : columns)
+            if (column.compare(QLatin1StringView(def.Name), Qt::CaseInsensitive) == 0)
+                return GetLanguageString(QString::fromLatin1(def.LabelKey));
+    return column;
+}
+
 QString FilterOpText(TFilterOp op)
 {
     switch (op) {

@@ -221,8 +221,23 @@ TEST(LetterBar, LettersWithoutHitsWorkAndAllClears)
     bar.SetCurrent({});
     EXPECT_FALSE(q->isChecked());
     EXPECT_EQ(chosen.count(), 2);
-    bar.resize(500, 30);
-    EXPECT_TRUE(ChildNamed<QAbstractButton>(bar, u"Z"_s));
+    for (const int width : {640, 420}) {
+        SCOPED_TRACE(width);
+        bar.resize(width, 30);
+        QWidget* last = nullptr;
+        for (QWidget* part : bar.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+            if (part->isVisible() && (!last || part->x() > last->x()))
+                last = part;
+        auto* more = qobject_cast<TRibbonButton*>(last);
+        ASSERT_TRUE(more) << "the letters that do not fit have a button";
+        EXPECT_TRUE(more->text().endsWith(u'Z')) << more->text().toStdString();
+        EXPECT_LE(more->geometry().right(), width);
+        more->menu()->actions().last()->trigger();
+        QApplication::processEvents();
+        EXPECT_EQ(bar.Current(), u"Z"_s);
+        EXPECT_EQ(more->Shape(), TRibbonButton::TShape::Primary) << "it carries the letter that holds";
+        bar.SetCurrent({});
+    }
 }
 
 TEST(MessageBars, AtMostTwoThenMoreAndActionsCloseTheirBar)

@@ -362,15 +362,6 @@ TEST_F(MainWindow, ActionsWithoutAHandlerAreNowhereAndDoNothing)
         }
 }
 
-TEST_F(MainWindow, AnEmptyCollectionOffersOnlyTheWaysThereAre)
-{
-    Open(0);
-    const QList<TCardButton*> cards = FWindow->EmptyPage()->findChildren<TCardButton*>();
-    ASSERT_EQ(cards.size(), 1);
-    EXPECT_EQ(cards[0]->text(), u"Add a music folder"_s);
-    EXPECT_TRUE(cards[0]->isEnabled());
-}
-
 TEST_F(MainWindow, RecentFilesThatAreGoneAreMarked)
 {
     const QString there = FDir.File(u"there.db"_s);

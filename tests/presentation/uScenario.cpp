@@ -62,6 +62,10 @@ void TScenario::Show()
                      [this](TBarKind, const QString& bold, const QString& sentence) {
                          FBars << (bold + u' ' + sentence).trimmed();
                      });
+    QObject::connect(&FForm->Shell(), &TShell::offerRaised, FForm.get(),
+                     [this](TBarKind, const QString& bold, const QString& sentence, const TBarOffer&) {
+                         FBars << (bold + u' ' + sentence).trimmed();
+                     });
     FWindow = std::make_unique<TMainWindow>(*FForm, FTheme, false);
     QSignalSpy shown(FWindow.get(), &TMainWindow::shownFirst);
     FWindow->ShowRestored();

@@ -187,21 +187,25 @@ TEST(Startup, StepsRunInTheirFixedOrder)
                                 u"search"_s, u"show"_s}));
 }
 
-TEST_F(MainForm, AFirstStartSaysOnceThatThereIsNoFile)
+TEST_F(MainForm, AFirstStartAndAFileThatIsGoneShowNoErrorBox)
 {
     FForm.FormCreate({});
     FForm.FormShow();
     FForm.WMAfterFormShow();
-    EXPECT_EQ(FPrompt.Errors, QStringList({u"Database file not found."_s}));
     EXPECT_FALSE(FData.HasData());
+    EXPECT_EQ(FForm.Files().Failure(), QString()) << "nothing is wrong with a first start";
+    Defaults().DBPath = FDir.File(u"gone.db"_s);
+    FForm.Files().OpenAtStart();
     EXPECT_EQ(FForm.Files().Failure(), u"Database file not found."_s);
+    EXPECT_TRUE(FPrompt.Errors.isEmpty());
     EXPECT_FALSE(FForm.Actions().IsEnabled(u"actRefresh"_s));
     EXPECT_TRUE(FForm.Actions().IsEnabled(u"actNewDatabase"_s));
 
     FPrompt.FileAnswer = FPath;
     FForm.Actions().Trigger(u"actNewDatabase"_s);
     EXPECT_TRUE(FData.HasData());
-    EXPECT_EQ(FPrompt.Errors.size(), 1);
+    EXPECT_EQ(FPrompt.Saved.FileName, u"Records.db"_s);
+    EXPECT_TRUE(FPrompt.Errors.isEmpty());
     EXPECT_EQ(FForm.Caption(), u"c.db - Kestrune"_s);
     EXPECT_EQ(FForm.Files().Recent(), QStringList({FPath}));
 }
@@ -264,7 +268,8 @@ TEST_F(MainForm, ListFieldsAreSearchedByEqualityOthersByText)
         int Rows;
     } const cases[] = {{u"Status", u"Wanted item", 1}, {u"Status", u"Wanted", 0}, {u"MediaType", u"cd", 4},
                        {u"ReleaseYear", u"197", 2},    {u"Artist", u"AB", 2},     {u"ReleaseName", u"0%", 1},
-                       {u"ReleaseName", u"", 4},       {u"Label", u"", 0},        {u"IsLive", u"No", 4}};
+                       {u"ReleaseName", u"", 4},       {u"Label", u"", 0},        {u"Status", u"", 4},
+                       {u"IsLive", u"No", 4}};
     for (const auto& row : cases) {
         SCOPED_TRACE(QString::fromUtf16(row.Field).toStdString() + " " + QString::fromUtf16(row.Text).toStdString());
         FForm.Search().SetSearchBy(QString::fromUtf16(row.Field));
@@ -303,6 +308,36 @@ TEST_F(MainForm, RemovingAsksAndTakesTheSelection)
     EXPECT_EQ(FPrompt.Questions.back(), u"Do you want to delete selected item(s)?"_s);
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Tracks2"_s), 2);
     EXPECT_TRUE(FForm.Lists().Releases().Selection().empty());
+    EXPECT_EQ(FPrompt.Notes.back(), u"2 releases"_s);
+}
+
+TEST_F(MainForm, ADeletionIsUndoneOnceAsAWhole)
+{
+    OpenFilled();
+    std::vector<std::function<void()>> offers;
+    QStringList bars;
+    QObject::connect(&FForm.Shell(), &TShell::offerRaised, &FForm,
+                     [&](TBarKind, const QString& bold, const QString&, const TBarOffer& offer) {
+                         bars << bold;
+                         offers.push_back(offer.Act);
+                     });
+    QObject::connect(&FForm, &TKRNMainForm::barRaised, &FForm,
+                     [&](TBarKind, const QString& bold, const QString&) { bars << bold; });
+    FForm.Lists().Releases().SetSelection({FData.qReleasesMain.KeyAt(0)});
+    FForm.Actions().Trigger(u"actRemoveSelected"_s);
+    FForm.Lists().Releases().SetSelection(FData.qReleasesMain.Keys());
+    FForm.Actions().Trigger(u"actRemoveSelected"_s);
+    EXPECT_TRUE(Shown().isEmpty());
+    ASSERT_EQ(offers.size(), 2u);
+    for (int twice = 0; twice < 2; ++twice)
+        offers[1]();
+    EXPECT_EQ(Shown(), (QStringList{u"Arrival"_s, u"Lexicon"_s, u"100% Zappa"_s}));
+    EXPECT_EQ(FForm.Figures().Status().Total, 3);
+    const auto working = FForm.Shell().BeginWork();
+    offers[0]();
+    EXPECT_EQ(Shown().size(), 3) << "while an import runs the offer stays";
+    EXPECT_EQ(bars,
+              (QStringList{u"1 release deleted."_s, u"3 releases deleted."_s, u"The deletion was not undone."_s}));
 }
 
 TEST_F(MainForm, WhatAFilterHidesIsNotRemoved)

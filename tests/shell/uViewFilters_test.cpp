@@ -218,6 +218,37 @@ TEST_F(ViewFilters, TracksHaveFiltersOfTheirOwn)
     EXPECT_EQ(FForm.Lists().Active().Filters().Chips().size(), 1u);
 }
 
+TEST_F(ViewFilters, WhatTheTracksCannotBeFilteredByIsSaid)
+{
+    OpenFilled();
+    QStringList bars;
+    QObject::connect(&FForm, &TKRNMainForm::barRaised, &FForm,
+                     [&](TBarKind, const QString&, const QString& sentence) { bars << sentence; });
+    TListSession& tracks = FForm.Lists().Tracks();
+    FForm.Search().FilterStatus(u"Wanted item"_s);
+    FForm.Search().SaveFilter(u"wanted"_s);
+    FForm.SetCurrentView(mvTracks);
+    FForm.Search().RecallFilter(u"wanted"_s);
+    EXPECT_EQ(tracks.List().RecordCount(), 1) << "the track of the one wanted release";
+    EXPECT_EQ(tracks.List().ValueAt(0, tracks.List().FieldIndex(u"ReleaseName"_s)), u"Arrival"_s);
+    EXPECT_TRUE(FForm.Actions().IsEnabled(u"actStatusFilter"_s));
+    EXPECT_TRUE(bars.isEmpty());
+
+    const TFilterNode labels = AllOf({{u"Label"_s, foIsNull, {}, {}}});
+    TFilterSet set;
+    set.KeywordColumn = u"Packaging"_s;
+    set.Columns[u"Price"_s] = u">1"_s;
+    set.Builder = labels;
+    tracks.RestoreFilters(set);
+    tracks.SetBuilderFilter(labels);
+    FForm.Search().SetSearchBy(u"Packaging"_s);
+    FForm.Actions().Trigger(u"actSearch"_s);
+    EXPECT_EQ(bars, (QStringList{u"Packaging, Price, Label"_s, u"Label"_s, u"Packaging"_s}));
+    EXPECT_TRUE(tracks.Filters().Chips().empty());
+    EXPECT_TRUE(tracks.Filters().Set().IsEmpty());
+    EXPECT_EQ(tracks.List().RecordCount(), 4);
+}
+
 TEST_F(ViewFilters, ConditionsAreSaidInWords)
 {
     OpenFilled();

@@ -13,8 +13,10 @@ public:
     QStringList Errors;
     QStringList Information;
     QStringList Questions;
+    QStringList Notes;
     bool YesNoAnswer = true;
     QString FileAnswer;
+    TFileDialogRequest Saved; ///< what was last asked for
 
     void ShowError(const QString& text) override { Errors.append(text); }
     void ShowInformation(const QString& text) override { Information.append(text); }
@@ -23,8 +25,17 @@ public:
         Questions.append(text);
         return YesNoAnswer;
     }
+    bool AskBeforeLoss(const QString& text, const QString& note) override
+    {
+        Notes.append(note);
+        return AskYesNo(text);
+    }
     QString AskOpenFile(const TFileDialogRequest&) override { return FileAnswer; }
-    QString AskSaveFile(const TFileDialogRequest&) override { return FileAnswer; }
+    QString AskSaveFile(const TFileDialogRequest& request) override
+    {
+        Saved = request;
+        return FileAnswer;
+    }
     QString AskFolder(const QString&, const QString&) override { return FileAnswer; }
 };
 

@@ -8,11 +8,14 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QEvent>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPainterPath>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QStyleOption>
 #include <QTabBar>
+#include <QToolButton>
 #include <QToolTip>
 #include <QWidget>
 
@@ -28,6 +31,21 @@ bool WantsHover(const QWidget* widget)
 {
     return qobject_cast<const QAbstractButton*>(widget) || qobject_cast<const QComboBox*>(widget) ||
            qobject_cast<const QScrollBar*>(widget) || qobject_cast<const QTabBar*>(widget);
+}
+
+// Enter presses the button that has the keyboard and not, as the toolkit has it, the default one of its dialog.
+bool PressByEnter(QObject* watched, const QKeyEvent& event)
+{
+    const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    auto* button = qobject_cast<QAbstractButton*>(watched);
+    if (!enter || !button)
+        return false;
+    auto* tool = qobject_cast<QToolButton*>(button);
+    if (tool && tool->menu() && tool->popupMode() == QToolButton::InstantPopup)
+        tool->showMenu();
+    else
+        button->click();
+    return true;
 }
 
 // A mask rounds the corners whether or not the screen has a compositor.
@@ -80,7 +98,7 @@ void TThemeStyle::polish(QWidget* widget)
     QProxyStyle::polish(widget);
     if (WantsHover(widget))
         widget->setAttribute(Qt::WA_Hover);
-    if (qobject_cast<QMenu*>(widget))
+    if (qobject_cast<QMenu*>(widget) || qobject_cast<QPushButton*>(widget) || qobject_cast<QToolButton*>(widget))
         widget->installEventFilter(this);
 }
 
@@ -95,6 +113,8 @@ bool TThemeStyle::eventFilter(QObject* watched, QEvent* event)
     if (event->type() == QEvent::Resize)
         if (auto* menu = qobject_cast<QMenu*>(watched))
             RoundMenuCorners(menu);
+    if (event->type() == QEvent::KeyPress && PressByEnter(watched, *static_cast<QKeyEvent*>(event)))
+        return true;
     return QProxyStyle::eventFilter(watched, event);
 }
 

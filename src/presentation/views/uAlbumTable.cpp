@@ -151,7 +151,7 @@ void TAlbumTable::ShareWidth(const std::vector<int>& columns)
 {
     FShared.clear();
     for (const int column : columns)
-        FShared.push_back({column, FHeader->sectionSize(column)});
+        FShared.push_back({column, FHeader->sectionSize(column), FShared.empty() ? 10 : 13});
     Share();
 }
 
@@ -182,11 +182,16 @@ void TAlbumTable::Share()
         used += widthOf(column);
     }
     const int spare = std::max(0, viewport()->width() - used);
-    const int parts = static_cast<int>(FShared.size());
+    int parts = 0;
+    for (const TShared& shared : FShared)
+        parts += shared.Parts;
     FSharing = true;
-    for (int i = 0; i < parts; ++i)
-        FHeader->resizeSection(FShared[static_cast<size_t>(i)].Column,
-                               FShared[static_cast<size_t>(i)].Least + spare * (i + 1) / parts - spare * i / parts);
+    int given = 0; // of the parts, so that no pixel is lost
+    for (const TShared& shared : FShared) {
+        const int from = spare * given / parts;
+        given += shared.Parts;
+        FHeader->resizeSection(shared.Column, shared.Least + spare * given / parts - from);
+    }
     FSharing = false;
 }
 
@@ -296,6 +301,17 @@ void TAlbumTable::mousePressEvent(QMouseEvent* event)
         return;
     }
     QTreeView::mousePressEvent(event);
+}
+
+bool TAlbumTable::event(QEvent* event)
+{
+    // The cell is edited by the key that is the window's for the whole record.
+    if (event->type() == QEvent::ShortcutOverride && editTriggers() != NoEditTriggers &&
+        static_cast<QKeyEvent*>(event)->key() == Qt::Key_F2) {
+        event->accept();
+        return true;
+    }
+    return QTreeView::event(event);
 }
 
 void TAlbumTable::keyPressEvent(QKeyEvent* event)

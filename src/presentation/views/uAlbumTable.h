@@ -60,6 +60,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
     void scrollContentsBy(int dx, int dy) override;
     void mousePressEvent(QMouseEvent* event) override;
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     bool viewportEvent(QEvent* event) override;
     int sizeHintForColumn(int column) const override;
@@ -68,6 +69,7 @@ private:
     struct TShared {
         int Column = 0;
         int Least = 0;
+        int Parts = 1; ///< of the spare width
     };
     QModelIndex NeighbourColumn(int direction) const;
     void Share();

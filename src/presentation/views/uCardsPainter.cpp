@@ -104,6 +104,8 @@ void TCardsPainter::PaintFields(QPainter& painter, const QRectF& area, const QMo
     qreal y = area.top();
     for (const TField& field : FFields) {
         const QString value = index.siblingAtColumn(field.Column).data().toString();
+        if (value.isEmpty())
+            continue; // a caption alone says nothing
         const auto box = [&](qreal left, qreal width) {
             return QRectF(mirrored ? area.left() + area.right() - left - width : left, y, width, height);
         };

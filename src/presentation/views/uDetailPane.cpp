@@ -54,8 +54,10 @@ void TDetailPane::SetData(TDetailData detail)
     const bool other = detail.ID != FData.ID;
     FData = std::move(detail);
     FHead->SetData(FData);
-    if (other)
+    if (other) {
         EndEdit();
+        FShowsDefaults = false;
+    }
     Rebuild();
     if (other)
         verticalScrollBar()->setValue(0);
@@ -109,6 +111,8 @@ bool TDetailPane::IsShown(const TDetailField& field) const
     return FCustomizing || (!field.Value.isEmpty() && !FHidden.contains(field.Column));
 }
 
+bool TDetailPane::FoldsDefaults() const { return !FShowsDefaults && !FCustomizing && FFilter->isHidden(); }
+
 void TDetailPane::AddSection(const TDetailSection& section)
 {
     std::vector<TDetailField> shown;
@@ -117,19 +121,38 @@ void TDetailPane::AddSection(const TDetailSection& section)
     if (shown.empty())
         return;
     TDetailBlock* block = AddBlock(section.Id, section.Title, {});
+    int folded = 0;
     for (const TDetailField& field : shown) {
-        TDetailRow* row = TDetailRow::ForField(field, static_cast<bool>(FMakeEditor), block);
-        connect(row, &TDetailRow::activated, this, [this, link = field.Link] { Q_EMIT linkActivated(link); });
-        connect(row, &TDetailRow::editRequested, this, [this, row] { BeginEdit(row); });
-        if (FCustomizing) {
-            row->ShowBox(!FHidden.contains(field.Column));
-            connect(row, &TDetailRow::boxToggled, this, [this, column = field.Column](bool on) {
-                on ? void(FHidden.remove(column)) : void(FHidden.insert(column));
-                Q_EMIT hiddenFieldsChanged();
-            });
-        }
-        block->Add(row);
+        if (field.IsDefault && FoldsDefaults())
+            ++folded;
+        else
+            AddRow(*block, field);
     }
+    if (folded == 0)
+        return;
+    TDetailRow* more =
+        TDetailRow::ForField({{}, {}, GetLanguageString(u"cSGuiMoreDefaults"_s).arg(folded), u"#"_s}, false, block);
+    more->setToolTip({});
+    connect(more, &TDetailRow::activated, this, [this] {
+        FShowsDefaults = true;
+        Rebuild();
+    });
+    block->Add(more);
+}
+
+void TDetailPane::AddRow(TDetailBlock& block, const TDetailField& field)
+{
+    TDetailRow* row = TDetailRow::ForField(field, static_cast<bool>(FMakeEditor), &block);
+    connect(row, &TDetailRow::activated, this, [this, link = field.Link] { Q_EMIT linkActivated(link); });
+    connect(row, &TDetailRow::editRequested, this, [this, row] { BeginEdit(row); });
+    if (FCustomizing) {
+        row->ShowBox(!FHidden.contains(field.Column));
+        connect(row, &TDetailRow::boxToggled, this, [this, column = field.Column](bool on) {
+            on ? void(FHidden.remove(column)) : void(FHidden.insert(column));
+            Q_EMIT hiddenFieldsChanged();
+        });
+    }
+    block.Add(row);
 }
 
 void TDetailPane::SetEditing(TMakeEditor make, TStoreValue store)
@@ -162,10 +185,36 @@ void TDetailPane::ToggleFilter()
 
 void TDetailPane::EditField(const QString& column)
 {
-    for (const TDetailBlock* block : std::as_const(FBlocks))
-        for (TDetailRow* row : block->Rows())
-            if (row->Column() == column)
-                return BeginEdit(row);
+    const auto edit = [&] {
+        for (const TDetailBlock* block : std::as_const(FBlocks))
+            for (TDetailRow* row : block->Rows())
+                if (row->Column() == column) {
+                    BeginEdit(row);
+                    return true;
+                }
+        return false;
+    };
+    if (edit() || FShowsDefaults)
+        return;
+    FShowsDefaults = true; // it may stand among what is folded
+    Rebuild();
+    edit();
+}
+
+void TDetailPane::EditFirst()
+{
+    const QList<TDetailBlock*> blocks = FBlocks; // an editor that opens leaves them as they are
+    for (TDetailBlock* block : blocks)
+        for (TDetailRow* row : block->Rows()) {
+            if (row->Column().isEmpty())
+                continue;
+            if (block->IsFolded())
+                block->SetFolded(false);
+            Arrange();
+            BeginEdit(row);
+            if (FEditor)
+                return;
+        }
 }
 
 void TDetailPane::BeginEdit(TDetailRow* row)
@@ -297,9 +346,9 @@ void TDetailPane::Rebuild()
     FHead->setVisible(FData.ID != 0);
     if (FData.ID != 0) {
         const bool general = !FData.Sections.empty() && FData.Sections.front().Id == "General"_L1;
+        AddTracks();
         if (general)
             AddSection(FData.Sections.front());
-        AddTracks();
         AddCredits();
         AddPictures();
         for (std::size_t i = general ? 1 : 0; i < FData.Sections.size(); ++i)

@@ -48,6 +48,8 @@ public:
     void SetEditing(TMakeEditor make, TStoreValue store);
     /// Opens the editor of a field that is shown.
     void EditField(const QString& column);
+    /// Opens the editor of the first field that can be changed.
+    void EditFirst();
     /// Columns that are never shown, and whether the user is choosing them: then all fields stand there with a box.
     void SetHiddenFields(const QStringList& columns);
     QStringList HiddenFields() const { return {FHidden.cbegin(), FHidden.cend()}; }
@@ -74,6 +76,9 @@ protected:
 
 private:
     bool IsShown(const TDetailField& field) const;
+    /// Fields that say nothing about this release stand behind one row, until it is asked for.
+    bool FoldsDefaults() const;
+    void AddRow(TDetailBlock& block, const TDetailField& field);
     void BeginEdit(TDetailRow* row);
     void EndEdit();
     void CommitEdit(TFieldEditor* editor);
@@ -96,6 +101,7 @@ private:
     QSet<QString> FFolded;
     QSet<QString> FHidden;
     bool FCustomizing = false;
+    bool FShowsDefaults = false;
     QLineEdit* FFilter;
     TMakeEditor FMakeEditor;
     TStoreValue FStoreValue;

@@ -449,6 +449,15 @@ int TDetailRow::HeightFor(int width) const
     return std::max(one, box.height() + 8);
 }
 
+bool TDetailRow::event(QEvent* event)
+{
+    if (event->type() == QEvent::ShortcutOverride && FEditable && static_cast<QKeyEvent*>(event)->key() == Qt::Key_F2) {
+        event->accept(); // this field, not the first one
+        return true;
+    }
+    return QAbstractButton::event(event);
+}
+
 void TDetailRow::keyPressEvent(QKeyEvent* event)
 {
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
@@ -510,7 +519,7 @@ void TDetailRow::PaintField(QPainter& painter) const
     qreal x = ValueLeft();
     const qreal right = width() - PanePadding;
     if (FLabel.isEmpty()) {
-        painter.setPen(theme.Text);
+        painter.setPen(FIsLink ? theme.AccentFill : theme.Text);
         painter.drawText(place(x, right - x).adjusted(0, 4, 0, 0), Qt::AlignLeft | Qt::TextWordWrap, FValue);
         return;
     }

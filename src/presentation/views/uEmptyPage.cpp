@@ -9,6 +9,7 @@
 #include "uThemePaint.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QFileInfo>
 #include <QFontMetrics>
 #include <QGridLayout>
@@ -40,6 +41,12 @@ public:
     }
 
 protected:
+    void keyPressEvent(QKeyEvent* event) override
+    {
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+            return click();
+        QAbstractButton::keyPressEvent(event);
+    }
     void paintEvent(QPaintEvent*) override
     {
         const TTheme& theme = CurrentTheme();
@@ -173,6 +180,7 @@ void TEmptyPage::ShowNoHits()
 {
     Build({}, GetLanguageString(u"cSGuiNoHits"_s), GetLanguageString(u"cSGuiNoHitsText"_s), {}, {});
     FClear->show();
+    setFocusProxy(FClear);
 }
 
 void TEmptyPage::Build(const QString& cover, const QString& heading, const QString& text,
@@ -184,6 +192,7 @@ void TEmptyPage::Build(const QString& cover, const QString& heading, const QStri
     setAccessibleName(heading);
     setAccessibleDescription(text);
     FClear->hide();
+    const bool hadFocus = FBox->isAncestorOf(QApplication::focusWidget());
     FBox->hide();
     FBox->deleteLater();
     FBox = new QWidget(this);
@@ -212,6 +221,11 @@ void TEmptyPage::Build(const QString& cover, const QString& heading, const QStri
         column->addWidget(row);
     }
     FBox->show();
+    const auto buttons = FBox->findChildren<QAbstractButton*>();
+    const auto first = std::ranges::find_if(buttons, [](const QWidget* button) { return button->isEnabled(); });
+    setFocusProxy(first == buttons.end() ? nullptr : *first);
+    if (hadFocus)
+        setFocus();
     resizeEvent(nullptr);
     update();
 }

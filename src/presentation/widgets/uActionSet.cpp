@@ -32,13 +32,12 @@ TActionSet::TActionSet(TActionList& list, QWidget* window) : QObject(window), FL
         if (def.ShortKey[0] != '\0')
             action->setIconText(GetLanguageString(QString::fromLatin1(def.ShortKey)));
         const QKeySequence keys(QString::fromLatin1(def.Shortcut), QKeySequence::PortableText);
-        const QString shown = keys.toString(QKeySequence::NativeText);
+        // A key that an action before it has is not shown either: it would not come here.
         const bool taken = !keys.isEmpty() && std::ranges::any_of(FActions, [&](const QAction* other) {
             return other->shortcut() == keys;
         });
-        if (taken)
-            action->setText(caption + u'\t' + shown); // shown in menus, but the key is another's
-        else
+        const QString shown = taken ? QString() : keys.toString(QKeySequence::NativeText);
+        if (!taken)
             action->setShortcut(keys);
         action->setProperty(ShownKeys, shown);
         action->setToolTip(shown.isEmpty() ? caption : u"%1 (%2)"_s.arg(caption, shown));

@@ -81,6 +81,13 @@ TFileDialogRequest InFolder(TFileDialogRequest request, QStandardPaths::Standard
     return request;
 }
 
+bool IsDialogOpen()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    return std::ranges::any_of(windows,
+                               [](QWidget* window) { return qobject_cast<QDialog*>(window) && window->isVisible(); });
+}
+
 } // namespace
 
 QString QtFilterOf(const QString& filter)
@@ -120,13 +127,12 @@ QString ChooseFolder(QWidget* parent, const QString& title, const QString& folde
                       QFileDialog::Directory);
 }
 
-TDialogWatch::TDialogWatch(std::function<void()> look, QObject* parent) : QObject(parent), FLook(std::move(look))
+TDialogWatch::TDialogWatch(std::function<void()> look, std::function<void()> closed, QObject* parent)
+    : QObject(parent), FLook(std::move(look)), FClosed(std::move(closed))
 {
     FTimer.setInterval(LookEvery);
     connect(&FTimer, &QTimer::timeout, this, [this] {
-        const QWidgetList windows = QApplication::topLevelWidgets();
-        if (std::ranges::none_of(windows,
-                                 [](QWidget* window) { return qobject_cast<QDialog*>(window) && window->isVisible(); }))
+        if (!IsDialogOpen())
             FTimer.stop();
         FLook();
     });
@@ -139,7 +145,11 @@ bool TDialogWatch::eventFilter(QObject* watched, QEvent* event)
         FTimer.start();
     // Later, when the dialog has ended what it does.
     if (event->type() == QEvent::Hide && qobject_cast<QDialog*>(watched))
-        QTimer::singleShot(0, this, FLook);
+        QTimer::singleShot(0, this, [this] {
+            FLook();
+            if (FClosed && !IsDialogOpen())
+                FClosed();
+        });
     return false;
 }
 

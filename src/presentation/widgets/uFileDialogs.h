@@ -21,18 +21,19 @@ QString ChooseFolder(QWidget* parent, const QString& title, const QString& folde
 /// "Name (*.x)|*.x|All files (*.*)|*.*" in the form of Qt's dialogs: "Name (*.x);;All files (*)".
 QString QtFilterOf(const QString& filter);
 
-/// Calls back while a dialog is open, now and then, and when one has closed: dialogs of the toolkit that are not ours
-/// may have looked into files. Main thread.
+/// Calls `look` while a dialog is open, now and then, and when one has closed: dialogs of the toolkit that are not ours
+/// may have looked into files. Calls `closed` when the last one has closed. Main thread.
 class TDialogWatch final : public QObject {
     Q_OBJECT
 
 public:
-    explicit TDialogWatch(std::function<void()> look, QObject* parent = nullptr);
+    TDialogWatch(std::function<void()> look, std::function<void()> closed, QObject* parent = nullptr);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     std::function<void()> FLook;
+    std::function<void()> FClosed;
     QTimer FTimer;
 };
 

@@ -20,7 +20,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int NarrowBelow = 620;
+constexpr int NarrowBelow = 700;
+constexpr int LeastPitch = 20; // of a cell that can still be hit
 constexpr int CellHeight = 22;
 
 } // namespace
@@ -75,7 +76,8 @@ protected:
 TLetterBar::TLetterBar(QWidget* parent)
     : QWidget(parent),
       FFieldSegments(new TSegments(this)),
-      FFieldButton(new TRibbonButton(TRibbonButton::TShape::Flat, this))
+      FFieldButton(new TRibbonButton(TRibbonButton::TShape::Bar, this)),
+      FMore(new TRibbonButton(TRibbonButton::TShape::Bar, this))
 {
     setAccessibleName(GetLanguageString(u"cSGuiLetterBar"_s));
     const QStringList fields = {GetLanguageString(u"cSReleasesFieldArtist"_s), GetLanguageString(u"cSGuiRelease"_s)};
@@ -84,6 +86,8 @@ TLetterBar::TLetterBar(QWidget* parent)
     for (int i = 0; i < 2; ++i)
         connect(menu->addAction(fields[i]), &QAction::triggered, this, [this, i] { ChooseField(i); });
     FFieldButton->setMenu(menu);
+    FMore->setMenu(new QMenu(FMore));
+    FMore->hide();
     connect(FFieldSegments, &TSegments::chosen, this, &TLetterBar::ChooseField);
     setFixedHeight(RowHeight(30, ThemeFont(fsBody), 10));
     QStringList letters;
@@ -105,7 +109,6 @@ void TLetterBar::SetLetters(const QStringList& letters)
         FCells << cell;
     }
     SetCurrent(FCurrent);
-    PlaceCells();
 }
 
 void TLetterBar::SetHits(const QSet<QString>& letters)
@@ -134,6 +137,7 @@ void TLetterBar::SetCurrent(const QString& letter)
     for (TLetterCell* cell : std::as_const(FCells))
         if (cell->isChecked())
             setFocusProxy(cell);
+    PlaceCells(); // the button of the folded letters follows
 }
 
 void TLetterBar::Choose(const QString& letter)
@@ -174,12 +178,48 @@ void TLetterBar::PlaceCells()
     const int letters = static_cast<int>(FCells.size()) - 1;
     const int allWidth =
         std::max(36, QFontMetrics(ThemeFont(fsBodyBold)).horizontalAdvance(FCells.front()->text()) + 12);
-    const int pitch = std::clamp((width() - x - allWidth - 10) / std::max(1, letters), 20, 28);
+    const int room = width() - x - allWidth - 10;
+    // What does not fit goes behind a button, for which room is kept then.
+    const bool fits = letters * LeastPitch <= room;
+    const int moreWidth = QFontMetrics(ThemeFont(fsBody)).horizontalAdvance(u"W\u2013W"_s) + 42;
+    const int shown = fits ? letters : std::clamp((room - moreWidth - 8) / LeastPitch, 0, letters);
+    const int pitch = std::clamp((fits ? room : room - moreWidth - 8) / std::max(1, shown), LeastPitch, 28);
     const int cellHeight = RowHeight(CellHeight, ThemeFont(fsBody), 4);
-    for (TLetterCell* cell : std::as_const(FCells)) {
-        const bool all = cell->Letter.isEmpty();
-        place(cell, all ? allWidth : pitch, cellHeight);
+    for (qsizetype i = 0; i <= shown && i < FCells.size(); ++i)
+        place(FCells[i], i == 0 ? allWidth : pitch, cellHeight);
+    FoldFrom(shown + 1);
+    if (!fits) {
+        x += 8;
+        place(FMore, moreWidth, FMore->sizeHint().height());
     }
+}
+
+void TLetterBar::FoldFrom(qsizetype first)
+{
+    FMore->menu()->clear();
+    for (qsizetype i = 0; i < FCells.size(); ++i) {
+        TLetterCell* cell = FCells[i];
+        cell->setVisible(i < first);
+        if (i < first)
+            continue;
+        QAction* letter = FMore->menu()->addAction(cell->Letter);
+        letter->setCheckable(true);
+        letter->setChecked(cell->isChecked());
+        // Later: the choice makes this menu anew.
+        connect(letter, &QAction::triggered, cell, &QAbstractButton::click, Qt::QueuedConnection);
+    }
+    const bool any = first < FCells.size();
+    FMore->setVisible(any);
+    if (!any)
+        return;
+    const QString range = FCells[first]->Letter + u'\u2013' + FCells.last()->Letter;
+    const auto chosen =
+        std::find_if(FCells.cbegin() + first, FCells.cend(), [](const TLetterCell* cell) { return cell->isChecked(); });
+    FMore->setText(range);
+    FMore->setAccessibleName(range);
+    FMore->SetShape(chosen == FCells.cend() ? TRibbonButton::TShape::Bar : TRibbonButton::TShape::Primary);
+    if (chosen != FCells.cend())
+        setFocusProxy(FMore);
 }
 
 void TLetterBar::resizeEvent(QResizeEvent* event)

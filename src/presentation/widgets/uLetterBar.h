@@ -42,9 +42,12 @@ private:
     void Choose(const QString& letter);
     void ChooseField(int field);
     void PlaceCells();
+    /// Puts the letters from this cell on behind one button; none from past the last one.
+    void FoldFrom(qsizetype first);
 
     TSegments* FFieldSegments;
     TRibbonButton* FFieldButton; // instead of the segments where there is little room
+    TRibbonButton* FMore;        // the letters for which there is no room, behind their range
     QList<TLetterCell*> FCells;
     QString FCurrent;
     int FField = 0;

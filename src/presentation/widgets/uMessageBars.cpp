@@ -8,6 +8,7 @@
 #include "uThemePaint.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QFontMetrics>
 #include <QHBoxLayout>
 #include <QPainter>
@@ -73,7 +74,7 @@ TMessageBar::TMessageBar(TBarMessage message, QWidget* parent)
     buttons->addWidget(close);
     FTimer->setSingleShot(true);
     connect(FTimer, &QTimer::timeout, this, &TMessageBar::TimeIsUp);
-    if (FMessage.Kind == bkDone)
+    if (FMessage.Kind == bkDone && !FMessage.Stays)
         FTimer->start(DoneStays);
 }
 
@@ -143,10 +144,13 @@ void TMessageBars::Show(TBarMessage message)
 
 void TMessageBars::Remove(TMessageBar* bar)
 {
+    const bool hadFocus = bar->isAncestorOf(QApplication::focusWidget());
     FBars.removeOne(bar);
     bar->hide();
     bar->deleteLater();
     Arrange();
+    if (hadFocus)
+        Q_EMIT focusLeft();
 }
 
 void TMessageBars::Clear()

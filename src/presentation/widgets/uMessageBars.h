@@ -26,6 +26,7 @@ struct TBarMessage {
         std::function<void()> Act;
     };
     std::vector<TAction> Actions;
+    bool Stays = false; ///< also when it tells of something done
 };
 
 /// One bar. It closes by its x, and when it tells of something done after a while unless it is looked at.
@@ -62,6 +63,10 @@ public:
     void Show(TBarMessage message);
     void Clear();
     int Count() const { return static_cast<int>(FBars.size()); }
+
+Q_SIGNALS:
+    /// The bar that had the keyboard is gone.
+    void focusLeft();
 
 private:
     void Remove(TMessageBar* bar);

@@ -20,13 +20,14 @@ struct TBoxButton {
 
 QMessageBox::StandardButton RunBox(QWidget* parent, QMessageBox::Icon icon, const QString& text,
                                    std::initializer_list<TBoxButton> buttons, QMessageBox::StandardButton primary,
-                                   QMessageBox::StandardButton escape)
+                                   QMessageBox::StandardButton escape, const QString& note = {})
 {
     QMessageBox box(parent);
     box.setWindowTitle(QGuiApplication::applicationDisplayName());
     box.setIcon(icon);
     box.setTextFormat(Qt::PlainText); // file names in it must not turn into markup
     box.setText(text);
+    box.setInformativeText(note);
     for (const TBoxButton& button : buttons)
         box.addButton(button.Button)->setText(GetLanguageString(button.Key));
     box.setDefaultButton(primary);
@@ -46,11 +47,11 @@ void ShowError(QWidget* parent, const QString& text)
     RunBox(parent, QMessageBox::Critical, text, {{QMessageBox::Ok, u"cSGuiOk"_s}}, QMessageBox::Ok, QMessageBox::Ok);
 }
 
-bool AskYesNo(QWidget* parent, const QString& text, bool defaultNo)
+bool AskYesNo(QWidget* parent, const QString& text, bool defaultNo, const QString& note)
 {
     return RunBox(parent, QMessageBox::Question, text,
                   {{QMessageBox::Yes, u"cSGuiYes"_s}, {QMessageBox::No, u"cSGuiNo"_s}},
-                  defaultNo ? QMessageBox::No : QMessageBox::Yes, QMessageBox::No) == QMessageBox::Yes;
+                  defaultNo ? QMessageBox::No : QMessageBox::Yes, QMessageBox::No, note) == QMessageBox::Yes;
 }
 
 TAnswer AskYesNoCancel(QWidget* parent, const QString& text)

@@ -72,6 +72,13 @@ void TRibbonButton::SetIconName(const QString& name)
     update();
 }
 
+void TRibbonButton::SetShape(TShape shape)
+{
+    FShape = shape;
+    updateGeometry();
+    update();
+}
+
 QString TRibbonButton::Caption() const
 {
     const QString caption = defaultAction() ? defaultAction()->iconText() : text();

@@ -29,6 +29,7 @@ public:
     const QString& IconName() const { return FIconName; }
     QString Caption() const;
     TShape Shape() const { return FShape; }
+    void SetShape(TShape shape);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

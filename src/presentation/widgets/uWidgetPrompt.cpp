@@ -12,6 +12,11 @@ void TWidgetPrompt::ShowInformation(const QString& text) { ShowMessage(FWindow, 
 
 bool TWidgetPrompt::AskYesNo(const QString& text) { return Kestrune::AskYesNo(FWindow, text); }
 
+bool TWidgetPrompt::AskBeforeLoss(const QString& text, const QString& note)
+{
+    return Kestrune::AskYesNo(FWindow, text, true, note);
+}
+
 QString TWidgetPrompt::AskOpenFile(const TFileDialogRequest& request) { return ChooseOpenFile(FWindow, request); }
 
 QString TWidgetPrompt::AskSaveFile(const TFileDialogRequest& request) { return ChooseSaveFile(FWindow, request); }

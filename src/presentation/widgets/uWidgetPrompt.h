@@ -17,6 +17,7 @@ public:
     void ShowError(const QString& text) override;
     void ShowInformation(const QString& text) override;
     bool AskYesNo(const QString& text) override;
+    bool AskBeforeLoss(const QString& text, const QString& note) override;
     QString AskOpenFile(const TFileDialogRequest& request) override;
     QString AskSaveFile(const TFileDialogRequest& request) override;
     QString AskFolder(const QString& title, const QString& folder) override;

@@ -5,7 +5,6 @@
 #include "uDefaults.h"
 #include "uTHStrings.h"
 
-#include <QApplication>
 #include <QFile>
 #include <QKeySequence>
 #include <QLabel>
@@ -20,8 +19,7 @@ using namespace Qt::StringLiterals;
 TAboutWindow::TAboutWindow(QWidget* parent) : TDialog(u"TAboutForm"_s, GetLanguageString(u"cSactAbout"_s), parent)
 {
     const TOEMInfo& oem = Defaults().OEM;
-    auto* title =
-        new QLabel(u"<h2>%1 %2</h2>"_s.arg(oem.Name.toHtmlEscaped(), QApplication::applicationVersion()), this);
+    auto* title = new QLabel(u"<h2>%1 %2</h2>"_s.arg(oem.Name.toHtmlEscaped(), QStringLiteral(KESTRUNE_VERSION)), this);
     auto* text = new QLabel(GetLanguageString(u"cSAboutText"_s).arg(QString::fromLatin1(qVersion())), this);
     text->setWordWrap(true);
     text->setTextInteractionFlags(Qt::TextBrowserInteraction);

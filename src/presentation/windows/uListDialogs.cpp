@@ -123,16 +123,14 @@ void TSortDialog::Rebuild()
         order->setAccessibleName(number->accessibleName());
         const auto store = [this, row, column, order] {
             FSort.SetLevel(row, {column->currentText(), order->currentText()});
-            FCurrent = row;
+            SetCurrent(row);
             Tell(*FMessage, {});
         };
         connect(column, &QComboBox::activated, this, store);
         connect(order, &QComboBox::activated, this, store);
-        connect(number, &QRadioButton::clicked, this, [this, row] {
-            FCurrent = row;
-            FUp->setEnabled(FSort.CanMoveUp(FCurrent));
-            FDown->setEnabled(FSort.CanMoveDown(FCurrent));
-        });
+        connect(number, &QRadioButton::clicked, this, [this, row] { SetCurrent(row); });
+        for (QWidget* part : std::initializer_list<QWidget*>{number, column, order})
+            part->installEventFilter(this); // who goes to a level means it
         FGrid->addWidget(number, row, 0);
         FGrid->addWidget(column, row, 1);
         FGrid->addWidget(order, row, 2);
@@ -141,9 +139,32 @@ void TSortDialog::Rebuild()
     }
     FGrid->setColumnStretch(1, 3);
     FGrid->setColumnStretch(2, 2);
-    FUp->setEnabled(FSort.CanMoveUp(FCurrent));
-    FDown->setEnabled(FSort.CanMoveDown(FCurrent));
+    SetCurrent(FCurrent);
     FDelete->setEnabled(!levels.empty());
+}
+
+void TSortDialog::SetCurrent(int row)
+{
+    FCurrent = row;
+    if (const QLayoutItem* item = FGrid->itemAtPosition(row, 0))
+        static_cast<QRadioButton*>(item->widget())->setChecked(true);
+    FUp->setEnabled(FSort.CanMoveUp(row));
+    FDown->setEnabled(FSort.CanMoveDown(row));
+}
+
+bool TSortDialog::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::FocusIn) {
+        if (const int at = FGrid->indexOf(static_cast<QWidget*>(watched)); at >= 0) {
+            int row = 0;
+            int column = 0;
+            int rows = 0;
+            int columns = 0;
+            FGrid->getItemPosition(at, &row, &column, &rows, &columns);
+            SetCurrent(row);
+        }
+    }
+    return TDialog::eventFilter(watched, event);
 }
 
 void TSortDialog::Move(int direction)

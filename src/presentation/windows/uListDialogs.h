@@ -27,10 +27,13 @@ public:
     TSortDialog(TSortForm& sort, QWidget* parent);
 
     void accept() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void Rebuild();
     void Move(int direction);
+    /// The level on which the buttons act: its radio button is set, the arrows follow.
+    void SetCurrent(int row);
 
     TSortForm& FSort;
     QWidget* FRows;

@@ -30,6 +30,7 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
 #include <QPrinter>
@@ -71,7 +72,7 @@ TMainWindow::TMainWindow(TKRNMainForm& form, TThemeController& theme, bool debug
     if (debugMode)
         hooks.CreateDebugWindow = createDebugWindow;
     FForm.FormCreate(hooks);
-    new TDialogWatch([this] { FForm.CheckCollectionFile(); }, this);
+    new TDialogWatch([this] { FForm.CheckCollectionFile(); }, [this] { ReturnToView(); }, this);
     FActions = new TActionSet(FForm.Actions(), this);
     FModel = new TReleasesModel(FForm.Data(), this);
     FTracksModel = new TTracksModel(FForm.Data(), this);
@@ -250,6 +251,10 @@ void TMainWindow::ConnectForm()
             [this](TBarKind kind, const QString& bold, const QString& sentence) {
                 FBars->Show({kind, bold, sentence, {}, {}});
             });
+    connect(&FForm.Shell(), &TShell::offerRaised, this,
+            [this](TBarKind kind, const QString& bold, const QString& sentence, const TBarOffer& offer) {
+                FBars->Show({kind, bold, sentence, {}, {{offer.Caption, offer.Act}}, offer.Stays});
+            });
     connect(&FForm.Upkeep(), &TUpkeep::debugWindowToggled, this, [this] {
         if (FDebug)
             FDebug->setVisible(!FDebug->isVisible());
@@ -280,6 +285,8 @@ void TMainWindow::ConnectForm()
         // Only the button that stops the job is live: nothing may change what it works on.
         for (QWidget* part : std::initializer_list<QWidget*>{FRibbon, FFilters, FPages})
             part->setEnabled(maximum == 0);
+        if (maximum == 0)
+            FocusView();
     });
 }
 
@@ -330,7 +337,7 @@ void TMainWindow::ConnectTables()
     connect(FFind, &TFindBar::closeRequested, this, [this] {
         FFind->hide();
         Find({});
-        CurrentViewWidget()->setFocus();
+        FocusView();
     });
 }
 
@@ -344,12 +351,17 @@ void TMainWindow::ConnectFilters()
     connect(search, &TSearchBox::cleared, this, [this] {
         FForm.Search().RemoveFilter(FForm.Search().SearchBy() == EverythingField ? fckEverything : fckKeyword);
     });
-    connect(search, &TSearchBox::leaveRequested, this, [this] { CurrentViewWidget()->setFocus(); });
+    connect(search, &TSearchBox::leaveRequested, this, &TMainWindow::FocusView);
+    connect(FBars, &TMessageBars::focusLeft, this, &TMainWindow::FocusView);
     TChipRow* chips = FFilters->Chips();
     connect(chips, &TChipRow::removeRequested, this, [this](const QString& id) {
+        if (id.section(u'|', 0, 0).toInt() == GroupChip)
+            return FForm.Lists().Active().RemoveGroup(id.section(u'|', 1));
         FForm.Search().RemoveFilter(static_cast<TFilterChipKind>(id.section(u'|', 0, 0).toInt()), id.section(u'|', 1));
     });
     connect(chips, &TChipRow::editRequested, this, [this](const QString& id) {
+        if (id.section(u'|', 0, 0).toInt() == GroupChip)
+            return FForm.Actions().Trigger(u"actAlbumTableView"_s); // where groups are made
         EditChip(static_cast<TFilterChipKind>(id.section(u'|', 0, 0).toInt()), id.section(u'|', 1));
     });
     const auto clearAll = [this] { FForm.Actions().Trigger(u"actFilterStatusOther"_s); };
@@ -459,6 +471,24 @@ QWidget* TMainWindow::CurrentViewWidget() const
     if (FPages->currentWidget() == FEmpty)
         return FEmpty;
     return FViews->currentWidget();
+}
+
+void TMainWindow::FocusView() { CurrentViewWidget()->setFocus(); }
+
+void TMainWindow::ReturnToView()
+{
+    const QWidget* focus = focusWidget(); // the window may not be the active one again
+    if (!FViewSide->isAncestorOf(focus) && !FPane->isAncestorOf(focus))
+        FocusView();
+}
+
+// What no part took for itself comes here.
+void TMainWindow::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape)
+        FocusView();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 } // namespace Kestrune

@@ -77,6 +77,7 @@ Q_SIGNALS:
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
@@ -86,6 +87,7 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
+    static constexpr int GroupChip = -1; // in the place of the kind of a filter
     void BuildParts();
     void BuildViews();
     void BuildMenus();
@@ -103,6 +105,7 @@ private:
     void ShowView();
     void ShowPage();
     void ShowFilters();
+    void ShowChips();
     void ShowSort();
     void ShowFigures();
     void ShowDetail();
@@ -179,6 +182,11 @@ private:
     void EditKeyword();
     void MoveArea(int direction);
     QWidget* CurrentViewWidget() const;
+    void FocusView();
+    /// The same unless the user is in view or pane already, such as in a cell that is edited.
+    void ReturnToView();
+    void EditFocused();
+    void AddByHand();
 
     TKRNMainForm& FForm;
     TThemeController& FTheme;

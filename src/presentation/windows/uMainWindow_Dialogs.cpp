@@ -3,6 +3,7 @@
 #include "uActionSet.h"
 #include "uAlbumTable.h"
 #include "uDefaults.h"
+#include "uDetailPane.h"
 #include "uExport.h"
 #include "uFieldEditors.h"
 #include "uFilterDialog.h"
@@ -20,16 +21,24 @@
 #include "uThemeController.h"
 #include "uUpdaterWindow.h"
 
+#include <QDesktopServices>
 #include <QFileInfo>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QPrinterInfo>
+#include <QUrl>
 
 #include <algorithm>
 
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString ExportFolderKey = u"Export.Folder"_s;
+
+} // namespace
 
 // The windows of actions by their names; an action without a row here has no window.
 void TMainWindow::OpenWindow(const QString& action)
@@ -40,6 +49,8 @@ void TMainWindow::OpenWindow(const QString& action)
         {u"actCustomizeColumns"_s, &TMainWindow::OpenColumns},
         {u"actAdvancedSearch"_s, &TMainWindow::OpenFilterBuilder},
         {u"actMultiEdit"_s, &TMainWindow::OpenMultiEdit},
+        {u"actEditItem"_s, &TMainWindow::EditFocused},
+        {u"actAddReleaseManually"_s, &TMainWindow::AddByHand},
         {u"actOptions"_s, &TMainWindow::OpenAllOptions},
         {u"actExecSQL"_s, &TMainWindow::OpenSQL},
         {u"actAbout"_s, &TMainWindow::OpenAbout},
@@ -95,6 +106,24 @@ void TMainWindow::OpenMultiEdit()
     edit.LoadFromCustomGridTableView({shown.begin(), shown.end()});
     if (TMultiEditDialog(edit, FForm.Data(), this).exec() == QDialog::Accepted)
         edit.ApplyChanges();
+}
+
+void TMainWindow::EditFocused()
+{
+    if (FForm.Pane().Closed())
+        FForm.Pane().SetClosed(false);
+    FPane->show(); // also where the window is too narrow for it
+    if (FForm.Pane().Detail().ID != FForm.Lists().Active().FocusedRelease())
+        FForm.Pane().Refresh(); // it follows the focus only after a moment
+    FPane->EditFirst();
+}
+
+void TMainWindow::AddByHand()
+{
+    const QString name = AskName(FullCaptionOf(u"actAddReleaseManually"_s),
+                                 GetLanguageString(u"cSReleasesFieldReleaseName"_s), {}, this);
+    if (!name.isEmpty())
+        FForm.Adding().AddByHand(name);
 }
 
 void TMainWindow::OpenSaveFilter()
@@ -222,14 +251,20 @@ void TMainWindow::Export(const QString& word)
     request.Filter = ExportFileFilter(*format);
     request.DefaultExtension = word;
     request.FileName = ReportTitle() + u'.' + word;
+    if (HasSettingsStore())
+        request.Folder = SettingsStore().ReadString(ExportFolderKey, {});
     const QString path = FForm.Shell().Prompt().AskSaveFile(request);
     if (path.isEmpty())
         return;
+    if (HasSettingsStore())
+        SettingsStore().WriteString(ExportFolderKey, {}, QFileInfo(path).absolutePath());
+    const TBarOffer open{GetLanguageString(u"cSGuiOpenFile"_s),
+                         [path] { QDesktopServices::openUrl(QUrl::fromLocalFile(path)); }};
     FForm.Shell().RunJob(request.Title, [&](const TShell::TJobProgress& progress) {
         TExportSource source = MakeSource(*format == efHTML || *format == efPDF);
         try {
             if (WriteExport(source, *format, path, ReportTitle(), progress))
-                FForm.Shell().Tell(bkDone, GetLanguageString(u"cSExportDone"_s).arg(source.RowCount()), path);
+                FForm.Shell().Offer(bkDone, GetLanguageString(u"cSExportDone"_s).arg(source.RowCount()), path, open);
             else
                 FForm.Shell().Tell(bkWarning, GetLanguageString(u"cSExportStopped"_s), path);
         } catch (const EExportError& failure) {

@@ -66,7 +66,7 @@ void TMainWindow::SetUpColumns()
             name == "btnTableViewPresetReleaseInfo"_L1 || name == "btnTableViewPresetTracksGeneral"_L1)
             ShowColumns(preset.OfTracks ? *FTracks : *FTable, preset.VisibleColumns);
     FTable->ShareWidth({FModel->ColumnOf(u"Artist"_s), FModel->ColumnOf(u"ReleaseName"_s)});
-    FTracks->ShareWidth({FTracksModel->ColumnOf(u"TrackTitle"_s), FTracksModel->ColumnOf(u"ReleaseName"_s)});
+    FTracks->ShareWidth({FTracksModel->ColumnOf(u"ReleaseName"_s), FTracksModel->ColumnOf(u"TrackTitle"_s)});
     for (TAlbumTable* table : {FTable, FTracks})
         if (const auto& layout = SessionOf(*table).Layout(); layout && !layout->Columns.empty())
             RestoreColumns(*table, layout->Columns);

@@ -124,6 +124,7 @@ void TMainWindow::ShowView()
         Find(FFind->Text());
     ShowPage();
     ShowGroups();
+    ShowChips();
 }
 
 void TMainWindow::ShowGroups()
@@ -138,7 +139,8 @@ void TMainWindow::ShowGroups()
 // Which of the pages stands in the middle, and which view in it.
 void TMainWindow::ShowPage()
 {
-    const bool hadFocus = FViews->isAncestorOf(QApplication::focusWidget());
+    const QWidget* focus = QApplication::focusWidget();
+    const bool hadFocus = !focus || FViews->isAncestorOf(focus) || FEmpty->isAncestorOf(focus);
     const bool hasData = FForm.Data().HasData();
     const TStatusFigures figures = FForm.Figures().Status();
     FFilters->setVisible(hasData);
@@ -155,7 +157,12 @@ void TMainWindow::ShowPage()
                                   card(u"cSGuiCardOpen"_s, u"cSGuiCardOpenText"_s, u"actOpenDatabase"_s)},
                                  recent);
     } else if (figures.Total == 0) {
-        FEmpty->ShowEmptyCollection({card(u"cSGuiCardFolder"_s, u"cSGuiCardFolderText"_s, u"actAddMP3"_s)});
+        FEmpty->ShowEmptyCollection({card(u"cSGuiCardBarcode"_s, u"cSGuiCardBarcodeText"_s, u"actAddByBarcode"_s),
+                                     card(u"cSGuiCardDisc"_s, u"cSGuiCardDiscText"_s, u"actAddByCDROM"_s),
+                                     card(u"cSGuiCardFolder"_s, u"cSGuiCardFolderText"_s, u"actAddMP3"_s),
+                                     card(u"cSGuiCardImport"_s, u"cSGuiCardImportText"_s, u"actImport"_s),
+                                     card(u"cSGuiCardName"_s, u"cSGuiCardNameText"_s, u"actAddMusic"_s),
+                                     card(u"cSGuiCardByHand"_s, u"cSGuiCardByHandText"_s, u"actAddReleaseManually"_s)});
     }
     const bool empty = !hasData || figures.Total == 0;
     FPages->setCurrentWidget(empty ? static_cast<QWidget*>(FEmpty) : FSplitter);
@@ -165,16 +172,28 @@ void TMainWindow::ShowPage()
         FViews->setCurrentWidget(CurrentTable() ? static_cast<QWidget*>(CurrentTable()) : FTiles);
     // Another page takes the keyboard over; what has it within the same page keeps it, such as a field of the filter
     // row.
-    if (hadFocus && !FViews->currentWidget()->isAncestorOf(QApplication::focusWidget()))
-        FViews->currentWidget()->setFocus();
+    if (hadFocus && !CurrentViewWidget()->isAncestorOf(QApplication::focusWidget()))
+        FocusView();
 }
 
-void TMainWindow::ShowFilters()
+void TMainWindow::ShowChips()
 {
     std::vector<TChipText> chips;
     for (const TFilterChip& chip : FForm.Lists().Active().Filters().Chips())
         chips.push_back({u"%1|%2"_s.arg(static_cast<int>(chip.Kind)).arg(chip.Column), chip.Field, chip.Value});
+    // In a table the group panel shows them; tiles have none, and yet stand in their order.
+    if (!CurrentTable()) {
+        const TListModel& list = *CurrentModel();
+        for (const QString& field : FForm.Lists().Active().List().Grouping())
+            chips.push_back({u"%1|%2"_s.arg(GroupChip).arg(field), GetLanguageString(u"cSGuiGroupedBy"_s),
+                             list.headerData(list.ColumnOf(field), Qt::Horizontal, FullCaptionRole).toString()});
+    }
     FFilters->Chips()->SetChips(chips);
+}
+
+void TMainWindow::ShowFilters()
+{
+    ShowChips();
     FLetters->SetCurrent(FForm.Lists().Active().Filters().Set().Letter);
     FLetters->SetField(FForm.Lists().Active().Filters().Set().LetterField);
     if (TAlbumTable* table = CurrentTable())
@@ -206,6 +225,7 @@ void TMainWindow::ShowSort()
     }
     (FForm.TracksShown() ? FTracks : FTable)->SetSortMarks(std::move(marks));
     ShowGroups();
+    ShowChips();
 }
 
 void TMainWindow::ShowFigures()
@@ -219,7 +239,9 @@ void TMainWindow::ShowFigures()
         shown = GetLanguageString(figures.OfTracks ? u"cSGuiFigureTracksOf"_s : u"cSGuiFigureOf"_s)
                     .arg(locale.toString(figures.Shown), locale.toString(figures.Total));
     if (figures.Groups > 0)
-        shown += u' ' + GetLanguageString(u"cSGuiFigureGroups"_s).arg(locale.toString(figures.Groups));
+        shown += u' ' + (figures.Groups == 1
+                             ? GetLanguageString(u"cSGuiFigureOneGroup"_s)
+                             : GetLanguageString(u"cSGuiFigureGroups"_s).arg(locale.toString(figures.Groups)));
     facts << shown;
     facts << (figures.Selected == 0
                   ? GetLanguageString(u"cSGuiFigureNone"_s)
@@ -459,7 +481,7 @@ void TMainWindow::showEvent(QShowEvent* event)
     QTimer::singleShot(0, this, [this] {
         Q_EMIT shownFirst();
         FForm.WMAfterFormShow();
-        CurrentViewWidget()->setFocus();
+        FocusView();
     });
 }
 

@@ -37,6 +37,7 @@ void TAdding::BindActions()
         canWrite);
     actions.Bind(
         u"actImport"_s, [this] { OpenImport(); }, canWrite);
+    FShell.BindWindow(u"actAddReleaseManually"_s, canWrite);
     const auto canSearch = [this] { return FAddMusic && FShell.CanWrite(); };
     const std::pair<QString, TSearchArea> searches[] = {{u"actAddMain"_s, saArtistOrRelease},
                                                         {u"actAddMusic"_s, saArtistOrRelease},
@@ -64,6 +65,16 @@ void TAdding::AddFolders(const QStringList& paths)
     Q_EMIT addFilesStarted();
     FAddFiles->Start();
     FShell.Actions().Update();
+}
+
+void TAdding::AddByHand(const QString& name)
+{
+    TAlbumRelease release;
+    release.SetItem2(u"ReleaseName"_s, name);
+    if (!FShell.CanWrite() || !FShell.Attempt([&] { FShell.Data().AddAlbumReleaseToDB(release, true); }))
+        return;
+    Q_EMIT added();
+    Q_EMIT focusRequested(FShell.Data().LastAddedReleaseID());
 }
 
 void TAdding::OpenImport()

@@ -32,6 +32,8 @@ public:
     void AddFolders(const QStringList& paths);
     /// The run in progress, or null.
     TImportRun* AddFiles() const { return FAddFiles.get(); }
+    /// Stores a release of which nothing but the name is known, and brings it into sight.
+    void AddByHand(const QString& name);
     /// Opens the import wizard; importStarted tells the window.
     void OpenImport();
     /// The wizard while it is open, or null.

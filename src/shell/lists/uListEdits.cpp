@@ -7,6 +7,8 @@
 #include "uTHStrings.h"
 #include "uWaitCursor.h"
 
+#include <QLocale>
+
 #include <algorithm>
 
 namespace Kestrune {
@@ -53,6 +55,7 @@ void TListEdits::BindEditActions()
     const auto canChange = [this, hasRows] { return hasRows() && FShell.CanWrite(); };
     actions.Bind(
         u"actRemoveSelected"_s, [this] { RemoveSelected(); }, canChange);
+    FShell.BindWindow(u"actEditItem"_s, canChange);
     FShell.BindWindow(u"actMultiEdit"_s, canChange);
     actions.Bind(
         u"actDuplicate"_s, [this] { Duplicate(); },
@@ -94,16 +97,17 @@ int TListEdits::ApplyChanges(const std::vector<qint64>& keys, const std::vector<
 
 void TListEdits::RemoveSelected()
 {
-    if (!FShell.Prompt().AskYesNo(GetLanguageString(u"cSConfirmDelete"_s)))
-        return;
     TDataModuleMain& data = FShell.Data();
     TListSession& active = FLists.Active();
     TListDataset& list = active.List();
     const int row = list.RowOfKey(active.Focused());
     const std::vector<qint64> keys = active.Keys();
+    const QString what = CountText(keys.size());
+    if (!FShell.Prompt().AskBeforeLoss(GetLanguageString(u"cSConfirmDelete"_s), what))
+        return;
     for (const qint64 key : keys)
         data.TouchRelease(active.ReleaseOf(key));
-    list.DeleteKeys(keys);
+    const qint64 deletion = data.DeleteUndoably(list, keys);
     // What hangs on the rows went with them, and sums over them are others now.
     for (TListSession* other : FLists.All())
         if (other != &active)
@@ -113,6 +117,48 @@ void TListEdits::RemoveSelected()
     active.SetFocused(list.KeyAt(std::min(row, list.RecordCount() - 1)));
     if (active.FocusedRelease() != 0)
         Q_EMIT FLists.focusRequested(active.FocusedRelease());
+    Q_EMIT rowsChanged();
+    OfferUndo(deletion, what);
+}
+
+QString TListEdits::CountText(size_t rows) const
+{
+    const bool releases = FLists.Active().List().RowName() == "Release"_L1;
+    if (rows == 1)
+        return GetLanguageString(releases ? u"cSOneRelease"_s : u"cSOneTrack"_s);
+    return GetLanguageString(releases ? u"cSGuiFigureReleases"_s : u"cSGuiFigureTracks"_s)
+        .arg(QLocale().toString(static_cast<qulonglong>(rows)));
+}
+
+void TListEdits::OfferUndo(qint64 deletion, const QString& what)
+{
+    const QString bold = GetLanguageString(u"cSDeleted"_s).arg(what);
+    if (deletion == 0)
+        FShell.Tell(bkWarning, bold, GetLanguageString(u"cSUndoNoRoom"_s));
+    else
+        FShell.Offer(bkDone, bold, {}, {GetLanguageString(u"cSUndo"_s), [this, deletion] { Undo(deletion); }, true});
+}
+
+void TListEdits::Undo(qint64 deletion)
+{
+    qint64 leftOut = 0;
+    if (!FShell.CanWrite()) {
+        FShell.Offer(bkWarning, GetLanguageString(u"cSUndoFailed"_s), GetLanguageString(u"cSUndoBusy"_s),
+                     {GetLanguageString(u"cSUndo"_s), [this, deletion] { Undo(deletion); }, true});
+        return;
+    }
+    try {
+        leftOut = FShell.Data().UndoDeletion(deletion);
+    } catch (const EDatabaseError& failure) {
+        FShell.Tell(bkError, GetLanguageString(u"cSUndoFailed"_s), failure.Text());
+        return;
+    }
+    if (leftOut > 0)
+        FShell.Tell(bkWarning, GetLanguageString(u"cSUndoPartly"_s).arg(leftOut),
+                    GetLanguageString(u"cSUndoParentGone"_s));
+    FShell.Attempt([this] { FLists.Releases().List().ApplyFilter(); });
+    FShell.Attempt([this] { FLists.Tracks().List().Refresh(); });
+    FShell.Data().qLoans.Refresh();
     Q_EMIT rowsChanged();
 }
 

@@ -44,6 +44,10 @@ private:
     void BindTableActions();
     void BindEditActions();
     void RemoveSelected();
+    void OfferUndo(qint64 deletion, const QString& what);
+    void Undo(qint64 deletion);
+    /// "1 release", "3 tracks".
+    QString CountText(size_t rows) const;
     void Duplicate();
 
     TShell& FShell;

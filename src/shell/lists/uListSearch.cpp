@@ -48,15 +48,14 @@ void TListSearch::BindActions()
 {
     TActionList& actions = FShell.Actions();
     const auto hasData = [this] { return FShell.HasData(); };
-    const auto hasStatus = [this] { return FShell.HasData() && FLists.Active().List().FieldIndex(u"Status"_s) >= 0; };
     const auto filtered = [this] { return !FLists.Active().Filters().Set().IsEmpty(); };
     const auto sorted = [this] { return FShell.HasData() && !FLists.Active().List().Sort().empty(); };
     actions.Bind(
         u"actSearch"_s, [this] { Search(); }, hasData);
     actions.Bind(
-        u"actStatusFilter"_s, [] {}, hasStatus);
+        u"actStatusFilter"_s, [] {}, hasData);
     actions.Bind(
-        u"actFilterStatusAll"_s, [this] { RemoveFilter(fckStatus); }, hasStatus);
+        u"actFilterStatusAll"_s, [this] { RemoveFilter(fckStatus); }, hasData);
     actions.Bind(
         u"actFilterStatusOther"_s, [this] { FLists.Active().Filter([](TViewFilters& filters) { filters.Clear(); }); },
         filtered);
@@ -83,6 +82,10 @@ void TListSearch::Search()
 {
     if (FSearchBy == EverythingField) {
         SearchEverything();
+        return;
+    }
+    if (FLists.Active().List().FieldIndex(FSearchBy) < 0) { // chosen where the other list was in use
+        FShell.Tell(bkWarning, GetLanguageString(u"cSFilterColumnMissing"_s), CaptionOfColumn(FSearchBy));
         return;
     }
     FLists.Active().Filter([this](TViewFilters& filters) { filters.SetKeyword(FSearchBy, FSearchText); });
@@ -196,7 +199,7 @@ void TListSearch::RecallFilter(const QString& name)
     if (known == FSavedFilters.end())
         return;
     const TFilterSet set = known->Set;
-    FLists.Active().Filter([&](TViewFilters& filters) { filters.Restore(set); });
+    FLists.Active().RestoreFilters(set);
     if (set.Everything.isEmpty())
         return;
     FSearchText = set.Everything;

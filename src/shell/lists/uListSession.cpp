@@ -101,8 +101,22 @@ bool TListSession::SetColumnFilter(const QString& column, const QString& text)
 
 void TListSession::SetBuilderFilter(const TFilterNode& node)
 {
-    FFilters.SetBuilder(node);
+    const QStringList lacking = FFilters.SetBuilder(node);
     ApplyFilters();
+    TellLacking(lacking);
+}
+
+void TListSession::RestoreFilters(const TFilterSet& set)
+{
+    const QStringList lacking = FFilters.Restore(set);
+    ApplyFilters();
+    TellLacking(lacking);
+}
+
+void TListSession::TellLacking(const QStringList& captions)
+{
+    if (!captions.isEmpty())
+        FShell.Tell(bkWarning, GetLanguageString(u"cSFilterColumnMissing"_s), captions.join(u", "_s));
 }
 
 void TListSession::LetterClick(const QString& caption)

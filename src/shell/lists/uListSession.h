@@ -52,6 +52,8 @@ public:
     /// A text of the filter row; false when it is no condition for the column.
     bool SetColumnFilter(const QString& column, const QString& text);
     void SetBuilderFilter(const TFilterNode& node);
+    /// Puts filters in place of the present ones; tells of those on columns that the list lacks.
+    void RestoreFilters(const TFilterSet& set);
     /// One letter filters by it, any longer caption removes the letter.
     void LetterClick(const QString& caption);
 
@@ -83,6 +85,7 @@ Q_SIGNALS:
 
 private:
     void ApplyFilters();
+    void TellLacking(const QStringList& captions);
 
     TShell& FShell;
     TListDataset& FList;

@@ -120,7 +120,7 @@ void TKRNMainForm::ApplyTheme(const TMainFormHooks& hooks)
         hooks.ApplyTheme();
 }
 
-void TKRNMainForm::ConnectAtStart(const TMainFormHooks&) { FFiles.Open(Defaults().DBPath); }
+void TKRNMainForm::ConnectAtStart(const TMainFormHooks&) { FFiles.OpenAtStart(); }
 
 void TKRNMainForm::PrepareDetail(const TMainFormHooks&) { FPane.Refresh(); }
 

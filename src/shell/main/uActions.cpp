@@ -14,6 +14,8 @@ namespace {
 constexpr TActionDef ActionRows[] = {
     {"actAddMusic", "cSactAddMusic", "cSactAddMusicShort", "Ctrl+Alt+A", "search"},
     {"actAddMP3", "cSactAddMP3", "cSactAddMP3Short", "Ctrl+Alt+D", "folder"},
+    {"actAddReleaseManually", "cSactAddReleaseManually", "cSactAddReleaseManuallyShort", "Shift+Ins", "pencil"},
+    {"actEditItem", "cSactEditItem", "cSactEditItemShort", "F2", "pencil"},
     {"actRemoveSelected", "cSactRemoveSelected", "cSactRemoveSelectedShort", "Ctrl+Del", "trash"},
     {"actVacuumDB", "cSactVacuumDB", "cSactVacuumDBShort", "", "opt"},
     {"actRefresh", "cSactRefresh", "", "F5", "refresh"},

@@ -87,6 +87,18 @@ bool TCollectionFiles::Open(const QString& path)
     return done;
 }
 
+void TCollectionFiles::OpenAtStart()
+{
+    const QString path = Defaults().DBPath;
+    const TDBValidationResult result = ValidateDatabaseFile(path);
+    if (result == dvrOK) {
+        Open(path);
+        return;
+    }
+    FFailure = path.isEmpty() ? QString() : DatabaseValidationMessage(result);
+    Q_EMIT opened();
+}
+
 void TCollectionFiles::OpenRecent(const QString& path)
 {
     if (FShell.Busy()) // the releases would go into the other file
@@ -102,7 +114,9 @@ QString TCollectionFiles::FileName() const { return QFileInfo(Defaults().DBPath)
 void TCollectionFiles::New()
 {
     FShell.Data().CommitTransaction();
-    const QString path = FShell.Prompt().AskSaveFile(DatabaseDialog(u"cSactNewDatabase"_s));
+    TFileDialogRequest request = DatabaseDialog(u"cSactNewDatabase"_s);
+    request.FileName = u"Records.db"_s;
+    const QString path = FShell.Prompt().AskSaveFile(request);
     if (path.isEmpty())
         return;
     FSearch.CloseIndex();

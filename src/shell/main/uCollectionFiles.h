@@ -20,6 +20,9 @@ public:
 
     /// Opens a collection; false, and told, when it cannot be opened. One that is refused leaves the open one.
     bool Open(const QString& path);
+    /// Opens the collection of the last time. What cannot be opened is told by Failure alone, and a first start by
+    /// nothing: the window says both where the list would be.
+    void OpenAtStart();
     void OpenRecent(const QString& path);
     QStringList Recent() const;
     /// Name of the open file; empty without one.

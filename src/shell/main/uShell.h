@@ -15,6 +15,13 @@ namespace Kestrune {
 
 class TDataModuleMain;
 
+/// What a bar offers to do.
+struct TBarOffer {
+    QString Caption;
+    std::function<void()> Act;
+    bool Stays = false; ///< the bar stays until it is closed, of whatever kind it is
+};
+
 /// What all features of the main window share: the collection, the actions, the one word on who is busy, jobs, bars and
 /// the windows that they ask for. Main thread.
 class TShell : public QObject {
@@ -61,6 +68,11 @@ public:
     {
         Q_EMIT barRaised(kind, bold, sentence);
     }
+    /// The same with something that the user may do about it.
+    void Offer(TBarKind kind, const QString& bold, const QString& sentence, const TBarOffer& offer)
+    {
+        Q_EMIT offerRaised(kind, bold, sentence, offer);
+    }
     /// Asks for the window of an action.
     void RequestWindow(const QString& action) { Q_EMIT windowRequested(action); }
     /// Binds an action to the window of its name.
@@ -68,6 +80,8 @@ public:
 
 Q_SIGNALS:
     void barRaised(Kestrune::TBarKind kind, const QString& bold, const QString& sentence);
+    void offerRaised(Kestrune::TBarKind kind, const QString& bold, const QString& sentence,
+                     const Kestrune::TBarOffer& offer);
     void windowRequested(const QString& action);
     /// A long job: value of maximum; a maximum of 0 ends it.
     void jobProgressed(const QString& text, int value, int maximum);
