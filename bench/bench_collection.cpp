@@ -32,7 +32,7 @@ void MeasureFilters(TListDataset& list)
     };
     filtered(u"Artist like %or%"_s, {u"Artist"_s, foLike, u"%or%"_s, {}});
     filtered(u"ReleaseName like %harbour%"_s, {u"ReleaseName"_s, foLike, u"%harbour%"_s, {}});
-    filtered(u"Status = In collection"_s, StatusCriterion(u"In collection"_s));
+    filtered(u"Status = In collection"_s, StatusCriterion(list, u"In collection"_s));
     filtered(u"Genres like %rock% (behind the thumbs)"_s, {u"Genres"_s, foLike, u"%rock%"_s, {}});
     filtered(u"Location like %home%"_s, {u"Location"_s, foLike, u"%home%"_s, {}});
     filtered(u"Comments like %a%"_s, {u"Comments"_s, foLike, u"%a%"_s, {}});

@@ -24,8 +24,6 @@ bool IsNamed(const TXmlElement& element, QLatin1StringView name)
 
 } // namespace
 
-bool MayTellUnknown(int httpStatus) { return httpStatus == 400 || httpStatus == 404; }
-
 bool FindReleases(const TXmlDocument& document, std::vector<TXmlElement>& releases, bool* isUnknown)
 {
     TXmlElement results = document.Root();

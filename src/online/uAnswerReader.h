@@ -74,9 +74,6 @@ public:
     size_t MostReleases; ///< that are loaded; 0 leaves it to the receiver
 };
 
-/// True for the status of an answer in which a service may tell that it knows nothing of what was asked for.
-bool MayTellUnknown(int httpStatus);
-
 /// The `Release` elements of a search result document: below `SearchResults`, which is the root or a child of it.
 /// False when there is no `SearchResults`.
 bool FindReleases(const TXmlDocument& document, std::vector<TXmlElement>& releases, bool* isUnknown = nullptr);

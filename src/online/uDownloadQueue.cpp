@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDownloadQueue.h"
 
-#include "uAnswerReader.h"
 #include "uDebugLog.h"
 #include "uHostLimiter.h"
 #include "uObjs.h"

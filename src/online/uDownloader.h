@@ -206,4 +206,7 @@ QString ConnectionTestURL();
 /// True when the address can be fetched into a file. Blocks until that is known or it is asked to stop.
 bool TestConnection(const QString& url = ConnectionTestURL(), const std::stop_token& stop = {});
 
+/// True for the status of an answer in which a service may tell that it knows nothing of what was asked for.
+constexpr bool MayTellUnknown(int httpStatus) { return httpStatus == 400 || httpStatus == 404; }
+
 } // namespace Kestrune

@@ -179,6 +179,10 @@ void TWebServer::Talk(qintptr descriptor)
     }
     for (int waited = 0; waited < answer.DelayMs && !FStop; waited += TickMs)
         std::this_thread::sleep_for(std::chrono::milliseconds(TickMs));
+    // Whoever has the whole answer may ask again before this thread goes on: it no longer counts.
+    const bool atOnce = !answer.SilentAfter && answer.DripMs == 0 && !answer.Endless;
+    if (atOnce)
+        --FNow;
     const QByteArray body = answer.Gzip ? Compress(answer.Body) : answer.Body;
     QByteArray head = "HTTP/1.1 " + QByteArray::number(answer.Status) +
                       " Status\r\nConnection: close\r\nContent-Type: " + answer.Type + "\r\n";
@@ -214,7 +218,8 @@ void TWebServer::Talk(qintptr descriptor)
         socket.write(answer.CutAfter >= 0 ? body.left(answer.CutAfter) : body);
         flush();
     }
-    --FNow;
+    if (!atOnce)
+        --FNow;
     socket.disconnectFromHost();
     if (socket.state() != QAbstractSocket::UnconnectedState)
         socket.waitForDisconnected(1000);

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "uFolderNames.h"
-#include "uMP3Options.h"
-#include "uMP3Track.h"
+#include "uImageTracks.h"
 
 #include <QString>
 
