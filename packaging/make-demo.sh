@@ -1,31 +1,38 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Makes a small music folder, a collection filled from it and settings that open it: make-demo.sh FOLDER KESTRUNE_CLI
+# Each part is made aside and moved to its place when it is whole, so that the next run goes on where one was stopped.
 set -euo pipefail
 
 demo=$1
 cli=$2
 music=$demo/music
 collection=$demo/collection.db
+part=$demo/part
+rm -rf "$part"
+mkdir -p "$part"
 
 # One release: folder, extension, artist, album, year, genre, label, ground and ink of the cover, then its tracks.
 make_release() {
     local folder=$music/$1 extension=$2 artist=$3 album=$4 year=$5 genre=$6 label=$7 ground=$8 ink=$9
     shift 9
     [ ! -d "$folder" ] || return 0
-    mkdir -p "$folder"
-    local cover=$folder/cover.jpg size=600 number=0 title
-    case $folder in */CD[0-9]) cover=$(dirname "$folder")/cover.jpg ;; esac
+    local made=$part/release size=600 number=0 title
+    mkdir "$made"
     ffmpeg -v error -f lavfi -i "color=c=$ground:s=${size}x$size" -frames:v 1 -vf \
         "drawbox=x=60:y=60:w=480:h=480:color=$ink:t=18,drawbox=x=150:y=150:w=300:h=300:color=$ink:t=fill,drawbox=x=230:y=0:w=20:h=600:color=$ground:t=fill" \
-        -y "$cover"
+        -y "$made/cover.jpg"
     for title in "$@"; do
         number=$((number + 1))
         ffmpeg -v error -f lavfi -i "sine=frequency=$((180 + number * 40 + year % 100)):duration=$((2 + number % 3))" \
             -metadata artist="$artist" -metadata album="$album" -metadata title="$title" -metadata date="$year" \
             -metadata genre="$genre" -metadata publisher="$label" -metadata label="$label" -metadata track="$number/$#" \
-            -y "$folder/$(printf '%02d' "$number") - $title.$extension"
+            -y "$made/$(printf '%02d' "$number") - $title.$extension"
     done
+    mkdir -p "$(dirname "$folder")"
+    # One cover for all discs, beside their folders.
+    case $folder in */CD[0-9]) mv "$made/cover.jpg" "$(dirname "$folder")" ;; esac
+    mv "$made" "$folder"
 }
 
 make_release "Ilva Marren - Salt Atlas (2019)" flac "Ilva Marren" "Salt Atlas" 2019 Electronic "Slow Field" 0x1B1B1F 0xC9253B \
@@ -46,12 +53,15 @@ make_release "Tomasz Orrel Quartet - Blue Ferry (1966)" mp3 "Tomasz Orrel Quarte
     "Blue Ferry" "Crossing" "Return"
 
 if [ ! -f "$collection" ]; then
-    "$cli" new "$collection"
-    "$cli" add-folder "$collection" "$music"
+    "$cli" new "$part/collection.db"
+    "$cli" add-folder "$part/collection.db" "$music"
+    mv "$part/collection.db" "$collection"
 fi
 
 settings=$XDG_CONFIG_HOME/Kestrune/Kestrune/Kestrune.ini
 if [ ! -f "$settings" ]; then
     mkdir -p "$(dirname "$settings")"
-    printf '[General]\nDBPath=%s\n' "$collection" > "$settings"
+    printf '[General]\nDBPath=%s\n' "$collection" > "$part/settings"
+    mv "$part/settings" "$settings"
 fi
+rm -rf "$part"

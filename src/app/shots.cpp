@@ -86,11 +86,10 @@ void InDialog(TKRNMainForm& form, const QString& action, const std::function<voi
 }
 
 // The search window with hits, one of them looked at, others selected or chosen.
-void SearchPictures(TDataModuleMain& data, TPrompt& prompt, const std::function<void(QWidget&, const QString&)>& save)
+void SearchPictures(TInfoGrabber& grabber, TDataModuleMain& data, TPrompt& prompt,
+                    const std::function<void(QWidget&, const QString&)>& save)
 {
     SetHttpStandIn(std::make_shared<TShotServices>());
-    TInfoGrabber grabber;
-    grabber.Parse(QDir(ProgramFile(u"InfoGrabber"_s)).filePath(u"infograbber.xml"_s));
     Defaults().SearchByArtistRelease = 7;
     TAddMusicForm form(grabber, data, prompt);
     form.Fields().Artist = u"Hask & Vane"_s;
@@ -130,7 +129,13 @@ void SearchPictures(TDataModuleMain& data, TPrompt& prompt, const std::function<
 int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    // The platform says at each dialog that it has no window manager.
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& text) {
+        if (!text.contains("propagateSizeHints"_L1))
+            std::fprintf(stderr, "%s\n", qUtf8Printable(text));
+    });
     QApplication application(argc, argv);
+    QApplication::setCursorFlashTime(0); // a caret that blinks never lets a picture settle
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 3) {
         std::fputs("Usage: kestrune-shots COLLECTION FOLDER [light|dark] [WIDTHxHEIGHT]\n", stderr);
@@ -147,7 +152,11 @@ int main(int argc, char** argv)
     TThemeController theme;
     theme.Apply(Defaults().ThemeIndex, Defaults().ColorSchemeAccentIndex);
     TDataModuleMain data(prompt);
+    TInfoGrabber grabber;
+    grabber.Parse(QDir(ProgramFile(u"InfoGrabber"_s)).filePath(u"infograbber.xml"_s));
+    TAddMusicForm online(grabber, data, prompt);
     TKRNMainForm form(data, prompt);
+    form.Adding().SetAddMusicForm(&online);
     TMainWindow window(form, theme, false);
     window.ShowRestored();
     // The offscreen desktop is small, so the window has started as on a small screen.
@@ -188,6 +197,7 @@ int main(int argc, char** argv)
         }
         InDialog(form, action, [&](QWidget& dialog) { save(SettledPicture(dialog), name); });
     }
-    SearchPictures(data, prompt, [&](QWidget& dialog, const QString& name) { save(SettledPicture(dialog), name); });
+    SearchPictures(grabber, data, prompt,
+                   [&](QWidget& dialog, const QString& name) { save(SettledPicture(dialog), name); });
     return saved ? 0 : 1;
 }
