@@ -44,7 +44,7 @@ void Ask(const TInfoGrabber& grabber, const TInfoGrabberServiceAction& action, T
     action.AddSignature(params);
     (void)params.ReplaceWithParams(action.URL(presets));
     try {
-        (void)grabber.ReadStylesheet(action);
+        (void)ReadStylesheet(grabber.Folder(), action.Tranform());
     } catch (const EInfoGrabberError&) {
         return;
     }

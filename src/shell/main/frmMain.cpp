@@ -91,7 +91,7 @@ void TKRNMainForm::FormCreate(const TMainFormHooks& hooks)
     };
     for (const auto& [name, step] : steps) {
         DebugLog(u"main window: "_s + QString::fromLatin1(name));
-        FShell.Attempt([&] { (this->*step)(hooks); });
+        FShell.Attempt([&, run = step] { (this->*run)(hooks); });
     }
     Actions().Update();
 }
