@@ -18,7 +18,10 @@ runtime=$(mktemp -d)
 chmod 700 "$runtime"
 trap 'rm -rf "$runtime"' EXIT
 export XDG_RUNTIME_DIR="$runtime" QT_QPA_PLATFORM=offscreen
-export UBSAN_OPTIONS=print_stacktrace=1 ASAN_OPTIONS=detect_stack_use_after_return=1
+# A thread-local block of a plugin that lies 16 bytes behind a page's start is taken for one of glibc 2.19 with a header
+# before it, and the leak checker dies on the size that it reads there: the blocks are not followed at all.
+export UBSAN_OPTIONS=print_stacktrace=1
+export ASAN_OPTIONS=detect_stack_use_after_return=1:intercept_tls_get_addr=0
 
 cmake --preset "$preset" >/dev/null
 cmake --build --preset "$preset"
