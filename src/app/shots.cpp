@@ -6,6 +6,7 @@
 #include "dmMain.h"
 #include "frmAddMusic.h"
 #include "frmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uMainWindow.h"
 #include "uProgramFiles.h"
@@ -60,11 +61,11 @@ bool Save(const QImage& picture, const QString& path)
 TFilterNode SampleFilter()
 {
     TFilterNode node;
-    node.Criteria.push_back({u"ReleaseYear"_s, foGreaterOrEqual, 1970, u"1970"_s});
+    node.Criteria.push_back({Col::ReleaseYear, foGreaterOrEqual, 1970, u"1970"_s});
     TFilterNode either;
     either.Logic = flAny;
-    either.Criteria.push_back({u"Genre"_s, foEquals, u"Jazz"_s, u"Jazz"_s});
-    either.Criteria.push_back({u"Label"_s, foContains, u"slow"_s, u"slow"_s});
+    either.Criteria.push_back({Col::Genre, foEquals, u"Jazz"_s, u"Jazz"_s});
+    either.Criteria.push_back({Col::Label, foContains, u"slow"_s, u"slow"_s});
     node.Groups.push_back(std::move(either));
     return node;
 }
@@ -177,7 +178,7 @@ int main(int argc, char** argv)
     }
     form.SetCurrentView(mvAlbums);
     form.Actions().Trigger(u"actDetailPanelBottom"_s);
-    form.Lists().Active().SetGrouping({u"Genre"_s});
+    form.Lists().Active().SetGrouping({Col::Genre});
     save(SettledPicture(window), u"pane-bottom"_s);
     form.Lists().Active().SetGrouping({});
     form.SetCurrentView(mvThumbs);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uCommand.h"
 #include "uDefaults.h"
 #include "uExport.h"
@@ -49,15 +50,15 @@ private:
     static std::vector<TExportColumn> Columns(const QCommandLineParser& parser, const TDataset& list, bool tracks)
     {
         QStringList names =
-            tracks ? QStringList{u"TrackNo"_s,     u"TrackTitle"_s,  u"Artist"_s,
-                                 u"TrackLength"_s, u"ReleaseName"_s, u"DiscNo"_s}
-                   : QStringList{u"No"_s,    u"Artist"_s,    u"ReleaseName"_s, u"ReleaseYear"_s, u"MediaType"_s,
-                                 u"Label"_s, u"CatalogNO"_s, u"Genre"_s,       u"Status"_s};
+            tracks ? QStringList{Col::TrackNo,     Col::TrackTitle,  Col::Artist,
+                                 Col::TrackLength, Col::ReleaseName, Col::DiscNo}
+                   : QStringList{Col::No,    Col::Artist,    Col::ReleaseName, Col::ReleaseYear, Col::MediaType,
+                                 Col::Label, Col::CatalogNO, Col::Genre,       Col::Status};
         if (parser.isSet(u"columns"_s))
             names = parser.value(u"columns"_s).split(u',', Qt::SkipEmptyParts);
         std::vector<TExportColumn> columns;
         if (parser.isSet(u"covers"_s))
-            columns.push_back({u"ThumbPicture"_s, {}});
+            columns.push_back({Col::ThumbPicture, {}});
         for (const QString& name : names) {
             const int field = list.FieldIndex(name.trimmed());
             if (field < 0)

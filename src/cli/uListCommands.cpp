@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uCommand.h"
 #include "uListOptions.h"
 #include "uReleaseText.h"
@@ -87,8 +88,8 @@ private:
     static void PrintRows(const TDataset& list, int count, bool tracks)
     {
         const QStringList columns =
-            tracks ? QStringList{u"ID"_s, u"Artist"_s, u"TrackTitle"_s, u"ReleaseName"_s, u"TrackNo"_s}
-                   : QStringList{u"ID"_s, u"Artist"_s, u"ReleaseName"_s, u"ReleaseYear"_s, u"TotalTracksCount"_s};
+            tracks ? QStringList{Col::ID, Col::Artist, Col::TrackTitle, Col::ReleaseName, Col::TrackNo}
+                   : QStringList{Col::ID, Col::Artist, Col::ReleaseName, Col::ReleaseYear, Col::TotalTracksCount};
         for (int row = 0; row < count; ++row) {
             QStringList cells;
             for (const QString& column : columns)
@@ -155,7 +156,7 @@ private:
     static QJsonArray Loans(TDataModuleMain& data, qint64 id)
     {
         QJsonArray loans;
-        const int release = data.qLoans.FieldIndex(u"ReleaseId"_s);
+        const int release = data.qLoans.FieldIndex(Col::ReleaseId);
         for (int row = 0; row < data.qLoans.RecordCount(); ++row) {
             if (data.qLoans.ValueAt(row, release).toLongLong() == id)
                 loans.append(RecordToJson(data.qLoans, row));
@@ -171,14 +172,14 @@ private:
                 PrintLine(u"%1\t%2"_s.arg(field.key(), field.value().toVariant().toString()));
         }
         for (const QJsonValue& track : object[u"tracks"_s].toArray()) {
-            const double seconds = std::nearbyint(track[u"TrackLength"_s].toDouble() * 86400.0);
-            PrintLine(u"track\t%1.%2\t%3\t%4"_s.arg(track[u"DiscNo"_s].toInt())
-                          .arg(track[u"TrackNo"_s].toInt())
-                          .arg(track[u"TrackTitle"_s].toString())
+            const double seconds = std::nearbyint(track[Col::TrackLength].toDouble() * 86400.0);
+            PrintLine(u"track\t%1.%2\t%3\t%4"_s.arg(track[Col::DiscNo].toInt())
+                          .arg(track[Col::TrackNo].toInt())
+                          .arg(track[Col::TrackTitle].toString())
                           .arg(seconds));
         }
         for (const QJsonValue& credit : object[u"credits"_s].toArray())
-            PrintLine(u"credit\t%1\t%2"_s.arg(credit[u"Musician"_s].toString(), credit[u"Instrument"_s].toString()));
+            PrintLine(u"credit\t%1\t%2"_s.arg(credit[Col::Musician].toString(), credit[Col::Instrument].toString()));
         for (const QJsonValue& picture : object[u"pictures"_s].toArray())
             PrintLine(u"picture\t%1\t%2 x %3\t%4 bytes"_s.arg(picture[u"type"_s].toString())
                           .arg(picture[u"width"_s].toInt())

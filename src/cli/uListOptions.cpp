@@ -2,6 +2,7 @@
 #include "uListOptions.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uCommand.h"
 #include "uViewFilters.h"
 
@@ -39,12 +40,12 @@ void AddFilters(const QCommandLineParser& parser, TDataModuleMain& data, TListDa
 {
     TViewFilters filters(data, list);
     if (parser.isSet(u"search"_s)) {
-        const QString by = parser.isSet(u"by"_s) ? parser.value(u"by"_s) : u"ReleaseName"_s;
+        const QString by = parser.isSet(u"by"_s) ? parser.value(u"by"_s) : Col::ReleaseName;
         filters.SetKeyword(FieldByWord(filters.Fields(), by).Column, parser.value(u"search"_s));
     }
     filters.SetLetter(parser.value(u"letter"_s));
     if (parser.isSet(u"status"_s)) {
-        if (list.FieldIndex(u"Status"_s) < 0)
+        if (list.FieldIndex(Col::Status) < 0)
             throw EUsageError(u"tracks have no status"_s);
         filters.SetStatus(parser.value(u"status"_s));
     }

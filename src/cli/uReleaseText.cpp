@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uReleaseText.h"
 
+#include "uColumnNames.h"
 #include "uCommand.h"
 
 #include <QCryptographicHash>
@@ -15,10 +16,11 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // What services tell of a release.
-constexpr const char16_t* ToldColumns[] = {
-    u"DataProvider", u"Artist",    u"ReleaseName", u"MediaType", u"ReleaseDate",   u"ReleaseYear", u"Label",
-    u"CatalogNO",    u"Barcode",   u"CountryCode", u"Genre",     u"DiscCount",     u"ASIN",        u"Price",
-    u"Currency",     u"DiscogsID", u"BuyNowLink",  u"Comments",  u"MusicBrainzID",
+constexpr TColumnName ToldColumns[] = {
+    Col::DataProvider, Col::Artist,     Col::ReleaseName, Col::MediaType,     Col::ReleaseDate,
+    Col::ReleaseYear,  Col::Label,      Col::CatalogNO,   Col::Barcode,       Col::CountryCode,
+    Col::Genre,        Col::DiscCount,  Col::ASIN,        Col::Price,         Col::Currency,
+    Col::DiscogsID,    Col::BuyNowLink, Col::Comments,    Col::MusicBrainzID,
 };
 
 QString CellOf(const QJsonValue& value) { return OneLine(value.toVariant().toString()); }
@@ -63,8 +65,8 @@ QJsonObject PictureToJson(const TCoverPicture& picture)
 QJsonObject ReleaseToJson(const TAlbumRelease& release)
 {
     QJsonObject fields;
-    for (const char16_t* column : ToldColumns)
-        fields.insert(QString::fromUtf16(column), ToJson(release.GetItem2(QString::fromUtf16(column))));
+    for (const TColumnName column : ToldColumns)
+        fields.insert(column, ToJson(release.GetItem2(column)));
     QJsonArray tracks;
     for (const TAlbumTrack& track : release.Tracks)
         tracks.append(QJsonObject{{u"disc"_s, track.DiscNo},

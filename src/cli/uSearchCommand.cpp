@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uCommand.h"
 #include "uDefaults.h"
 #include "uDiscOptions.h"
@@ -307,7 +308,7 @@ private:
     {
         QJsonObject object{{u"service"_s, service}, {u"id"_s, hit.ReleaseInternalID}};
         for (const auto& [key, column] : HitColumns)
-            object.insert(QString::fromUtf16(key), ToJson(hit.GetItem2(QString::fromUtf16(column))));
+            object.insert(QString::fromUtf16(key), ToJson(hit.GetItem2(column)));
         QJsonArray pictures;
         for (const auto& picture : hit.Pictures)
             pictures.append(
@@ -368,8 +369,8 @@ private:
         }
         data.AddAlbumReleaseToDB(*release, false);
         const qint64 id = data.LastAddedReleaseID();
-        const QString artist = VarToStr(release->GetItem2(u"Artist"_s));
-        const QString title = VarToStr(release->GetItem2(u"ReleaseName"_s));
+        const QString artist = VarToStr(release->GetItem2(Col::Artist));
+        const QString title = VarToStr(release->GetItem2(Col::ReleaseName));
         QJsonObject details;
         if (parser.isSet(u"details"_s))
             details = ReleaseToJson(*release);
@@ -389,10 +390,10 @@ private:
     }
 
     // Behind service and ID, in the order of the line.
-    static constexpr std::pair<const char16_t*, const char16_t*> HitColumns[] = {
-        {u"artist", u"Artist"},       {u"title", u"ReleaseName"},   {u"year", u"ReleaseYear"},
-        {u"label", u"Label"},         {u"catalogNo", u"CatalogNo"}, {u"barcode", u"Barcode"},
-        {u"country", u"CountryCode"}, {u"mediaType", u"MediaType"}};
+    static constexpr std::pair<const char16_t*, TColumnName> HitColumns[] = {
+        {u"artist", Col::Artist},       {u"title", Col::ReleaseName},   {u"year", Col::ReleaseYear},
+        {u"label", Col::Label},         {u"catalogNo", Col::CatalogNO}, {u"barcode", Col::Barcode},
+        {u"country", Col::CountryCode}, {u"mediaType", Col::MediaType}};
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uObjs.h"
 
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uDictionaries.h"
 
@@ -167,8 +168,8 @@ void TAlbumRelease::Merge(const TAlbumRelease& from, bool newIsBetter)
 
 QString TAlbumRelease::GetDisplayValue() const
 {
-    QString text = VarToStr(GetItem2(u"Artist"_s)) + u" - "_s + VarToStr(GetItem2(u"ReleaseName"_s));
-    if (const TVariant year = GetItem2(u"ReleaseYear"_s); !VarIsNull(year))
+    QString text = VarToStr(GetItem2(Col::Artist)) + u" - "_s + VarToStr(GetItem2(Col::ReleaseName));
+    if (const TVariant year = GetItem2(Col::ReleaseYear); !VarIsNull(year))
         text += u" (%1)"_s.arg(VarToStr(year));
     return text;
 }

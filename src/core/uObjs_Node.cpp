@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uObjs.h"
 #include "uXml.h"
@@ -13,30 +14,30 @@ enum class TNodeValueKind : quint8 { Text, Int32, Int64, Double };
 
 struct TNodeAttribute {
     const char16_t* Attribute;
-    const char16_t* Key;
+    TColumnName Key;
     TNodeValueKind Kind;
     bool KeepsWhenAbsent;
 };
 
 constexpr TNodeAttribute LeadingAttributes[] = {
-    {u"DATAPROVIDER", u"DataProvider", TNodeValueKind::Text, true},
-    {u"DISCOGS_ID", u"DiscogsID", TNodeValueKind::Int64, false},
-    {u"MUSICBRAINZ_ID", u"MusicBrainzID", TNodeValueKind::Text, true},
-    {u"ARTIST", u"Artist", TNodeValueKind::Text, true},
-    {u"RELEASE_TITLE", u"ReleaseName", TNodeValueKind::Text, true},
-    {u"RELEASE_TYPE", u"MediaType", TNodeValueKind::Text, true},
-    {u"ASIN", u"ASIN", TNodeValueKind::Text, true},
-    {u"LABEL", u"Label", TNodeValueKind::Text, true},
-    {u"CURRENCY", u"Currency", TNodeValueKind::Text, true},
-    {u"EAN", u"Barcode", TNodeValueKind::Text, true},
-    {u"CATALOG_NO", u"CatalogNo", TNodeValueKind::Text, true},
-    {u"RELEASE_DATE", u"ReleaseDate", TNodeValueKind::Text, true},
-    {u"RELEASE_YEAR", u"ReleaseYear", TNodeValueKind::Int32, true},
+    {u"DATAPROVIDER", Col::DataProvider, TNodeValueKind::Text, true},
+    {u"DISCOGS_ID", Col::DiscogsID, TNodeValueKind::Int64, false},
+    {u"MUSICBRAINZ_ID", Col::MusicBrainzID, TNodeValueKind::Text, true},
+    {u"ARTIST", Col::Artist, TNodeValueKind::Text, true},
+    {u"RELEASE_TITLE", Col::ReleaseName, TNodeValueKind::Text, true},
+    {u"RELEASE_TYPE", Col::MediaType, TNodeValueKind::Text, true},
+    {u"ASIN", Col::ASIN, TNodeValueKind::Text, true},
+    {u"LABEL", Col::Label, TNodeValueKind::Text, true},
+    {u"CURRENCY", Col::Currency, TNodeValueKind::Text, true},
+    {u"EAN", Col::Barcode, TNodeValueKind::Text, true},
+    {u"CATALOG_NO", Col::CatalogNO, TNodeValueKind::Text, true},
+    {u"RELEASE_DATE", Col::ReleaseDate, TNodeValueKind::Text, true},
+    {u"RELEASE_YEAR", Col::ReleaseYear, TNodeValueKind::Int32, true},
 };
 
 constexpr TNodeAttribute MiddleAttributes[] = {
-    {u"GENRE", u"Genre", TNodeValueKind::Text, true},
-    {u"NOTES", u"Comments", TNodeValueKind::Text, true},
+    {u"GENRE", Col::Genre, TNodeValueKind::Text, true},
+    {u"NOTES", Col::Comments, TNodeValueKind::Text, true},
 };
 
 struct TImageTypeName {
@@ -74,7 +75,7 @@ TVariant ReadAttribute(const TXmlElement& node, const QString& name, TNodeValueK
 
 void ReadAttributeInto(TAlbumRelease& release, const TXmlElement& node, const TNodeAttribute& row)
 {
-    const QString key = QString::fromUtf16(row.Key);
+    const QString key = row.Key;
     const TVariant absent = row.KeepsWhenAbsent ? release.GetItem2(key) : TVariant();
     release.SetItem2(key, ReadAttribute(node, QString::fromUtf16(row.Attribute), row.Kind, absent));
 }
@@ -93,15 +94,15 @@ void ReadCountry(TAlbumRelease& release, const TXmlElement& node)
     TVariant code = NormalizeCountry(AttributeText(node, u"COUNTRY"_s));
     if (VarIsNull(code))
         code = NormalizeCountry(AttributeText(node, u"COUNTRY_TEXT"_s));
-    release.SetItem2(u"CountryCode"_s, code);
+    release.SetItem2(Col::CountryCode, code);
 }
 
 void MakeShopLink(TAlbumRelease& release)
 {
-    const TVariant asin = release.GetItem2(u"ASIN"_s);
+    const TVariant asin = release.GetItem2(Col::ASIN);
     if (VarIsNull(asin))
         return;
-    release.SetItem2(u"BuyNowLink"_s, u"https://www.amazon%1/exec/obidos/ASIN/%2/%3"_s.arg(
+    release.SetItem2(Col::BuyNowLink, u"https://www.amazon%1/exec/obidos/ASIN/%2/%3"_s.arg(
                                           u".com"_s, VarToStr(asin), Defaults().OEM.AmazonAffiliateName));
 }
 
@@ -150,7 +151,7 @@ void ReadTracks(TAlbumRelease& release, const TXmlElement& node)
     if (list.IsNull())
         return;
     release.Tracks.clear();
-    const QString artist = VarToStr(release.GetItem2(u"Artist"_s));
+    const QString artist = VarToStr(release.GetItem2(Col::Artist));
     for (const TXmlElement& child : list.Children()) {
         if (child.Name().toLower() == "track"_L1)
             release.Tracks.push_back(ReadTrack(child, artist));
@@ -186,10 +187,10 @@ void LoadAlbumReleaseFromNode(TAlbumRelease& release, const TXmlElement& node)
     for (const TNodeAttribute& row : MiddleAttributes)
         ReadAttributeInto(release, node, row);
     MakeShopLink(release);
-    ReadAttributeInto(release, node, {u"NUMBEROFDISCS", u"DiscCount", TNodeValueKind::Text, true});
-    if (VarIsNull(release.GetItem2(u"DiscCount"_s)))
-        release.SetItem2(u"DiscCount"_s, 1);
-    ReadAttributeInto(release, node, {u"PRICE", u"Price", TNodeValueKind::Double, true});
+    ReadAttributeInto(release, node, {u"NUMBEROFDISCS", Col::DiscCount, TNodeValueKind::Text, true});
+    if (VarIsNull(release.GetItem2(Col::DiscCount)))
+        release.SetItem2(Col::DiscCount, 1);
+    ReadAttributeInto(release, node, {u"PRICE", Col::Price, TNodeValueKind::Double, true});
 
     ReadTexts(node, u"Genres"_s, release.Genres);
     ReadTexts(node, u"ReleaseTypes"_s, release.MediaTypes);

@@ -2,6 +2,7 @@
 #include "dmMain.h"
 
 #include "uArticles.h"
+#include "uColumnNames.h"
 #include "uDatasetDefs.h"
 #include "uDefaults.h"
 #include "uTHStrings.h"
@@ -170,9 +171,9 @@ void TDataModuleMain::ApplyArticleSettings()
     QStringList columns;
     if (settings.ArticlesEnabled && settings.ArticlesSortWithout) {
         if (settings.ArticlesFieldArtist)
-            columns << u"Artist"_s << u"ReleaseArtist"_s;
+            columns << Col::Artist << Col::ReleaseArtist;
         if (settings.ArticlesFieldReleaseName)
-            columns << u"ReleaseName"_s;
+            columns << Col::ReleaseName;
     }
     qReleasesMain.SetArticleColumns(columns);
     qTracksAll.SetArticleColumns(columns);
@@ -181,8 +182,8 @@ void TDataModuleMain::ApplyArticleSettings()
 QString TDataModuleMain::DisplayText(const QString& fieldName, const QString& text)
 {
     const TDefaults& settings = Defaults();
-    const bool covered = (fieldName == "Artist"_L1 && settings.ArticlesFieldArtist) ||
-                         (fieldName == "ReleaseName"_L1 && settings.ArticlesFieldReleaseName);
+    const bool covered = (fieldName == Col::Artist && settings.ArticlesFieldArtist) ||
+                         (fieldName == Col::ReleaseName && settings.ArticlesFieldReleaseName);
     return settings.ArticlesEnabled && covered
                ? ApplyArticleDisplay(text, settings.ArticlesList, settings.ArticlesDisplayMode)
                : text;

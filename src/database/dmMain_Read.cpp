@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 
 #include <algorithm>
@@ -11,20 +12,20 @@ using namespace Qt::StringLiterals;
 namespace {
 
 struct TPictureSource {
-    const char16_t* Column;
+    TColumnName Column;
     TCoverPictureType Type;
 };
 
 constexpr TPictureSource PictureSources[] = {
-    {u"LargePicture", cptFrontLarge}, {u"LargePictureBack", cptBackLarge}, {u"LargePictureMedia", cptMediaLarge},
-    {u"ThumbPicture", cptFrontThumb}, {u"ThumbPictureBack", cptBackThumb}, {u"ThumbPictureMedia", cptMediaThumb},
+    {Col::LargePicture, cptFrontLarge}, {Col::LargePictureBack, cptBackLarge}, {Col::LargePictureMedia, cptMediaLarge},
+    {Col::ThumbPicture, cptFrontThumb}, {Col::ThumbPictureBack, cptBackThumb}, {Col::ThumbPictureMedia, cptMediaThumb},
 };
 
 std::vector<TAlbumCredit> ReadCredits(TDataset& cursor)
 {
     std::vector<TAlbumCredit> credits;
-    const int musician = cursor.FieldIndex(u"Musician"_s);
-    const int instrument = cursor.FieldIndex(u"Instrument"_s);
+    const int musician = cursor.FieldIndex(Col::Musician);
+    const int instrument = cursor.FieldIndex(Col::Instrument);
     for (int row = 0; row < cursor.RecordCount(); ++row)
         credits.push_back(
             TAlbumCredit::Make(VarToStr(cursor.ValueAt(row, musician)), VarToStr(cursor.ValueAt(row, instrument))));
@@ -38,26 +39,26 @@ TAlbumTrack ReadTrack(const TDataset& cursor, int row)
     const auto text = [&](const QString& name) { return VarToStr(value(name)); };
     const auto number = [&](const QString& name) { return static_cast<int>(VarToInt64(value(name)).toLongLong()); };
     TAlbumTrack track;
-    track.TrackNo = number(u"TrackNo"_s);
-    track.TrackName = text(u"TrackTitle"_s);
-    track.TrackArtist = text(u"Artist"_s);
-    track.TrackGenre = text(u"Genre"_s);
-    track.DurationSec = static_cast<int>(RoundHalfEven(value(u"TrackLength"_s).toDouble() * 86400.0));
-    track.DiscNo = number(u"DiscNo"_s);
-    track.BPM = number(u"BPM"_s);
-    track.Bitrate = number(u"Bitrate"_s);
-    track.Lyrics = text(u"Lyrics"_s);
-    track.Comments = text(u"Comments"_s);
-    track.Filepath = text(u"FilePath"_s);
-    track.Filetype = text(u"FileType"_s);
-    track.Side = text(u"Side"_s);
-    track.Composer = text(u"Composer"_s);
-    track.Composition = text(u"Composition"_s);
-    track.Conductor = text(u"Conductor"_s);
-    track.Orchestra = text(u"Orchestra"_s);
-    track.Chorus = text(u"Chorus"_s);
-    track.IsRemix = VarToBool(value(u"IsRemix"_s));
-    track.IsCover = VarToBool(value(u"IsCover"_s));
+    track.TrackNo = number(Col::TrackNo);
+    track.TrackName = text(Col::TrackTitle);
+    track.TrackArtist = text(Col::Artist);
+    track.TrackGenre = text(Col::Genre);
+    track.DurationSec = static_cast<int>(RoundHalfEven(value(Col::TrackLength).toDouble() * 86400.0));
+    track.DiscNo = number(Col::DiscNo);
+    track.BPM = number(Col::BPM);
+    track.Bitrate = number(Col::Bitrate);
+    track.Lyrics = text(Col::Lyrics);
+    track.Comments = text(Col::Comments);
+    track.Filepath = text(Col::FilePath);
+    track.Filetype = text(Col::FileType);
+    track.Side = text(Col::Side);
+    track.Composer = text(Col::Composer);
+    track.Composition = text(Col::Composition);
+    track.Conductor = text(Col::Conductor);
+    track.Orchestra = text(Col::Orchestra);
+    track.Chorus = text(Col::Chorus);
+    track.IsRemix = VarToBool(value(Col::IsRemix));
+    track.IsCover = VarToBool(value(Col::IsCover));
     return track;
 }
 
@@ -90,7 +91,7 @@ TAlbumRelease TDataModuleMain::ToAlbumRelease(TReleaseCursors& cursors)
             release.SetItem2(field.Name, value);
     }
     for (const TPictureSource& source : PictureSources) {
-        const TVariant bytes = cursors.Info.Value(QString::fromUtf16(source.Column));
+        const TVariant bytes = cursors.Info.Value(source.Column);
         if (!VarIsNull(bytes))
             release.AddPicture(source.Type).LoadStored(bytes.toByteArray());
     }
@@ -100,7 +101,7 @@ TAlbumRelease TDataModuleMain::ToAlbumRelease(TReleaseCursors& cursors)
         release.Tracks.back().Credits = ReadCredits(cursors.TrackCredits);
     }
     release.Credits = ReadCredits(cursors.Credits);
-    const int picture = cursors.Pictures.FieldIndex(u"Picture"_s);
+    const int picture = cursors.Pictures.FieldIndex(Col::Picture);
     for (int row = 0; row < cursors.Pictures.RecordCount(); ++row) {
         const TVariant bytes = cursors.Pictures.ValueAt(row, picture);
         if (!VarIsNull(bytes))
@@ -144,7 +145,7 @@ std::vector<qint64> TDataModuleMain::ReleasesByTitle(const QString& beginning)
         FConnection.Cached(u"SELECT ID, ReleaseName FROM Releases2 WHERE ReleaseName LIKE ? ESCAPE '\\'"_s);
     query.Bind(1, asStored ? pattern : u'%' + pattern);
     while (query.Step()) {
-        const QString title = DisplayText(u"ReleaseName"_s, VarToStr(query.Column(1)));
+        const QString title = DisplayText(Col::ReleaseName, VarToStr(query.Column(1)));
         if (title.startsWith(beginning, Qt::CaseInsensitive))
             ids.push_back(query.ColumnInt64(0));
     }

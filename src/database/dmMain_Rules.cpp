@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uTHStrings.h"
 
@@ -17,9 +18,9 @@ namespace {
 QString NowText() { return QDateTime::currentDateTime().toString(u"yyyy-MM-dd hh:mm:ss"_s); }
 
 // `Rating` follows `Rating_Calc` when that is set, so a rating that somebody else gave meanwhile stays.
-void PostTime(TDataset& cursor) { cursor.SetValue(u"LastModified"_s, NowText()); }
+void PostTime(TDataset& cursor) { cursor.SetValue(Col::LastModified, NowText()); }
 
-void SetAdded(TDataset& cursor) { cursor.SetValue(u"DateAdded"_s, NowText()); }
+void SetAdded(TDataset& cursor) { cursor.SetValue(Col::DateAdded, NowText()); }
 
 bool IsZero(const TVariant& value)
 {
@@ -72,46 +73,46 @@ TVariant ConvertToKind(const TVariant& value, TFieldKind kind)
 }
 
 struct TDefaultRow {
-    QLatin1StringView Field;
+    TColumnName Field;
     TVariant (*Value)(const TDefaultValues& values);
 };
 
 constexpr TDefaultRow DefaultRows[] = {
-    {"Currency"_L1, [](const TDefaultValues& values) { return TVariant(values.Currency); }},
-    {"Quantity"_L1, [](const TDefaultValues& values) { return TVariant(values.Quantity); }},
-    {"CountryCode"_L1, [](const TDefaultValues& values) { return TVariant(values.Country); }},
-    {"MediaType"_L1, [](const TDefaultValues& values) { return TVariant(values.MediaType); }},
-    {"Rating_Calc"_L1, [](const TDefaultValues& values) { return TVariant(values.Rating / 2.0); }},
-    {"Condition"_L1, [](const TDefaultValues& values) { return TVariant(values.Condition); }},
-    {"ConditionMedia"_L1, [](const TDefaultValues& values) { return TVariant(values.MediaCondition); }},
-    {"Status"_L1, [](const TDefaultValues& values) { return TVariant(values.Status); }},
-    {"OwnerId"_L1, [](const TDefaultValues& values) { return TVariant(values.Owner); }},
-    {"Channels"_L1, [](const TDefaultValues& values) { return TVariant(values.Channels); }},
-    {"Genre"_L1, [](const TDefaultValues& values) { return TVariant(values.Genre); }},
-    {"Spars"_L1, [](const TDefaultValues& values) { return TVariant(values.Spars); }},
-    {"PurchaseStore"_L1, [](const TDefaultValues& values) { return TVariant(values.PurchaseStore); }},
-    {"Location"_L1, [](const TDefaultValues& values) { return TVariant(values.Location); }},
-    {"IsLive"_L1, [](const TDefaultValues& values) { return TVariant(values.IsLive); }},
-    {"IsRare"_L1, [](const TDefaultValues& values) { return TVariant(values.IsRare); }},
+    {Col::Currency, [](const TDefaultValues& values) { return TVariant(values.Currency); }},
+    {Col::Quantity, [](const TDefaultValues& values) { return TVariant(values.Quantity); }},
+    {Col::CountryCode, [](const TDefaultValues& values) { return TVariant(values.Country); }},
+    {Col::MediaType, [](const TDefaultValues& values) { return TVariant(values.MediaType); }},
+    {Col::Rating_Calc, [](const TDefaultValues& values) { return TVariant(values.Rating / 2.0); }},
+    {Col::Condition, [](const TDefaultValues& values) { return TVariant(values.Condition); }},
+    {Col::ConditionMedia, [](const TDefaultValues& values) { return TVariant(values.MediaCondition); }},
+    {Col::Status, [](const TDefaultValues& values) { return TVariant(values.Status); }},
+    {Col::OwnerId, [](const TDefaultValues& values) { return TVariant(values.Owner); }},
+    {Col::Channels, [](const TDefaultValues& values) { return TVariant(values.Channels); }},
+    {Col::Genre, [](const TDefaultValues& values) { return TVariant(values.Genre); }},
+    {Col::Spars, [](const TDefaultValues& values) { return TVariant(values.Spars); }},
+    {Col::PurchaseStore, [](const TDefaultValues& values) { return TVariant(values.PurchaseStore); }},
+    {Col::Location, [](const TDefaultValues& values) { return TVariant(values.Location); }},
+    {Col::IsLive, [](const TDefaultValues& values) { return TVariant(values.IsLive); }},
+    {Col::IsRare, [](const TDefaultValues& values) { return TVariant(values.IsRare); }},
 };
 
 void NewRelease(TDataset& cursor)
 {
-    cursor.SetValue(u"ReleaseName"_s, GetLanguageString(u"cSReleasesFieldReleaseName"_s));
+    cursor.SetValue(Col::ReleaseName, GetLanguageString(u"cSReleasesFieldReleaseName"_s));
     SetAdded(cursor);
 }
 
 void PostRelease(TDataset& cursor)
 {
     PostTime(cursor);
-    for (const QString& field : {u"ReleaseDate"_s, u"ReleaseYear"_s, u"DateAdded"_s})
+    for (const TColumnName field : {Col::ReleaseDate, Col::ReleaseYear, Col::DateAdded})
         ClearZero(cursor, field);
 }
 
 void NewTrack(TDataset& cursor, const TVariant& release)
 {
-    cursor.SetValue(u"ReleaseId"_s, release);
-    cursor.SetValue(u"TrackLength"_s, 0.0);
+    cursor.SetValue(Col::ReleaseId, release);
+    cursor.SetValue(Col::TrackLength, 0.0);
     SetAdded(cursor);
 }
 
@@ -126,7 +127,7 @@ bool CountsAsEmpty(const TVariant& value)
 
 bool TDataModuleMain::IsFieldAssignable(const TFieldDef& field)
 {
-    return !field.AutoIncrement && !field.ReadOnly && field.Kind != fkBlob && field.Name != "Rating"_L1 &&
+    return !field.AutoIncrement && !field.ReadOnly && field.Kind != fkBlob && field.Name != Col::Rating &&
            field.Name != "Release"_L1;
 }
 
@@ -185,12 +186,12 @@ void TDataModuleMain::SetReleaseRules(TReleaseCursors& cursors)
     cursors.Info.AfterInsert = NewRelease;
     cursors.Info.BeforePost = PostRelease;
     cursors.Info.OnFieldChanged = [this](TDataset& cursor, int field) {
-        if (field != cursor.FieldIndex(u"LargePicture"_s))
+        if (field != cursor.FieldIndex(Col::LargePicture))
             return;
         const QByteArray thumb = ThumbnailOf(cursor.Value(field).toByteArray());
         // A thumbnail that came with the release is better than none for a picture that does not decode.
         if (!thumb.isEmpty() || !FReleaseInWork)
-            cursor.SetValue(u"ThumbPicture"_s, thumb.isEmpty() ? TVariant() : TVariant(thumb));
+            cursor.SetValue(Col::ThumbPicture, thumb.isEmpty() ? TVariant() : TVariant(thumb));
     };
     cursors.Tracks.AfterInsert = [&tracks = cursors.Tracks](TDataset& cursor) { NewTrack(cursor, tracks.Param()); };
     cursors.Tracks.BeforePost = PostTime;
@@ -200,9 +201,9 @@ void TDataModuleMain::SetReleaseRules(TReleaseCursors& cursors)
                 cursor.SetValue(column, parent);
         };
     };
-    setParent(cursors.Credits, u"ReleaseId"_s);
-    setParent(cursors.Pictures, u"ReleaseId"_s);
-    setParent(cursors.TrackCredits, u"TrackId"_s);
+    setParent(cursors.Credits, Col::ReleaseId);
+    setParent(cursors.Pictures, Col::ReleaseId);
+    setParent(cursors.TrackCredits, Col::TrackId);
 }
 
 } // namespace Kestrune

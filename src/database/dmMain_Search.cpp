@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "uColumnNames.h"
 
 namespace Kestrune {
 
@@ -14,7 +15,7 @@ QString TextsOf(std::span<const TColumnDef> columns, const QString& alias, const
 {
     QStringList terms;
     for (const TColumnDef& column : columns) {
-        const QString name = QString::fromLatin1(column.Name);
+        const QString name = column.Name;
         const bool text = column.Kind == fkString || column.Kind == fkMemo;
         if (text && !leftOut.contains(name))
             terms << u"ifnull(%1.\"%2\" || ' ', '')"_s.arg(alias, name);
@@ -24,10 +25,10 @@ QString TextsOf(std::span<const TColumnDef> columns, const QString& alias, const
 
 QString SearchTextSQL()
 {
-    const QString release = TextsOf(ReleaseColumns(), u"R"_s, {u"FolderPath"_s, u"Link"_s, u"BuyNowLink"_s});
+    const QString release = TextsOf(ReleaseColumns(), u"R"_s, {Col::FolderPath, Col::Link, Col::BuyNowLink});
     // Numbers that people know their records by.
     const QString numbers = u"ifnull(R.ReleaseYear || ' ', '') || ifnull(R.No || ' ', '')"_s;
-    const QString tracks = TextsOf(TrackColumns(), u"T"_s, {u"FilePath"_s, u"FileType"_s, u"Lyrics"_s, u"Side"_s});
+    const QString tracks = TextsOf(TrackColumns(), u"T"_s, {Col::FilePath, Col::FileType, Col::Lyrics, Col::Side});
     return u"SELECT R.ID, %1 || %2 || ifnull((SELECT group_concat(%3, ' ') FROM Tracks2 T WHERE T.ReleaseId = R.ID), "
            u"'')"
            " || ' ' || ifnull((SELECT group_concat(M.Musician, ' ') FROM Musicians2 M WHERE M.ReleaseId = R.ID), '')"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uTHStrings.h"
 #include "uThreads.h"
 
@@ -16,37 +17,37 @@ namespace {
 
 struct TPictureColumn {
     TCoverPictureType Type;
-    const char16_t* Column;
+    TColumnName Column;
 };
 
 constexpr TPictureColumn ThumbColumns[] = {
-    {cptFrontThumb, u"ThumbPicture"}, {cptBackThumb, u"ThumbPictureBack"}, {cptMediaThumb, u"ThumbPictureMedia"}};
+    {cptFrontThumb, Col::ThumbPicture}, {cptBackThumb, Col::ThumbPictureBack}, {cptMediaThumb, Col::ThumbPictureMedia}};
 constexpr TPictureColumn LargeColumns[] = {
-    {cptFrontLarge, u"LargePicture"}, {cptBackLarge, u"LargePictureBack"}, {cptMediaLarge, u"LargePictureMedia"}};
+    {cptFrontLarge, Col::LargePicture}, {cptBackLarge, Col::LargePictureBack}, {cptMediaLarge, Col::LargePictureMedia}};
 
 struct TTrackText {
-    const char16_t* Column;
+    TColumnName Column;
     QString TAlbumTrack::*Field;
 };
 
 constexpr TTrackText TrackTexts[] = {
-    {u"TrackTitle", &TAlbumTrack::TrackName}, {u"FilePath", &TAlbumTrack::Filepath},
-    {u"FileType", &TAlbumTrack::Filetype},    {u"Lyrics", &TAlbumTrack::Lyrics},
-    {u"Comments", &TAlbumTrack::Comments},    {u"Side", &TAlbumTrack::Side},
-    {u"Composer", &TAlbumTrack::Composer},    {u"Composition", &TAlbumTrack::Composition},
-    {u"Conductor", &TAlbumTrack::Conductor},  {u"Orchestra", &TAlbumTrack::Orchestra},
-    {u"Chorus", &TAlbumTrack::Chorus},
+    {Col::TrackTitle, &TAlbumTrack::TrackName}, {Col::FilePath, &TAlbumTrack::Filepath},
+    {Col::FileType, &TAlbumTrack::Filetype},    {Col::Lyrics, &TAlbumTrack::Lyrics},
+    {Col::Comments, &TAlbumTrack::Comments},    {Col::Side, &TAlbumTrack::Side},
+    {Col::Composer, &TAlbumTrack::Composer},    {Col::Composition, &TAlbumTrack::Composition},
+    {Col::Conductor, &TAlbumTrack::Conductor},  {Col::Orchestra, &TAlbumTrack::Orchestra},
+    {Col::Chorus, &TAlbumTrack::Chorus},
 };
 
 struct TTrackFlag {
-    const char16_t* Column;
+    TColumnName Column;
     bool TAlbumTrack::*Field;
 };
 
 constexpr TTrackFlag TrackFlags[] = {
-    {u"IsRemix", &TAlbumTrack::IsRemix},   {u"IsCover", &TAlbumTrack::IsCover},
-    {u"IsLive", &TAlbumTrack::IsLive},     {u"IsBlank", &TAlbumTrack::IsBlank},
-    {u"IsHidden", &TAlbumTrack::IsHidden}, {u"IsInstrumental", &TAlbumTrack::IsInstrumental},
+    {Col::IsRemix, &TAlbumTrack::IsRemix},   {Col::IsCover, &TAlbumTrack::IsCover},
+    {Col::IsLive, &TAlbumTrack::IsLive},     {Col::IsBlank, &TAlbumTrack::IsBlank},
+    {Col::IsHidden, &TAlbumTrack::IsHidden}, {Col::IsInstrumental, &TAlbumTrack::IsInstrumental},
 };
 
 TVariant TextOrNull(const QString& text) { return text.isEmpty() ? TVariant() : TVariant(text); }
@@ -56,7 +57,7 @@ void CopyPictures(const TAlbumRelease& release, TDataset& cursor, std::span<cons
     for (const TPictureColumn& column : columns) {
         const TCoverPicture* picture = release.GetPicByType(column.Type);
         if (picture && picture->HasImage())
-            cursor.SetValue(QString::fromUtf16(column.Column), picture->Bytes());
+            cursor.SetValue(column.Column, picture->Bytes());
     }
 }
 
@@ -64,15 +65,15 @@ void CopyPictures(const TAlbumRelease& release, TDataset& cursor, std::span<cons
 struct TTrackFieldIndex {
     explicit TTrackFieldIndex(const TDataset& cursor)
     {
-        const auto at = [&](const char16_t* name) { return cursor.FieldIndex(QString::fromUtf16(name)); };
-        Artist = at(u"Artist");
-        TrackNo = at(u"TrackNo");
-        DiscNo = at(u"DiscNo");
-        TrackLength = at(u"TrackLength");
-        Bitrate = at(u"Bitrate");
-        Rating = at(u"Rating");
-        Genre = at(u"Genre");
-        BPM = at(u"BPM");
+        const auto at = [&](const QString& name) { return cursor.FieldIndex(name); };
+        Artist = at(Col::Artist);
+        TrackNo = at(Col::TrackNo);
+        DiscNo = at(Col::DiscNo);
+        TrackLength = at(Col::TrackLength);
+        Bitrate = at(Col::Bitrate);
+        Rating = at(Col::Rating);
+        Genre = at(Col::Genre);
+        BPM = at(Col::BPM);
         for (size_t i = 0; i < std::size(TrackTexts); ++i)
             Texts[i] = at(TrackTexts[i].Column);
         for (size_t i = 0; i < std::size(TrackFlags); ++i)
@@ -97,18 +98,18 @@ void FillTrack(TDataset& cursor, const TTrackFieldIndex& fields, const TAlbumTra
     if (track.Bitrate > 0)
         cursor.SetValue(fields.Bitrate, track.Bitrate);
     cursor.SetValue(fields.Rating,
-                    track.Rating >= 1 ? TVariant(track.Rating) : TDataModuleMain::ApplyDefaultValue(0, u"Rating"_s));
+                    track.Rating >= 1 ? TVariant(track.Rating) : TDataModuleMain::ApplyDefaultValue(0, Col::Rating));
     cursor.SetValue(fields.Genre, TextOrNull(track.TrackGenre.isEmpty() ? releaseGenre : track.TrackGenre));
     cursor.SetValue(fields.BPM,
-                    track.BPM != 0 ? TVariant(track.BPM) : TDataModuleMain::ApplyDefaultValue(TVariant(), u"BPM"_s));
+                    track.BPM != 0 ? TVariant(track.BPM) : TDataModuleMain::ApplyDefaultValue(TVariant(), Col::BPM));
 }
 
 void StoreCredits(TDataset& cursor, const std::vector<TAlbumCredit>& credits)
 {
     for (const TAlbumCredit& credit : credits) {
         cursor.Append();
-        cursor.SetValue(u"Musician"_s, TextOrNull(credit.Musician));
-        cursor.SetValue(u"Instrument"_s, TextOrNull(credit.Credit));
+        cursor.SetValue(Col::Musician, TextOrNull(credit.Musician));
+        cursor.SetValue(Col::Instrument, TextOrNull(credit.Credit));
         cursor.Post();
     }
 }
@@ -163,8 +164,8 @@ qint64 TDataModuleMain::StoreMainRow(const TAlbumRelease& release, bool assignNe
         if (field >= 0 && !keepsText)
             AssignFieldValue(cursor, field, value);
     }
-    if (assignNewNo || VarIsNull(cursor.Value(u"No"_s)))
-        cursor.SetValue(u"No"_s, FConnection.Scalar(u"select ifnull(max(no)+1, 1) as No from releases2"_s));
+    if (assignNewNo || VarIsNull(cursor.Value(Col::No)))
+        cursor.SetValue(Col::No, FConnection.Scalar(u"select ifnull(max(no)+1, 1) as No from releases2"_s));
     // The thumbnails that came first: the large front picture makes its own.
     CopyPictures(release, cursor, ThumbColumns);
     CopyPictures(release, cursor, LargeColumns);
@@ -179,7 +180,7 @@ void TDataModuleMain::StorePictures(const TAlbumRelease& release)
         if (picture->PictureType() != cptOther || !picture->HasImage() || dot)
             continue;
         FStored.Pictures.Append();
-        FStored.Pictures.SetValue(u"Picture"_s, picture->Bytes());
+        FStored.Pictures.SetValue(Col::Picture, picture->Bytes());
         FStored.Pictures.Post();
     }
 }
@@ -189,8 +190,8 @@ void TDataModuleMain::StoreTracks(const TAlbumRelease& release)
     if (release.Tracks.empty())
         return;
     const TTrackFieldIndex fields(FStored.Tracks);
-    const QString artist = VarToStr(release.GetItem2(u"Artist"_s));
-    const QString genre = VarToStr(ApplyDefaultValue(release.GetItem2(u"Genre"_s), u"Genre"_s));
+    const QString artist = VarToStr(release.GetItem2(Col::Artist));
+    const QString genre = VarToStr(ApplyDefaultValue(release.GetItem2(Col::Genre), Col::Genre));
     for (const TAlbumTrack& track : release.Tracks) {
         FStored.Tracks.Append();
         FillTrack(FStored.Tracks, fields, track, artist, genre);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uColumnNames.h"
+
 #include <QString>
 
 #include <span>
@@ -20,7 +22,7 @@ using enum TColumnFlag;
 
 /// One column of a table, as the file declares it.
 struct TColumnDef {
-    const char* Name;
+    TColumnName Name;
     TFieldKind Kind;
     int Size;             ///< longest text that editors allow, 0 for no limit
     const char* LabelKey; ///< language key of the caption, empty for internal columns

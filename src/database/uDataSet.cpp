@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDataSet.h"
 
+#include "uColumnNames.h"
 #include "uTHStrings.h"
 
 #include <QDateTime>
@@ -45,8 +46,8 @@ TDataset::TDataset(TSQLiteConnection& connection, TDatasetDef def) : FConnection
         if (!field.Expression.isEmpty() && !field.Lazy)
             FSelected.push_back(i);
     }
-    FRatingField = FieldIndex(u"Rating"_s);
-    FRatingCalcField = FieldIndex(u"Rating_Calc"_s);
+    FRatingField = FieldIndex(Col::Rating);
+    FRatingCalcField = FieldIndex(Col::Rating_Calc);
     FReleaseField = FieldIndex(u"Release"_s);
 }
 
@@ -120,7 +121,7 @@ TVariant TDataset::Computed(const TRecord& record, int field) const
         return VarIsNull(rating) ? TVariant() : TVariant(rating.toDouble() / 2.0);
     }
     if (field == FReleaseField)
-        return VarToStr(at(FieldIndex(u"Artist"_s))) + u" - "_s + VarToStr(at(FieldIndex(u"ReleaseName"_s)));
+        return VarToStr(at(FieldIndex(Col::Artist))) + u" - "_s + VarToStr(at(FieldIndex(Col::ReleaseName)));
     return {};
 }
 
@@ -334,7 +335,7 @@ void TDataset::DropPictures()
 void TDataset::InsertRecord()
 {
     const qint64 key = WriteInsert(FBuffer);
-    if (const int id = FieldIndex(u"ID"_s); id >= 0)
+    if (const int id = FieldIndex(Col::ID); id >= 0)
         FBuffer[static_cast<size_t>(id)] = key;
     DropPictures();
     FState = dsBrowse;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "uColumnNames.h"
 #include "uDataSet.h"
 
 #include <algorithm>
@@ -52,7 +53,7 @@ int TDetailDataset::RecordCount() const
 int TDetailDataset::RowOfKey(qint64 key) const
 {
     EnsureLoaded();
-    const int id = FieldIndex(u"ID"_s);
+    const int id = FieldIndex(Col::ID);
     if (id < 0) // totals, which have no key
         return -1;
     const auto found = std::ranges::find_if(
@@ -63,7 +64,7 @@ int TDetailDataset::RowOfKey(qint64 key) const
 qint64 TDetailDataset::KeyAt(int row) const
 {
     const TRecord& record = RecordAt(row);
-    const int id = FieldIndex(u"ID"_s);
+    const int id = FieldIndex(Col::ID);
     return record.empty() || id < 0 ? 0 : record[static_cast<size_t>(id)].toLongLong();
 }
 
@@ -160,7 +161,7 @@ int TDetailDataset::AppendRecord(qint64, TRecord record)
 
 void TDetailDataset::RemoveKeys(const std::vector<qint64>& keys)
 {
-    const auto id = static_cast<size_t>(FieldIndex(u"ID"_s));
+    const auto id = static_cast<size_t>(FieldIndex(Col::ID));
     std::erase_if(FRecords,
                   [&](const TRecord& record) { return std::ranges::count(keys, record[id].toLongLong()) > 0; });
 }
@@ -212,7 +213,7 @@ void TDetailDataset::ApplyUpdates()
         if (!FDeleted.empty())
             TDataset::WriteDeletes(FDeleted);
         for (const TRecord& record : FRecords) {
-            const qint64 key = record[static_cast<size_t>(FieldIndex(u"ID"_s))].toLongLong();
+            const qint64 key = record[static_cast<size_t>(FieldIndex(Col::ID))].toLongLong();
             const auto kept = FUpdates.find(key);
             if (kept == FUpdates.end())
                 continue;

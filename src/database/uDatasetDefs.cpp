@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDatasetDefs.h"
 
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uReleaseCursors.h"
 
@@ -15,7 +16,7 @@ using TCustom = TCustomFieldDefs TDefaults::*;
 TFieldDef FieldOf(const TColumnDef& column, const QString& alias, TCustom custom = nullptr)
 {
     TFieldDef field;
-    field.Name = QString::fromLatin1(column.Name);
+    field.Name = column.Name;
     field.Kind = column.Kind;
     field.Size = column.Size;
     field.LabelKey = QString::fromLatin1(column.LabelKey);
@@ -50,7 +51,7 @@ TFieldDef QueryField(const QString& name, TFieldKind kind, const QString& expres
 TFieldDef RatingCalcField(const QString& labelKey)
 {
     TFieldDef field;
-    field.Name = u"Rating_Calc"_s;
+    field.Name = Col::Rating_Calc;
     field.Kind = fkFloat;
     field.LabelKey = labelKey;
     return field;
@@ -70,12 +71,12 @@ TDatasetDef ReleaseInfoDef()
                     {},
                     {},
                     {}};
-    def.Fields.push_back(QueryField(u"TotalTracksCount"_s, fkInteger, TracksCountSQL));
+    def.Fields.push_back(QueryField(Col::TotalTracksCount, fkInteger, TracksCountSQL));
     def.Fields.push_back(
-        QueryField(u"TotalDiscCount"_s, fkInteger, u"(SELECT max(DiscNo) FROM Tracks2 WHERE ReleaseId = R.ID)"_s));
-    def.Fields.push_back(QueryField(u"TotalTracksLength"_s, fkFloat,
+        QueryField(Col::TotalDiscCount, fkInteger, u"(SELECT max(DiscNo) FROM Tracks2 WHERE ReleaseId = R.ID)"_s));
+    def.Fields.push_back(QueryField(Col::TotalTracksLength, fkFloat,
                                     u"(SELECT ifnull(sum(TrackLength), 0.0) FROM Tracks2 WHERE ReleaseId = R.ID)"_s));
-    def.Fields.push_back(QueryField(u"LoanedByFriendId"_s, fkInteger, u"L.FriendID"_s));
+    def.Fields.push_back(QueryField(Col::LoanedByFriendId, fkInteger, u"L.FriendID"_s));
     def.Fields.push_back(RatingCalcField(u"cSReleasesFieldRating"_s));
     return def;
 }
@@ -90,8 +91,8 @@ TDatasetDef TracksDetailDef()
                     u"T.DiscNo, T.TrackNo, T.ID"_s,
                     FieldsOf(TrackColumns(), u"T"_s, &TDefaults::TrackFields),
                     u"Track"_s,
-                    u"TrackTitle"_s,
-                    u"ReleaseId"_s};
+                    Col::TrackTitle,
+                    Col::ReleaseId};
     def.Fields.push_back(RatingCalcField(u"cSTracksFieldRating"_s));
     return def;
 }
@@ -108,17 +109,17 @@ TDatasetDef ChildDef(const QString& name, const QString& table, std::span<const 
 TDatasetDef ReleasesMainDef()
 {
     TDatasetDef def{u"qReleasesMain"_s, u"Releases2"_s,   u"R.ID"_s, u"Releases2 R"_s, {}, {}, {},
-                    u"Release"_s,       u"ReleaseName"_s, u"ID"_s};
+                    u"Release"_s,       Col::ReleaseName, Col::ID};
     for (const TColumnDef& column : ReleaseColumns()) {
         TFieldDef field = FieldOf(column, u"R"_s, &TDefaults::ReleaseFields);
-        if (field.Name.startsWith("LargePicture"_L1))
+        if (field.Name.startsWith(Col::LargePicture))
             continue;
         field.Lazy = field.Kind == fkBlob;
         def.Fields.push_back(std::move(field));
     }
     def.Fields.push_back(
-        QueryField(u"TotalTracksCount"_s, fkInteger, TracksCountSQL, u"cSReleasesFieldTotalTracksCount"_s));
-    def.Fields.push_back(QueryField(u"TotalTracksLength"_s, fkFloat,
+        QueryField(Col::TotalTracksCount, fkInteger, TracksCountSQL, u"cSReleasesFieldTotalTracksCount"_s));
+    def.Fields.push_back(QueryField(Col::TotalTracksLength, fkFloat,
                                     u"(SELECT sum(TrackLength) FROM Tracks2 WHERE ReleaseId = R.ID)"_s,
                                     u"cSReleasesFieldTotalTracksLength"_s));
     def.Fields.push_back(RatingCalcField(u"cSReleasesFieldRating"_s));
@@ -136,17 +137,17 @@ TDatasetDef TracksAllDef()
                     {},
                     FieldsOf(TrackColumns(), u"T"_s, &TDefaults::TrackFields),
                     u"Track"_s,
-                    u"TrackTitle"_s,
-                    u"ReleaseId"_s};
+                    Col::TrackTitle,
+                    Col::ReleaseId};
     def.Fields.push_back(RatingCalcField(u"cSTracksFieldRating"_s));
     for (const TColumnDef& column : ReleaseColumns()) {
-        static const QStringList joined{u"Artist"_s,    u"ReleaseName"_s, u"ReleaseYear"_s, u"ReleaseDate"_s,
-                                        u"MediaType"_s, u"No"_s,          u"Barcode"_s,     u"CatalogNO"_s};
+        static const QStringList joined{Col::Artist,    Col::ReleaseName, Col::ReleaseYear, Col::ReleaseDate,
+                                        Col::MediaType, Col::No,          Col::Barcode,     Col::CatalogNO};
         TFieldDef field = FieldOf(column, u"R"_s);
         if (!joined.contains(field.Name))
             continue;
-        if (field.Name == "Artist"_L1)
-            field.Name = u"ReleaseArtist"_s;
+        if (field.Name == Col::Artist)
+            field.Name = Col::ReleaseArtist;
         field.ReadOnly = true;
         field.Required = false;
         def.Fields.push_back(std::move(field));
@@ -166,17 +167,17 @@ TDatasetDef StatsDef()
     TDatasetDef def{u"qStats"_s, {}, u"S.ID"_s, u"(SELECT 1 AS ID) S"_s, {}, {}, {}, {}, {}, {}};
     const QString discs = u"(SELECT max(ifnull(max(DiscNo), 1), 1) AS Discs FROM Tracks2 GROUP BY ReleaseId)"_s;
     def.Fields = {
-        number(u"ReleaseCount"_s, fkInteger, u"SELECT count(*) FROM Releases2"_s),
-        number(u"TotalTracksCount"_s, fkInteger, u"SELECT count(*) FROM Tracks2"_s),
-        number(u"AvgTracksCount"_s, fkFloat,
+        number(Col::ReleaseCount, fkInteger, u"SELECT count(*) FROM Releases2"_s),
+        number(Col::TotalTracksCount, fkInteger, u"SELECT count(*) FROM Tracks2"_s),
+        number(Col::AvgTracksCount, fkFloat,
                u"SELECT count(*) * 1.0 / nullif((SELECT count(*) FROM Releases2), 0) FROM Tracks2"_s),
-        number(u"TotalDiscCount"_s, fkInteger, u"SELECT sum(Discs) FROM "_s + discs),
-        number(u"AvgDiscCount"_s, fkFloat, u"SELECT avg(Discs) FROM "_s + discs),
-        number(u"TotalPrice"_s, fkFloat, u"SELECT sum(Price) FROM Releases2"_s),
-        number(u"AvgPrice"_s, fkFloat, u"SELECT avg(Price) FROM Releases2"_s),
-        number(u"TotalTracksLength"_s, fkFloat, u"SELECT sum(TrackLength) FROM Tracks2"_s),
-        number(u"AvgTracksLength"_s, fkFloat, u"SELECT avg(TrackLength) FROM Tracks2"_s),
-        number(u"ReleasesOnLoan"_s, fkInteger,
+        number(Col::TotalDiscCount, fkInteger, u"SELECT sum(Discs) FROM "_s + discs),
+        number(Col::AvgDiscCount, fkFloat, u"SELECT avg(Discs) FROM "_s + discs),
+        number(Col::TotalPrice, fkFloat, u"SELECT sum(Price) FROM Releases2"_s),
+        number(Col::AvgPrice, fkFloat, u"SELECT avg(Price) FROM Releases2"_s),
+        number(Col::TotalTracksLength, fkFloat, u"SELECT sum(TrackLength) FROM Tracks2"_s),
+        number(Col::AvgTracksLength, fkFloat, u"SELECT avg(TrackLength) FROM Tracks2"_s),
+        number(Col::ReleasesOnLoan, fkInteger,
                u"SELECT count(DISTINCT ReleaseId) FROM Loans2 WHERE ReturnDate IS NULL"_s),
     };
     return def;
@@ -185,9 +186,9 @@ TDatasetDef StatsDef()
 TReleaseCursors::TReleaseCursors(TSQLiteConnection& connection)
     : Info(connection, ReleaseInfoDef()),
       Tracks(connection, TracksDetailDef()),
-      Credits(connection, ChildDef(u"qMusiciansPerRelease"_s, u"Musicians2"_s, MusicianColumns(), u"ReleaseId"_s)),
-      TrackCredits(connection, ChildDef(u"qMusiciansPerTrack"_s, u"Musicians2"_s, MusicianColumns(), u"TrackId"_s)),
-      Pictures(connection, ChildDef(u"qOtherPictures"_s, u"OtherPictures2"_s, OtherPictureColumns(), u"ReleaseId"_s))
+      Credits(connection, ChildDef(u"qMusiciansPerRelease"_s, u"Musicians2"_s, MusicianColumns(), Col::ReleaseId)),
+      TrackCredits(connection, ChildDef(u"qMusiciansPerTrack"_s, u"Musicians2"_s, MusicianColumns(), Col::TrackId)),
+      Pictures(connection, ChildDef(u"qOtherPictures"_s, u"OtherPictures2"_s, OtherPictureColumns(), Col::ReleaseId))
 {}
 
 void TReleaseCursors::Select(qint64 release)

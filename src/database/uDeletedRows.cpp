@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDeletedRows.h"
 
+#include "uColumnNames.h"
 #include "uDebugLog.h"
 #include "uSQLite.h"
 #include "uTHStrings.h"
@@ -32,10 +33,10 @@ const std::vector<TKeptTable>& KeptTables()
 {
     static const std::vector<TKeptTable> tables{
         {u"Releases2"_s, {}},
-        {u"Tracks2"_s, {{u"ReleaseId"_s, u"Releases2"_s}}},
-        {u"Loans2"_s, {{u"FriendID"_s, u"Friends2"_s}, {u"ReleaseId"_s, u"Releases2"_s}}},
-        {u"Musicians2"_s, {{u"ReleaseId"_s, u"Releases2"_s}, {u"TrackId"_s, u"Tracks2"_s}}},
-        {u"OtherPictures2"_s, {{u"ReleaseId"_s, u"Releases2"_s}}}};
+        {u"Tracks2"_s, {{Col::ReleaseId, u"Releases2"_s}}},
+        {u"Loans2"_s, {{Col::FriendID, u"Friends2"_s}, {Col::ReleaseId, u"Releases2"_s}}},
+        {u"Musicians2"_s, {{Col::ReleaseId, u"Releases2"_s}, {Col::TrackId, u"Tracks2"_s}}},
+        {u"OtherPictures2"_s, {{Col::ReleaseId, u"Releases2"_s}}}};
     return tables;
 }
 

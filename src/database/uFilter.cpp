@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uFilter.h"
 
+#include "uColumnNames.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -23,8 +25,8 @@ QString FieldExpression(const TFieldDef& field, const std::vector<TFieldDef>& fi
 {
     if (!field.Expression.isEmpty())
         return field.Expression;
-    if (field.Name == "Rating_Calc"_L1) {
-        const TFieldDef* rating = FieldByName(fields, u"Rating"_s);
+    if (field.Name == Col::Rating_Calc) {
+        const TFieldDef* rating = FieldByName(fields, Col::Rating);
         return rating ? u"(%1 / 2.0)"_s.arg(rating->Expression) : QString();
     }
     return {};

@@ -2,6 +2,7 @@
 #include "uExportSource.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uFieldText.h"
 #include "uTHStrings.h"
@@ -12,20 +13,14 @@ namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-const QLatin1StringView CoverField("ThumbPicture");
-
-} // namespace
-
 TExportSource::TExportSource(TDataModuleMain& data, TListDataset& list, std::vector<TExportColumn> columns,
                              bool thumbnails)
     : FData(data), FList(list)
 {
     for (TExportColumn& column : columns) {
-        const bool cover = column.Field == CoverField;
+        const bool cover = column.Field == Col::ThumbPicture;
         const int field = cover ? -1 : list.FieldIndex(column.Field);
-        if (cover ? (!thumbnails || list.FieldIndex(CoverField) < 0)
+        if (cover ? (!thumbnails || list.FieldIndex(Col::ThumbPicture) < 0)
                   : (field < 0 || list.Fields()[static_cast<size_t>(field)].Kind == fkBlob))
             continue;
         if (field >= 0)
@@ -33,7 +28,7 @@ TExportSource::TExportSource(TDataModuleMain& data, TListDataset& list, std::vec
         FFields.push_back(field);
         FColumns.push_back(std::move(column));
     }
-    if (const int currency = list.FieldIndex(u"Currency"_s); currency >= 0)
+    if (const int currency = list.FieldIndex(Col::Currency); currency >= 0)
         FWalked.push_back(currency);
 }
 
@@ -101,7 +96,7 @@ std::vector<TVariant> TExportSource::RowValues(int row) const
     std::vector<TVariant> values;
     for (const int field : FFields)
         values.push_back(field < 0 ? TVariant() : FList.ValueAt(row, field));
-    values.push_back(FList.ValueAt(row, FList.FieldIndex(u"Currency"_s)));
+    values.push_back(FList.ValueAt(row, FList.FieldIndex(Col::Currency)));
     return values;
 }
 
@@ -114,12 +109,12 @@ QString TExportSource::Text(const std::vector<TVariant>& values, int column) con
     // The view leaves a No empty, and has room for the code of a country only.
     if (field.Kind == fkBoolean && !VarToBool(value))
         return {};
-    return field.Name == "CountryCode"_L1 ? VarToStr(value) : FieldText(FData, field, value, VarToStr(values.back()));
+    return field.Name == Col::CountryCode ? VarToStr(value) : FieldText(FData, field, value, VarToStr(values.back()));
 }
 
 QByteArray TExportSource::Thumbnail(int row) const
 {
-    const int field = FList.FieldIndex(CoverField);
+    const int field = FList.FieldIndex(Col::ThumbPicture);
     return field < 0 ? QByteArray() : FList.ReadBlob(row, field);
 }
 
@@ -128,7 +123,7 @@ std::pair<QString, QString> TExportSource::Names(int row) const
     const auto text = [&](const QString& name) {
         return TDataModuleMain::DisplayText(name, VarToStr(FList.ValueAt(row, FList.FieldIndex(name))));
     };
-    return {text(FList.TitleField()), text(u"Artist"_s)};
+    return {text(FList.TitleField()), text(Col::Artist)};
 }
 
 } // namespace Kestrune

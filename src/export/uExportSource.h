@@ -17,7 +17,7 @@ class TListDataset;
 
 /// A column of what is exported or printed.
 struct TExportColumn {
-    QString Field; ///< "ThumbPicture" stands for the cover
+    QString Field; ///< Col::ThumbPicture stands for the cover
     QString Caption;
 };
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "uColumnNames.h"
 #include "uExport_p.h"
 #include "uFieldText.h"
 #include "uTHStrings.h"
@@ -73,7 +74,7 @@ void WriteExcelCell(lxw_worksheet* sheet, lxw_row_t row, lxw_col_t column, const
                         value.typeId() == QMetaType::Int;
     if (number && IsLengthField(field.Name))
         worksheet_write_number(sheet, row, column, value.toDouble(), formats.Length);
-    else if (number && field.Kind == fkFloat && field.Name != "Rating_Calc"_L1)
+    else if (number && field.Kind == fkFloat && field.Name != Col::Rating_Calc)
         worksheet_write_number(sheet, row, column, value.toDouble(), formats.Money);
     else if (number && !IsFriendField(field.Name))
         worksheet_write_number(sheet, row, column, value.toDouble(), nullptr);

@@ -2,6 +2,7 @@
 #include "uDetailView.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uFieldEditors.h"
 #include "uFieldText.h"
@@ -23,12 +24,12 @@ bool HoldsDefault(const QString& column, const TVariant& value)
 
 std::vector<TDetailSection> Sections(TDataModuleMain& data, const TDetailDataset& info)
 {
-    const QString currency = VarToStr(info.Value(u"Currency"_s));
+    const QString currency = VarToStr(info.Value(Col::Currency));
     std::vector<TDetailSection> sections;
     for (const TFieldSection kind : {fsGeneral, fsPurchase, fsClassical, fsCustom, fsComments}) {
         TDetailSection section{SectionId(kind), GetLanguageString(SectionTitleKey(kind)), {}};
         for (const TFieldInfo& row : FieldTable()) {
-            const int index = row.Section == kind ? info.FieldIndex(QString::fromLatin1(row.Column)) : -1;
+            const int index = row.Section == kind ? info.FieldIndex(row.Column) : -1;
             if (index < 0 || !IsFieldShown(info.Fields()[static_cast<size_t>(index)], Defaults()))
                 continue;
             const TFieldDef& field = info.Fields()[static_cast<size_t>(index)];
@@ -48,10 +49,10 @@ std::vector<TDetailTrackRow> TrackRows(const TDetailDataset& tracks, const QStri
     const auto at = [&](int row, const QString& name) { return tracks.ValueAt(row, tracks.FieldIndex(name)); };
     std::vector<TDetailTrackRow> rows;
     for (int row = 0; row < tracks.RecordCount(); ++row) {
-        const QString artist = VarToStr(at(row, u"Artist"_s));
-        rows.push_back({at(row, u"DiscNo"_s).toInt(), VarToStr(at(row, u"Side"_s)), at(row, u"TrackNo"_s).toInt(),
-                        VarToStr(at(row, u"TrackTitle"_s)), artist == releaseArtist ? QString() : artist,
-                        at(row, u"TrackLength"_s).toDouble()});
+        const QString artist = VarToStr(at(row, Col::Artist));
+        rows.push_back({at(row, Col::DiscNo).toInt(), VarToStr(at(row, Col::Side)), at(row, Col::TrackNo).toInt(),
+                        VarToStr(at(row, Col::TrackTitle)), artist == releaseArtist ? QString() : artist,
+                        at(row, Col::TrackLength).toDouble()});
     }
     return rows;
 }
@@ -114,24 +115,24 @@ TDetailData BuildDetailData(TDataModuleMain& data, qint64 release)
     if (detail.ID == 0)
         return detail;
     const auto text = [&](const QString& name) { return VarToStr(info.Value(name)); };
-    detail.Title = data.DisplayText(u"ReleaseName"_s, text(u"ReleaseName"_s));
-    detail.Artist = data.DisplayText(u"Artist"_s, text(u"Artist"_s));
-    detail.Rating = info.Value(u"Rating"_s).toInt();
-    detail.Cover = info.Value(u"LargePicture"_s).toByteArray();
+    detail.Title = data.DisplayText(Col::ReleaseName, text(Col::ReleaseName));
+    detail.Artist = data.DisplayText(Col::Artist, text(Col::Artist));
+    detail.Rating = info.Value(Col::Rating).toInt();
+    detail.Cover = info.Value(Col::LargePicture).toByteArray();
     if (detail.Cover.isEmpty())
-        detail.Cover = info.Value(u"ThumbPicture"_s).toByteArray();
+        detail.Cover = info.Value(Col::ThumbPicture).toByteArray();
     detail.Sections = Sections(data, info);
-    AddDetailTracks(detail, TrackRows(cursors.Tracks, text(u"Artist"_s)));
+    AddDetailTracks(detail, TrackRows(cursors.Tracks, text(Col::Artist)));
     for (int row = 0; row < cursors.Credits.RecordCount(); ++row)
-        detail.Credits.push_back({VarToStr(cursors.Credits.ValueAt(row, cursors.Credits.FieldIndex(u"Musician"_s))),
-                                  VarToStr(cursors.Credits.ValueAt(row, cursors.Credits.FieldIndex(u"Instrument"_s)))});
-    for (const QString& column : {u"LargePictureBack"_s, u"LargePictureMedia"_s}) {
+        detail.Credits.push_back({VarToStr(cursors.Credits.ValueAt(row, cursors.Credits.FieldIndex(Col::Musician))),
+                                  VarToStr(cursors.Credits.ValueAt(row, cursors.Credits.FieldIndex(Col::Instrument)))});
+    for (const TColumnName column : {Col::LargePictureBack, Col::LargePictureMedia}) {
         if (const QByteArray bytes = info.Value(column).toByteArray(); !bytes.isEmpty())
             detail.Pictures.push_back(bytes);
     }
     for (int row = 0; row < cursors.Pictures.RecordCount(); ++row)
         detail.Pictures.push_back(
-            cursors.Pictures.ValueAt(row, cursors.Pictures.FieldIndex(u"Picture"_s)).toByteArray());
+            cursors.Pictures.ValueAt(row, cursors.Pictures.FieldIndex(Col::Picture)).toByteArray());
     return detail;
 }
 

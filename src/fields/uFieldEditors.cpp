@@ -2,6 +2,7 @@
 #include "uFieldEditors.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uFieldText.h"
 #include "uTHStrings.h"
@@ -46,12 +47,12 @@ TEditorKind EditorKindOf(const TFieldDef& field)
 PDict DictionaryOf(const QString& column)
 {
     TDefaults& settings = Defaults();
-    const std::pair<QLatin1StringView, PDict> dictionaries[] = {
-        {"MediaType"_L1, &settings.MediaTypes},   {"Genre"_L1, &settings.Genres},
-        {"Location"_L1, &settings.Locations},     {"Status"_L1, &settings.Statuses},
-        {"Condition"_L1, &settings.Conditions},   {"ConditionMedia"_L1, &settings.Conditions},
-        {"Channels"_L1, &settings.Channels},      {"Packaging"_L1, &settings.Packaging},
-        {"Instrument"_L1, &settings.Instruments}, {"Genres"_L1, &settings.Genres}};
+    const std::pair<TColumnName, PDict> dictionaries[] = {
+        {Col::MediaType, &settings.MediaTypes},   {Col::Genre, &settings.Genres},
+        {Col::Location, &settings.Locations},     {Col::Status, &settings.Statuses},
+        {Col::Condition, &settings.Conditions},   {Col::ConditionMedia, &settings.Conditions},
+        {Col::Channels, &settings.Channels},      {Col::Packaging, &settings.Packaging},
+        {Col::Instrument, &settings.Instruments}, {Col::Genres, &settings.Genres}};
     const auto found = std::ranges::find_if(dictionaries, [&](const auto& entry) { return column == entry.first; });
     return found == std::end(dictionaries) ? nullptr : found->second;
 }
@@ -60,17 +61,17 @@ std::vector<TValueAndText> EditorItems(TDataModuleMain& data, const TFieldDef& f
 {
     if (const TDict* dict = DictionaryOf(field.Name))
         return SameTexts(dict->Items());
-    if (field.Name == "Spars"_L1)
+    if (field.Name == Col::Spars)
         return SameTexts(SparsList());
-    if (field.Name == "DataProvider"_L1)
+    if (field.Name == Col::DataProvider)
         return DataProviders();
     std::vector<TValueAndText> items;
-    if (field.Name == "CountryCode"_L1) {
+    if (field.Name == Col::CountryCode) {
         for (const TCountry& country : Countries())
             if (!country.Value.isEmpty())
                 items.push_back({country.Value, country.Description});
     } else if (IsFriendField(field.Name) && data.qFriends.Active()) {
-        const int name = data.qFriends.FieldIndex(u"Name"_s);
+        const int name = data.qFriends.FieldIndex(Col::Name);
         for (int row = 0; row < data.qFriends.RecordCount(); ++row)
             items.push_back({QString::number(data.qFriends.KeyAt(row)), VarToStr(data.qFriends.ValueAt(row, name))});
     } else if (field.Kind == fkBoolean || EditorKindOf(field) == ekChoice) {
@@ -84,15 +85,15 @@ QString LinkOfField(const QString& column, const QString& value)
     if (value.isEmpty())
         return {};
     const auto encoded = [&] { return QString::fromLatin1(QUrl::toPercentEncoding(value)); };
-    if (column == "Link"_L1 || column == "BuyNowLink"_L1)
+    if (column == Col::Link || column == Col::BuyNowLink)
         return value.contains("://"_L1) ? value : u"https://"_s + value;
-    if (column.compare("MusicBrainzID"_L1, Qt::CaseInsensitive) == 0)
+    if (column.compare(Col::MusicBrainzID, Qt::CaseInsensitive) == 0)
         return u"https://musicbrainz.org/release/"_s + encoded();
-    if (column.compare("DiscogsID"_L1, Qt::CaseInsensitive) == 0)
+    if (column.compare(Col::DiscogsID, Qt::CaseInsensitive) == 0)
         return u"https://www.discogs.com/release/"_s + encoded();
-    if (column == "ASIN"_L1)
+    if (column == Col::ASIN)
         return u"https://www.amazon.com/dp/"_s + encoded();
-    if (column == "FolderPath"_L1)
+    if (column == Col::FolderPath)
         return QUrl::fromLocalFile(value).toString();
     return {};
 }

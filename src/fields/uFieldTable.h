@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uColumnNames.h"
+
 #include <QString>
 
 #include <optional>
@@ -33,7 +35,7 @@ using enum TFieldSection;
 /// What the windows know of a column beside its place in the file and its caption. Columns of the same name in several
 /// tables share their row.
 struct TFieldInfo {
-    const char* Column;
+    TColumnName Column;
     TFieldSection Section = fsNone;
     std::optional<TEditorKind> Editor = {}; ///< none: it follows from the kind of the field
     int Width = 0;                          ///< that suits what usually stands in it, in dip; 0: as its heading

@@ -2,6 +2,7 @@
 #include "uFieldText.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uDictionaries.h"
 #include "uLength.h"
@@ -22,14 +23,14 @@ namespace {
 QString FriendName(TDataModuleMain& data, qint64 id)
 {
     const int row = id > 0 && data.qFriends.Active() ? data.qFriends.RowOfKey(id) : -1;
-    return row < 0 ? QString() : VarToStr(data.qFriends.ValueAt(row, data.qFriends.FieldIndex(u"Name"_s)));
+    return row < 0 ? QString() : VarToStr(data.qFriends.ValueAt(row, data.qFriends.FieldIndex(Col::Name)));
 }
 
 constexpr int FutureYears = 10; // for which releases may be announced
 
 bool IsMoney(const QString& column)
 {
-    return column == "Price"_L1 || column == "PriceValue"_L1 || column == "SellingPrice"_L1;
+    return column == Col::Price || column == Col::PriceValue || column == Col::SellingPrice;
 }
 
 // The short form of the locale with four digits of the year: records come from two centuries.
@@ -51,7 +52,7 @@ QString FloatText(const TFieldDef& field, const TVariant& value, const QString& 
         return VarToStr(value);
     if (IsLengthField(field.Name))
         return LengthText(number.toDouble());
-    if (field.Name == "Rating_Calc"_L1)
+    if (field.Name == Col::Rating_Calc)
         return QLocale().toString(number.toDouble(), 'f', 1);
     const QString amount = QLocale().toString(number.toDouble(), 'f', 2);
     return IsMoney(field.Name) && !currency.isEmpty() ? currency + u' ' + amount : amount;
@@ -101,11 +102,11 @@ std::optional<TVariant> ParseBoolean(const QString& text)
 
 } // namespace
 
-bool IsLengthField(const QString& column) { return column == "TrackLength"_L1 || column == "TotalTracksLength"_L1; }
+bool IsLengthField(const QString& column) { return column == Col::TrackLength || column == Col::TotalTracksLength; }
 
 bool IsFriendField(const QString& column)
 {
-    return column == "OwnerId"_L1 || column == "PurchasedFrom"_L1 || column == "BorrowedFrom"_L1;
+    return column == Col::OwnerId || column == Col::PurchasedFrom || column == Col::BorrowedFrom;
 }
 
 QString LengthText(double days)
@@ -122,13 +123,13 @@ QString FieldText(TDataModuleMain& data, const TFieldDef& field, const TVariant&
 {
     if (VarIsNull(value))
         return {};
-    if (field.Name == "Artist"_L1 || field.Name == "ReleaseName"_L1)
+    if (field.Name == Col::Artist || field.Name == Col::ReleaseName)
         return TDataModuleMain::DisplayText(field.Name, VarToStr(value));
-    if (field.Name == "ReleaseArtist"_L1)
-        return TDataModuleMain::DisplayText(u"Artist"_s, VarToStr(value));
+    if (field.Name == Col::ReleaseArtist)
+        return TDataModuleMain::DisplayText(Col::Artist, VarToStr(value));
     if (IsFriendField(field.Name))
         return FriendName(data, value.toLongLong());
-    if (field.Name == "CountryCode"_L1) {
+    if (field.Name == Col::CountryCode) {
         const QString name = CountryDescription(value.toString());
         return name.isEmpty() ? value.toString() : name;
     }

@@ -2,6 +2,7 @@
 #include "uSearch.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uFieldEditors.h"
 #include "uTHStrings.h"
@@ -17,8 +18,8 @@ namespace {
 // Internal columns, and those that no search by one text serves.
 bool IsSearchable(const TFieldDef& field)
 {
-    return !field.Lazy && !field.LabelKey.isEmpty() && field.Kind != fkBlob && field.Name != "Rating"_L1 &&
-           field.Name != "ReleaseId"_L1;
+    return !field.Lazy && !field.LabelKey.isEmpty() && field.Kind != fkBlob && field.Name != Col::Rating &&
+           field.Name != Col::ReleaseId;
 }
 
 } // namespace
@@ -58,8 +59,8 @@ TFilterCriterion LetterCriterion(const QString& column, const QString& letter)
 
 TFilterCriterion StatusCriterion(const TListDataset& list, const QString& status)
 {
-    const bool own = list.FieldIndex(u"Status"_s) >= 0;
-    return own ? TFilterCriterion{u"Status"_s, foEquals, status, status}
+    const bool own = list.FieldIndex(Col::Status) >= 0;
+    return own ? TFilterCriterion{Col::Status, foEquals, status, status}
                : TFilterCriterion{list.ReleaseKey(), foOfStatus, status, status};
 }
 

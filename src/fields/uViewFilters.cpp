@@ -2,6 +2,7 @@
 #include "uViewFilters.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uFieldText.h"
 #include "uTHStrings.h"
@@ -26,7 +27,7 @@ void TViewFilters::Drop(TFilterGroup::TId& id)
     id = 0;
 }
 
-QString TViewFilters::LetterColumn() const { return FSet.LetterField == 0 ? u"Artist"_s : u"ReleaseName"_s; }
+QString TViewFilters::LetterColumn() const { return FSet.LetterField == 0 ? Col::Artist : Col::ReleaseName; }
 
 void TViewFilters::SetStatus(const QString& status)
 {

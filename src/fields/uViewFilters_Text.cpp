@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uFieldEditors.h"
 #include "uFieldText.h"
@@ -88,7 +89,7 @@ TFieldKind KindOfColumn(const QString& column)
 {
     for (const auto columns : {ReleaseColumns(), TrackColumns()})
         for (const TColumnDef& def : columns)
-            if (column.compare(QLatin1StringView(def.Name), Qt::CaseInsensitive) == 0)
+            if (column.compare(def.Name.View(), Qt::CaseInsensitive) == 0)
                 return def.Kind;
     return fkFloat;
 }
@@ -228,7 +229,7 @@ QString CaptionOfColumn(const QString& column)
 {
     for (const auto columns : {ReleaseColumns(), TrackColumns()})
         for (const TColumnDef& def : columns)
-            if (column.compare(QLatin1StringView(def.Name), Qt::CaseInsensitive) == 0)
+            if (column.compare(def.Name.View(), Qt::CaseInsensitive) == 0)
                 return GetLanguageString(QString::fromLatin1(def.LabelKey));
     return column;
 }
@@ -277,7 +278,7 @@ std::vector<TFilterOp> FilterOpsOf(const TFieldDef& field)
 {
     if (field.Kind == fkBoolean)
         return {foEquals, foNotEquals, foIsNull, foIsNotNull};
-    if (field.IsText() && field.Name != "CountryCode"_L1)
+    if (field.IsText() && field.Name != Col::CountryCode)
         return {foContains, foNotContains, foEquals,  foNotEquals, foBeginsWith,
                 foEndsWith, foLike,        foNotLike, foIsNull,    foIsNotNull};
     if (field.IsText() || IsFriendField(field.Name))

@@ -2,6 +2,7 @@
 #include "uImportAbstract.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDebugLog.h"
 #include "uObjs.h"
 #include "uTHStrings.h"
@@ -124,7 +125,7 @@ bool TKRNImporter::IsWanted(const TVariant& releaseID) const
 
 void TKRNImporter::StoreRelease(const TAlbumRelease& release, bool assignNewNo)
 {
-    const QString name = VarToStr(release[u"Artist"_s]) + u" - "_s + VarToStr(release[u"ReleaseName"_s]);
+    const QString name = VarToStr(release[Col::Artist]) + u" - "_s + VarToStr(release[Col::ReleaseName]);
     const std::function<void()> store = [&, deliverErrors = TakeItemErrors()] {
         FDataModule.AddAlbumReleaseToDB(release, assignNewNo);
         deliverErrors();

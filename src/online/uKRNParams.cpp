@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uKRNParams.h"
 
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uObjs.h"
 
@@ -30,13 +31,13 @@ void TKRNParams::AddSearchParamsFromAlbumRelease(const TAlbumRelease& release)
         Add(u"ARTIST_ID"_s, release.ArtistInternalID);
     if (!release.ReleaseInternalID.isEmpty())
         Add(u"RELEASE_ID"_s, release.ReleaseInternalID);
-    constexpr std::pair<const char16_t*, const char16_t*> items[] = {{u"ARTIST", u"Artist"},
-                                                                     {u"RELEASE_TITLE", u"ReleaseName"},
-                                                                     {u"ASIN", u"ASIN"},
-                                                                     {u"CATNO", u"CatalogNo"},
-                                                                     {u"BARCODE", u"Barcode"}};
+    constexpr std::pair<const char16_t*, TColumnName> items[] = {{u"ARTIST", Col::Artist},
+                                                                 {u"RELEASE_TITLE", Col::ReleaseName},
+                                                                 {u"ASIN", Col::ASIN},
+                                                                 {u"CATNO", Col::CatalogNO},
+                                                                 {u"BARCODE", Col::Barcode}};
     for (const auto& [key, item] : items)
-        Add(QString::fromUtf16(key), VarToStr(release.GetItem2(QString::fromUtf16(item))));
+        Add(QString::fromUtf16(key), VarToStr(release.GetItem2(item)));
 }
 
 void TKRNParams::AddQueryTwins()

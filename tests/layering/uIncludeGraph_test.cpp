@@ -2,8 +2,11 @@
 #include "uIncludeGraph.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
+#include <QSet>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -97,6 +100,39 @@ TEST(Layering, LookAndWidgetsKnowNoMainForm)
     const TIncludeGraph graph(QStringLiteral(KESTRUNE_SRC));
     for (const QString& folder : {u"presentation/look"_s, u"presentation/widgets"_s, u"presentation/views"_s})
         EXPECT_EQ(graph.Including(folder, u"frmMain.h"_s), QStringList());
+}
+
+// A name of two words at least: one word alone is also an attribute, a tag or an instrument.
+TEST(Layering, ColumnNamesStandInOnePlace)
+{
+    const auto read = [](const QString& path) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+        return QString::fromUtf8(file.readAll());
+    };
+    const QDir root(QStringLiteral(KESTRUNE_SRC));
+    const QString home = root.filePath(u"core/uColumnNames.h"_s);
+    static const QRegularExpression declared(u"KRN_COLUMN\\((\\w+)\\)"_s),
+        word(u"\"([A-Z][A-Za-z_]*[a-z][A-Z]\\w*)\""_s);
+    QSet<QString> names;
+    for (auto found = declared.globalMatch(read(home)); found.hasNext();)
+        names.insert(found.next().captured(1));
+    EXPECT_TRUE(names.contains(u"ReleaseName"_s));
+    QDirIterator files(root.path(), {u"*.cpp"_s, u"*.h"_s}, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString path = files.next();
+        if (path == home || root.relativeFilePath(path).startsWith(u"tags/"_s))
+            continue;
+        const QStringList lines = read(path).split(u'\n');
+        for (const QString& line : lines) {
+            if (line.trimmed().startsWith(u"//"_s))
+                continue;
+            for (auto found = word.globalMatch(line); found.hasNext();) {
+                const QString name = found.next().captured(1);
+                EXPECT_FALSE(names.contains(name)) << path.toStdString() << " spells out " << name.toStdString();
+            }
+        }
+    }
 }
 
 } // namespace Kestrune

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uMP3Release.h"
 
+#include "uColumnNames.h"
 #include "uFindCovers.h"
 #include "uFolderNames.h"
 #include "uReleasePictures.h"
@@ -47,26 +48,26 @@ QString ReleaseArtistOf(const TKRN_MP3_Tracks& tracks, const QString& various)
 void SetFields(TAlbumRelease& release, const TKRN_MP3_Tracks& tracks, const TMP3ScanOptions& options)
 {
     const TKRN_MP3_Track& first = tracks.front();
-    SetText(release, u"Artist"_s, ReleaseArtistOf(tracks, options.VariousArtists));
-    release.SetItem2(u"ReleaseName"_s, first.Album);
-    SetText(release, u"ReleaseYear"_s, QString::number(first.Year));
-    SetDate(release, u"ReleaseDate"_s, first.ReleaseDate);
-    SetText(release, u"CatalogNo"_s, first.CatalogNo);
-    SetText(release, u"Label"_s, first.lLabel);
-    SetText(release, u"Barcode"_s, first.EAN);
-    SetText(release, u"ASIN"_s, first.ASIN);
-    SetText(release, u"DiscogsID"_s, first.DiscogsID);
-    SetText(release, u"MusicBrainzID"_s, first.MusicBrainzAlbumID);
-    SetText(release, u"CountryCode"_s, first.Country);
-    SetText(release, u"Genre"_s, first.Genre);
-    SetText(release, u"Genres"_s, first.Styles);
-    SetText(release, u"Artists"_s, first.Artists);
-    SetText(release, u"DataProvider"_s, u"MP3 Scan"_s);
-    SetText(release, u"Quantity"_s, u"1"_s);
-    SetText(release, u"MediaType"_s, options.Digital);
-    SetText(release, u"FolderPath"_s, ReleaseFolderOf(FoldersOf(tracks)));
+    SetText(release, Col::Artist, ReleaseArtistOf(tracks, options.VariousArtists));
+    release.SetItem2(Col::ReleaseName, first.Album);
+    SetText(release, Col::ReleaseYear, QString::number(first.Year));
+    SetDate(release, Col::ReleaseDate, first.ReleaseDate);
+    SetText(release, Col::CatalogNO, first.CatalogNo);
+    SetText(release, Col::Label, first.lLabel);
+    SetText(release, Col::Barcode, first.EAN);
+    SetText(release, Col::ASIN, first.ASIN);
+    SetText(release, Col::DiscogsID, first.DiscogsID);
+    SetText(release, Col::MusicBrainzID, first.MusicBrainzAlbumID);
+    SetText(release, Col::CountryCode, first.Country);
+    SetText(release, Col::Genre, first.Genre);
+    SetText(release, Col::Genres, first.Styles);
+    SetText(release, Col::Artists, first.Artists);
+    SetText(release, Col::DataProvider, u"MP3 Scan"_s);
+    SetText(release, Col::Quantity, u"1"_s);
+    SetText(release, Col::MediaType, options.Digital);
+    SetText(release, Col::FolderPath, ReleaseFolderOf(FoldersOf(tracks)));
     const auto lastDisc = std::ranges::max_element(tracks, {}, &TKRN_MP3_Track::DiscNo);
-    SetNumber(release, u"DiscCount"_s, std::max(1, lastDisc->DiscNo));
+    SetNumber(release, Col::DiscCount, std::max(1, lastDisc->DiscNo));
 }
 
 TAlbumTrack AlbumTrackOf(const TKRN_MP3_Track& from)

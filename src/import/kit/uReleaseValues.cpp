@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uReleaseValues.h"
 
+#include "uColumnNames.h"
 #include "uObjs.h"
 
 namespace Kestrune {
@@ -26,7 +27,7 @@ void SetDate(TAlbumRelease& release, const QString& key, const QDate& date)
 
 void SetCountry(TAlbumRelease& release, const QString& country)
 {
-    SetText(release, u"CountryCode"_s, VarToStr(NormalizeCountry(country.trimmed())));
+    SetText(release, Col::CountryCode, VarToStr(NormalizeCountry(country.trimmed())));
 }
 
 } // namespace Kestrune

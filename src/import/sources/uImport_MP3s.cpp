@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uImport_MP3s.h"
 
+#include "uColumnNames.h"
 #include "uFolderScan.h"
 #include "uMP3Folder.h"
 #include "uReadAhead.h"
@@ -58,8 +59,8 @@ void TKRNImporter_MP3s::TakeRelease(const TAlbumRelease& release, const TVariant
     if (JobType() == ijtImport) {
         StoreRelease(release, true);
     } else {
-        const QString year = VarToStr(release[u"ReleaseYear"_s]);
-        DoOnReleaseFound(key, VarToStr(release[u"Artist"_s]), VarToStr(release[u"ReleaseName"_s]),
+        const QString year = VarToStr(release[Col::ReleaseYear]);
+        DoOnReleaseFound(key, VarToStr(release[Col::Artist]), VarToStr(release[Col::ReleaseName]),
                          year == "0"_L1 ? QString() : year, static_cast<int>(release.Tracks.size()));
     }
     ++FReleasesCount;

@@ -2,6 +2,7 @@
 #include "uListModel.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uFieldText.h"
 #include "uTHStrings.h"
@@ -33,7 +34,7 @@ bool TListModel::IsColumn(const TFieldDef& field) const
     const bool custom = field.Name.startsWith("Custom"_L1);
     // The stars stand for both ratings.
     return !field.Lazy && IsFieldShown(field, Defaults()) && (custom || !field.LabelKey.isEmpty()) &&
-           field.Name != "Rating"_L1;
+           field.Name != Col::Rating;
 }
 
 void TListModel::ReadColumns()
@@ -71,7 +72,7 @@ int TListModel::columnCount(const QModelIndex& parent) const
 
 int TListModel::ColumnOf(const QString& field) const
 {
-    if (field == "ThumbPicture"_L1)
+    if (field == Col::ThumbPicture)
         return HasCover() ? 0 : -1;
     const int index = FList.FieldIndex(field);
     return index < 0 ? -1 : static_cast<int>(FFields.indexOf(index));
@@ -106,7 +107,7 @@ QVariant TListModel::DisplayData(int row, int field) const
     if (VarIsNull(value) || (def.Kind == fkBoolean && !VarToBool(value)))
         return {};
     // A table has room for the code only; the name stands in the detail pane.
-    return def.Name == "CountryCode"_L1 ? VarToStr(value) : FieldText(FData, def, value);
+    return def.Name == Col::CountryCode ? VarToStr(value) : FieldText(FData, def, value);
 }
 
 QVariant TListModel::data(const QModelIndex& index, int role) const
@@ -140,7 +141,7 @@ Qt::ItemFlags TListModel::flags(const QModelIndex& index) const
 
 TCellKind TListModel::KindOf(const TFieldDef& field) const
 {
-    if (field.Name == "Rating_Calc"_L1)
+    if (field.Name == Col::Rating_Calc)
         return ckRating;
     const bool number =
         field.Kind == fkInteger || field.Kind == fkFloat || field.Kind == fkDate || field.Kind == fkDateTime;
@@ -161,11 +162,11 @@ QVariant TListModel::headerData(int section, Qt::Orientation orientation, int ro
     if (!asked || !field)
         return asked && role == FullCaptionRole ? GetLanguageString(u"cSGuiHeadingCover"_s) : QVariant();
     // A table has less room than a form.
-    if (role == Qt::DisplayRole && field->Name == "ReleaseYear"_L1)
+    if (role == Qt::DisplayRole && field->Name == Col::ReleaseYear)
         return GetLanguageString(u"cSGuiHeadingYear"_s);
-    if (role == Qt::DisplayRole && field->Name == "DiscCount"_L1)
+    if (role == Qt::DisplayRole && field->Name == Col::DiscCount)
         return GetLanguageString(u"cSGuiHeadingDiscs"_s);
-    if (field->Name == "ReleaseArtist"_L1)
+    if (field->Name == Col::ReleaseArtist)
         return GetLanguageString(u"cSReleasesFieldArtist"_s);
     return ColumnLabel(*field, Defaults());
 }

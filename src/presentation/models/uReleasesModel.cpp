@@ -2,6 +2,7 @@
 #include "uReleasesModel.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDictionaries.h"
 #include "uFieldText.h"
 #include "uTHStrings.h"
@@ -38,13 +39,13 @@ void TReleasesModel::ReadLoans()
     const QDate today = QDate::currentDate();
     const auto at = [&](int row, const QString& field) { return loans.ValueAt(row, loans.FieldIndex(field)); };
     for (int row = 0; row < loans.RecordCount(); ++row) {
-        if (!VarIsNull(at(row, u"ReturnDate"_s)))
+        if (!VarIsNull(at(row, Col::ReturnDate)))
             continue;
-        const int friendRow = friends.RowOfKey(at(row, u"FriendID"_s).toLongLong());
-        const QDate due = at(row, u"DueDate"_s).toDate();
+        const int friendRow = friends.RowOfKey(at(row, Col::FriendID).toLongLong());
+        const QDate due = at(row, Col::DueDate).toDate();
         FLoans.insert(
-            at(row, u"ReleaseId"_s).toLongLong(),
-            {VarToStr(friends.ValueAt(friendRow, friends.FieldIndex(u"Name"_s))), due.isValid() && due < today});
+            at(row, Col::ReleaseId).toLongLong(),
+            {VarToStr(friends.ValueAt(friendRow, friends.FieldIndex(Col::Name))), due.isValid() && due < today});
     }
 }
 
@@ -54,28 +55,28 @@ QVariant TReleasesModel::RoleData(int row, int role) const
     const auto shown = [&](const QString& field) { return TDataModuleMain::DisplayText(field, text(field)); };
     switch (role) {
     case rrId: return List().KeyAt(row);
-    case rrTitle: return shown(u"ReleaseName"_s);
-    case rrArtist: return shown(u"Artist"_s);
-    case rrYear: return text(u"ReleaseYear"_s);
-    case rrNumber: return text(u"No"_s);
-    case rrMediaType: return text(u"MediaType"_s);
-    case rrRating: return Value(row, u"Rating"_s).toInt();
-    case rrStatus: return text(u"Status"_s);
-    case rrWanted: return text(u"Status"_s) == WantedStatus;
+    case rrTitle: return shown(Col::ReleaseName);
+    case rrArtist: return shown(Col::Artist);
+    case rrYear: return text(Col::ReleaseYear);
+    case rrNumber: return text(Col::No);
+    case rrMediaType: return text(Col::MediaType);
+    case rrRating: return Value(row, Col::Rating).toInt();
+    case rrStatus: return text(Col::Status);
+    case rrWanted: return text(Col::Status) == WantedStatus;
     case rrLentTo: return FLoans.value(List().KeyAt(row)).Friend;
     case rrOverdue: return FLoans.value(List().KeyAt(row)).Overdue;
-    case rrCountry: return text(u"CountryCode"_s);
-    case rrLastModified: return text(u"LastModified"_s);
-    case rrThumbBytes: return List().ReadBlob(row, List().FieldIndex(u"ThumbPicture"_s));
+    case rrCountry: return text(Col::CountryCode);
+    case rrLastModified: return text(Col::LastModified);
+    case rrThumbBytes: return List().ReadBlob(row, List().FieldIndex(Col::ThumbPicture));
     default: return {};
     }
 }
 
 TCellKind TReleasesModel::KindOf(const TFieldDef& field) const
 {
-    if (field.Name == "Status"_L1)
+    if (field.Name == Col::Status)
         return ckStatus;
-    return field.Name == "CountryCode"_L1 ? ckCountry : TListModel::KindOf(field);
+    return field.Name == Col::CountryCode ? ckCountry : TListModel::KindOf(field);
 }
 
 TTracksModel::TTracksModel(TDataModuleMain& data, QObject* parent) : TListModel(data, data.qTracksAll, parent)
@@ -87,10 +88,10 @@ QVariant TTracksModel::RoleData(int row, int role) const
 {
     switch (role) {
     case rrId: return List().KeyAt(row);
-    case rrTitle: return VarToStr(Value(row, u"TrackTitle"_s));
-    case rrArtist: return TDataModuleMain::DisplayText(u"Artist"_s, VarToStr(Value(row, u"Artist"_s)));
-    case rrRating: return Value(row, u"Rating"_s).toInt();
-    case rrLastModified: return VarToStr(Value(row, u"LastModified"_s));
+    case rrTitle: return VarToStr(Value(row, Col::TrackTitle));
+    case rrArtist: return TDataModuleMain::DisplayText(Col::Artist, VarToStr(Value(row, Col::Artist)));
+    case rrRating: return Value(row, Col::Rating).toInt();
+    case rrLastModified: return VarToStr(Value(row, Col::LastModified));
     default: return {};
     }
 }

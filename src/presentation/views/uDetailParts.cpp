@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDetailParts.h"
 
+#include "uColumnNames.h"
 #include "uCoverArt.h"
 #include "uIcons.h"
 #include "uRibbonButton.h"
@@ -100,7 +101,7 @@ void TDetailHead::SetData(const TDetailData& detail)
     FMediaType.clear();
     for (const TDetailSection& section : detail.Sections)
         for (const TDetailField& field : section.Fields)
-            if (field.Column == "MediaType"_L1)
+            if (field.Column == Col::MediaType)
                 FMediaType = field.Value;
     FPicture = detail.Cover.isEmpty() ? QImage() : DecodeScaled(detail.Cover, LargestCover);
     FCoverKey.clear();

@@ -2,6 +2,7 @@
 #include "uFilterDialog.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uFieldEditor.h"
 #include "uFieldText.h"
@@ -261,7 +262,7 @@ TFilterDialog::TFilterDialog(TDataModuleMain& dataModule, std::vector<TFieldDef>
 {
     for (TFieldDef& field : fields) {
         const bool custom = field.Name.startsWith("Custom"_L1);
-        if (field.Kind != fkBlob && field.Name != "Rating"_L1 && (custom || !field.LabelKey.isEmpty()) &&
+        if (field.Kind != fkBlob && field.Name != Col::Rating && (custom || !field.LabelKey.isEmpty()) &&
             IsFieldShown(field, Defaults()))
             FFields.push_back(std::move(field));
     }

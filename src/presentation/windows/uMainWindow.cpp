@@ -3,6 +3,7 @@
 
 #include "uActionSet.h"
 #include "uAlbumTable.h"
+#include "uColumnNames.h"
 #include "uDebugLog.h"
 #include "uDebugWindow.h"
 #include "uDefaults.h"
@@ -160,7 +161,7 @@ void TMainWindow::BuildViews()
 void TMainWindow::SetUpCards()
 {
     std::vector<TCardsPainter::TField> fields;
-    for (const QString& field : {u"Genre"_s, u"Label"_s, u"CatalogNO"_s, u"CountryCode"_s})
+    for (const TColumnName field : {Col::Genre, Col::Label, Col::CatalogNO, Col::CountryCode})
         if (const int column = FModel->ColumnOf(field); column >= 0)
             fields.push_back({FModel->headerData(column, Qt::Horizontal, Qt::DisplayRole).toString(), column});
     FCardsPainter.SetFields(std::move(fields));

@@ -2,6 +2,7 @@
 #include "frmServiceUpdater.h"
 #include "uActionSet.h"
 #include "uAlbumTable.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uDetailPane.h"
 #include "uExport.h"
@@ -206,7 +207,7 @@ void TMainWindow::EditDictionary(const QString& column)
     const auto caption = [&] {
         for (const auto columns : {ReleaseColumns(), MusicianColumns()})
             for (const TColumnDef& def : columns)
-                if (column == QLatin1StringView(def.Name))
+                if (column == def.Name)
                     return GetLanguageString(QString::fromLatin1(def.LabelKey));
         return column;
     };
@@ -226,12 +227,12 @@ TExportSource TMainWindow::MakeSource(bool thumbnails)
     const bool covers =
         FForm.CurrentView() == mvThumbs || FForm.CurrentView() == mvCards || FForm.CurrentView() == mvShelf;
     std::vector<TExportColumn> columns;
-    const int cover = list.ColumnOf(u"ThumbPicture"_s);
+    const int cover = list.ColumnOf(Col::ThumbPicture);
     if (covers || (CurrentTable() && cover >= 0 && !CurrentTable()->isColumnHidden(cover)))
-        columns.push_back({u"ThumbPicture"_s, {}});
+        columns.push_back({Col::ThumbPicture, {}});
     QStringList fields = FindColumns();
     if (FForm.CurrentView() == mvCards) // what stands on the cards
-        fields << u"Rating_Calc"_s << u"Genre"_s << u"Label"_s << u"CatalogNO"_s << u"CountryCode"_s;
+        fields << Col::Rating_Calc << Col::Genre << Col::Label << Col::CatalogNO << Col::CountryCode;
     for (const QString& field : fields)
         columns.push_back({field, list.headerData(list.ColumnOf(field), Qt::Horizontal, FullCaptionRole).toString()});
     return TExportSource(FForm.Data(), FForm.Lists().Active().List(), std::move(columns), thumbnails);

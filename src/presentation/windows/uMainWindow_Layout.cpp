@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uActionSet.h"
 #include "uAlbumTable.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uDetailPane.h"
 #include "uFieldEditors.h"
@@ -65,8 +66,8 @@ void TMainWindow::SetUpColumns()
         if (const QLatin1StringView name(preset.Name);
             name == "btnTableViewPresetReleaseInfo"_L1 || name == "btnTableViewPresetTracksGeneral"_L1)
             ShowColumns(preset.OfTracks ? *FTracks : *FTable, preset.VisibleColumns);
-    FTable->ShareWidth({FModel->ColumnOf(u"Artist"_s), FModel->ColumnOf(u"ReleaseName"_s)});
-    FTracks->ShareWidth({FTracksModel->ColumnOf(u"ReleaseName"_s), FTracksModel->ColumnOf(u"TrackTitle"_s)});
+    FTable->ShareWidth({FModel->ColumnOf(Col::Artist), FModel->ColumnOf(Col::ReleaseName)});
+    FTracks->ShareWidth({FTracksModel->ColumnOf(Col::ReleaseName), FTracksModel->ColumnOf(Col::TrackTitle)});
     for (TAlbumTable* table : {FTable, FTracks})
         if (const auto& layout = SessionOf(*table).Layout(); layout && !layout->Columns.empty())
             RestoreColumns(*table, layout->Columns);
@@ -103,7 +104,7 @@ void TMainWindow::KeepColumns()
         std::vector<TColumnState> columns;
         for (int visual = 0; visual < header->count(); ++visual) {
             const int column = header->logicalIndex(visual);
-            const QString field = list.FieldDefOf(column) ? list.FieldOf(column) : u"ThumbPicture"_s;
+            const QString field = list.FieldDefOf(column) ? list.FieldOf(column) : Col::ThumbPicture;
             const bool hidden = header->isSectionHidden(column);
             const int width = hidden || table->SharesWidth(column) ? 0 : header->sectionSize(column);
             columns.push_back({field, width, hidden});
@@ -252,7 +253,7 @@ QStringList TMainWindow::FindColumns() const
 {
     if (const TAlbumTable* table = CurrentTable())
         return ShownColumns(*table, *CurrentModel(), *const_cast<TAlbumTable*>(table)->Header());
-    return {u"ReleaseName"_s, u"Artist"_s, u"ReleaseYear"_s, u"MediaType"_s};
+    return {Col::ReleaseName, Col::Artist, Col::ReleaseYear, Col::MediaType};
 }
 
 void TMainWindow::Find(const QString& text)

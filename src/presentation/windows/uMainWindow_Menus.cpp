@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uActionSet.h"
+#include "uColumnNames.h"
 #include "uMainWindow.h"
 #include "uReleasesModel.h"
 #include "uRibbonTable.h"
@@ -72,8 +73,9 @@ void TMainWindow::FillSortMenu()
 {
     FSortMenu->clear();
     const TListModel& list = *CurrentModel();
-    for (const QString& field : {u"TrackTitle"_s, u"TrackLength"_s, u"Artist"_s, u"ReleaseName"_s, u"ReleaseYear"_s,
-                                 u"DateAdded"_s, u"Rating_Calc"_s, u"MediaType"_s, u"Genre"_s, u"Label"_s, u"No"_s}) {
+    for (const TColumnName field :
+         {Col::TrackTitle, Col::TrackLength, Col::Artist, Col::ReleaseName, Col::ReleaseYear, Col::DateAdded,
+          Col::Rating_Calc, Col::MediaType, Col::Genre, Col::Label, Col::No}) {
         const int column = list.ColumnOf(field);
         if (column < 0)
             continue;

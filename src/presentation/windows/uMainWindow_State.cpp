@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uActionSet.h"
 #include "uAlbumTable.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uDetailPane.h"
 #include "uEmptyPage.h"
@@ -217,9 +218,9 @@ void TMainWindow::ShowSort()
     FFilters->SetSort(caption, marks.empty() || marks.front().Ascending, FSortMenu);
     if (!FForm.TracksShown()) {
         const QString first = sort.empty() ? QString() : sort.front().Column;
-        FShelfPainter.SetOrder(first == "No"_L1            ? soNumber
-                               : first == "Artist"_L1      ? soArtist
-                               : first == "ReleaseYear"_L1 ? soYear
+        FShelfPainter.SetOrder(first == Col::No            ? soNumber
+                               : first == Col::Artist      ? soArtist
+                               : first == Col::ReleaseYear ? soYear
                                                            : soOther);
         FTiles->viewport()->update();
     }
@@ -328,7 +329,7 @@ void TMainWindow::FocusRelease(qint64 id)
         const TVariant shown =
             row < 0
                 ? TVariant()
-                : FForm.Lists().Active().List().ValueAt(row, FForm.Lists().Active().List().FieldIndex(u"ReleaseId"_s));
+                : FForm.Lists().Active().List().ValueAt(row, FForm.Lists().Active().List().FieldIndex(Col::ReleaseId));
         const int first = FForm.Lists().Active().List().RowOfKey(FForm.Data().FirstTrackOf(id));
         if (shown.toLongLong() != id && first >= 0)
             FocusRow(first);

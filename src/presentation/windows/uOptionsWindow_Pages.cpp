@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
 #include "uAdding.h"
+#include "uColumnNames.h"
 #include "uDictionaries.h"
 #include "uInfoGrabber.h"
 #include "uOptionsWindow.h"
@@ -123,7 +124,7 @@ void TOptionsWindow::DefaultValuesPage(TDataModuleMain& dataModule)
     if (dataModule.qFriends.Active())
         for (int row = 0; row < dataModule.qFriends.RecordCount(); ++row)
             friends.emplace_back(QString::number(dataModule.qFriends.KeyAt(row)),
-                                 VarToStr(dataModule.qFriends.ValueAt(row, dataModule.qFriends.FieldIndex(u"Name"_s))));
+                                 VarToStr(dataModule.qFriends.ValueAt(row, dataModule.qFriends.FieldIndex(Col::Name))));
     AddCodes(page, u"cSReleasesFieldOwnerId"_s, friends, values.Owner > 0 ? QString::number(values.Owner) : QString(),
              [&values](const QString& id) { values.Owner = id.toInt(); });
     AddCheck(page, u"cSReleasesFieldIsLive"_s, values.IsLive);

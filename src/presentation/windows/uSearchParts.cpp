@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uSearchParts.h"
 
+#include "uColumnNames.h"
 #include "uCoverArt.h"
 #include "uDialog.h"
 #include "uIcons.h"
@@ -34,9 +35,9 @@ class TChosenRow : public QWidget {
 public:
     TChosenRow(const TSavedRelease& saved, QWidget* parent) : QWidget(parent), FPicture(saved.Cover)
     {
-        FTitle = VarToStr(saved.Release->GetItem2(u"ReleaseName"_s));
-        FArtist = VarToStr(saved.Release->GetItem2(u"Artist"_s));
-        FType = VarToStr(saved.Release->GetItem2(u"MediaType"_s));
+        FTitle = VarToStr(saved.Release->GetItem2(Col::ReleaseName));
+        FArtist = VarToStr(saved.Release->GetItem2(Col::Artist));
+        FType = VarToStr(saved.Release->GetItem2(Col::MediaType));
         if (!saved.Complete)
             setToolTip(GetLanguageString(u"cSSummaryOnly"_s));
         FSummary = !saved.Complete;

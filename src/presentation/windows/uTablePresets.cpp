@@ -3,6 +3,7 @@
 
 #include "frmMain.h"
 #include "uAlbumTable.h"
+#include "uColumnNames.h"
 #include "uFieldTable.h"
 
 #include <algorithm>
@@ -17,44 +18,44 @@ const std::vector<TTableViewCustomizationConf>& TablePresets()
         {"btnTableViewPresetReleaseInfo",
          "cSPresetReleaseInfo",
          false,
-         {u"No"_s, u"ThumbPicture"_s, u"Artist"_s, u"ReleaseName"_s, u"ReleaseYear"_s, u"MediaType"_s, u"Label"_s,
-          u"CatalogNO"_s, u"CountryCode"_s, u"DiscCount"_s, u"Rating_Calc"_s, u"Status"_s, u"Genre"_s, u"Location"_s},
+         {Col::No, Col::ThumbPicture, Col::Artist, Col::ReleaseName, Col::ReleaseYear, Col::MediaType, Col::Label,
+          Col::CatalogNO, Col::CountryCode, Col::DiscCount, Col::Rating_Calc, Col::Status, Col::Genre, Col::Location},
          {},
          {}},
         {"btnTableViewPresetPurchaseInfo",
          "cSPresetPurchaseInfo",
          false,
-         {u"No"_s, u"Artist"_s, u"ReleaseName"_s, u"DatePurchased"_s, u"PurchaseStore"_s, u"Price"_s, u"Currency"_s,
-          u"PriceValue"_s, u"SellingPrice"_s, u"PurchasedFrom"_s, u"BorrowedFrom"_s, u"OwnerId"_s, u"Quantity"_s},
+         {Col::No, Col::Artist, Col::ReleaseName, Col::DatePurchased, Col::PurchaseStore, Col::Price, Col::Currency,
+          Col::PriceValue, Col::SellingPrice, Col::PurchasedFrom, Col::BorrowedFrom, Col::OwnerId, Col::Quantity},
          {},
          {u"-DatePurchased"_s}},
         {"btnTableViewPresetMediaInfo",
          "cSPresetMediaInfo",
          false,
-         {u"Artist"_s, u"ReleaseName"_s, u"MediaType"_s, u"DiscCount"_s, u"Sides"_s, u"TotalTracksCount"_s,
-          u"TotalTracksLength"_s, u"Channels"_s, u"Spars"_s, u"Packaging"_s, u"MediaColor"_s, u"Condition"_s,
-          u"ConditionMedia"_s},
-         {u"MediaType"_s},
-         {u"Artist"_s, u"ReleaseName"_s}},
+         {Col::Artist, Col::ReleaseName, Col::MediaType, Col::DiscCount, Col::Sides, Col::TotalTracksCount,
+          Col::TotalTracksLength, Col::Channels, Col::Spars, Col::Packaging, Col::MediaColor, Col::Condition,
+          Col::ConditionMedia},
+         {Col::MediaType},
+         {Col::Artist, Col::ReleaseName}},
         {"btnTableViewPresetClassical",
          "cSPresetClassical",
          false,
-         {u"Composer"_s, u"Composition"_s, u"Artist"_s, u"ReleaseName"_s, u"Conductor"_s, u"Orchestra"_s, u"Chorus"_s,
-          u"Label"_s, u"ReleaseYear"_s, u"Spars"_s},
-         {u"Composer"_s},
-         {u"Composition"_s}},
+         {Col::Composer, Col::Composition, Col::Artist, Col::ReleaseName, Col::Conductor, Col::Orchestra, Col::Chorus,
+          Col::Label, Col::ReleaseYear, Col::Spars},
+         {Col::Composer},
+         {Col::Composition}},
         {"btnTableViewPresetAdditional",
          "cSPresetAdditional",
          false,
-         {u"Artist"_s, u"ReleaseName"_s, u"Barcode"_s, u"ASIN"_s, u"DiscogsID"_s, u"MusicBrainzID"_s, u"DataProvider"_s,
-          u"Link"_s, u"FolderPath"_s, u"DateAdded"_s, u"LastModified"_s, u"Comments"_s},
+         {Col::Artist, Col::ReleaseName, Col::Barcode, Col::ASIN, Col::DiscogsID, Col::MusicBrainzID, Col::DataProvider,
+          Col::Link, Col::FolderPath, Col::DateAdded, Col::LastModified, Col::Comments},
          {},
          {u"-LastModified"_s}},
         {"btnTableViewPresetTracksGeneral",
          "cSPresetTracksGeneral",
          true,
-         {u"TrackNo"_s, u"TrackTitle"_s, u"Artist"_s, u"TrackLength"_s, u"ReleaseName"_s, u"ReleaseArtist"_s,
-          u"DiscNo"_s, u"ReleaseYear"_s, u"Genre"_s, u"Rating_Calc"_s, u"MediaType"_s},
+         {Col::TrackNo, Col::TrackTitle, Col::Artist, Col::TrackLength, Col::ReleaseName, Col::ReleaseArtist,
+          Col::DiscNo, Col::ReleaseYear, Col::Genre, Col::Rating_Calc, Col::MediaType},
          {},
          {}}};
     return presets;
@@ -75,7 +76,7 @@ void ShowColumns(TAlbumTable& table, const QStringList& columns)
         header->setSectionHidden(column, false);
         header->moveSection(header->visualIndex(column), visual++);
         const int usual = FieldInfoOf(field).Width;
-        const int least = field == "ThumbPicture"_L1 ? 36 : header->CaptionWidth(column) + 12;
+        const int least = field == Col::ThumbPicture ? 36 : header->CaptionWidth(column) + 12;
         header->resizeSection(column, std::max(least, usual));
     }
 }

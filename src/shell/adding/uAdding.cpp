@@ -5,6 +5,7 @@
 #include "frmAddMusic.h"
 #include "frmImport.h"
 #include "frmServiceUpdater.h"
+#include "uColumnNames.h"
 #include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uImport.h"
@@ -70,7 +71,7 @@ void TAdding::AddFolders(const QStringList& paths)
 void TAdding::AddByHand(const QString& name)
 {
     TAlbumRelease release;
-    release.SetItem2(u"ReleaseName"_s, name);
+    release.SetItem2(Col::ReleaseName, name);
     if (!FShell.CanWrite() || !FShell.Attempt([&] { FShell.Data().AddAlbumReleaseToDB(release, true); }))
         return;
     Q_EMIT added();

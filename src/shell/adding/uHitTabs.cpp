@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uHitTabs.h"
 
+#include "uColumnNames.h"
 #include "uDebugLog.h"
 #include "uReleaseDetails.h"
 #include "uTHStrings.h"
@@ -213,13 +214,13 @@ void THitTabs::FillRows(TSearchHit& hit) const
 {
     const TAlbumRelease& release = *hit.DataPointer;
     const auto text = [&](const QString& key) { return VarToStr(release.GetItem2(key)); };
-    hit.Artist = text(u"Artist"_s);
-    hit.ReleaseName = text(u"ReleaseName"_s);
-    hit.ReleaseYear = text(u"ReleaseYear"_s);
-    hit.Label = text(u"Label"_s);
-    hit.CatalogNo = text(u"CatalogNo"_s);
-    hit.Country = text(u"CountryCode"_s);
-    hit.Type = text(u"MediaType"_s);
+    hit.Artist = text(Col::Artist);
+    hit.ReleaseName = text(Col::ReleaseName);
+    hit.ReleaseYear = text(Col::ReleaseYear);
+    hit.Label = text(Col::Label);
+    hit.CatalogNo = text(Col::CatalogNO);
+    hit.Country = text(Col::CountryCode);
+    hit.Type = text(Col::MediaType);
     hit.Yours = FOwned.Loaded() && FOwned.Holds(release);
 }
 

@@ -2,6 +2,7 @@
 #include "uOwnedReleases.h"
 
 #include "dmMain.h"
+#include "uColumnNames.h"
 #include "uDebugLog.h"
 
 namespace Kestrune {
@@ -61,9 +62,9 @@ void TOwnedReleases::ReadStep()
 bool TOwnedReleases::Holds(const TAlbumRelease& release) const
 {
     const auto text = [&](const QString& key) { return VarToStr(release.GetItem2(key)); };
-    return FBarcodes.contains(ComparedBarcode(text(u"Barcode"_s))) ||
-           FCatalogNumbers.contains(ComparedCatalogNo(text(u"CatalogNo"_s))) ||
-           FDiscogsIDs.contains(text(u"DiscogsID"_s)) || FMusicBrainzIDs.contains(text(u"MusicBrainzID"_s).toLower());
+    return FBarcodes.contains(ComparedBarcode(text(Col::Barcode))) ||
+           FCatalogNumbers.contains(ComparedCatalogNo(text(Col::CatalogNO))) ||
+           FDiscogsIDs.contains(text(Col::DiscogsID)) || FMusicBrainzIDs.contains(text(Col::MusicBrainzID).toLower());
 }
 
 QString ComparedBarcode(const QString& barcode)

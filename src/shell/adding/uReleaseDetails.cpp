@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uReleaseDetails.h"
 
+#include "uColumnNames.h"
 #include "uColumns.h"
 #include "uDictionaries.h"
 #include "uFieldEditors.h"
@@ -18,36 +19,36 @@ namespace {
 
 const QStringList& DetailColumns()
 {
-    static const QStringList columns{u"Artist"_s,
-                                     u"ReleaseName"_s,
-                                     u"MediaType"_s,
-                                     u"ReleaseDate"_s,
-                                     u"ReleaseYear"_s,
-                                     u"OriginalReleaseDate"_s,
-                                     u"OriginalReleaseYear"_s,
-                                     u"Label"_s,
-                                     u"Genre"_s,
-                                     u"Barcode"_s,
-                                     u"CatalogNo"_s,
-                                     u"ASIN"_s,
-                                     u"CountryCode"_s,
-                                     u"Packaging"_s,
-                                     u"Spars"_s,
-                                     u"Channels"_s,
-                                     u"Composer"_s,
-                                     u"Conductor"_s,
-                                     u"Orchestra"_s,
-                                     u"Chorus"_s,
-                                     u"IsLive"_s,
-                                     u"IsRare"_s,
-                                     u"IsCompilation"_s,
-                                     u"IsReissue"_s,
-                                     u"Price"_s,
-                                     u"Currency"_s,
-                                     u"Comments"_s,
-                                     u"DataProvider"_s,
-                                     u"Link"_s,
-                                     u"BuyNowLink"_s};
+    static const QStringList columns{Col::Artist,
+                                     Col::ReleaseName,
+                                     Col::MediaType,
+                                     Col::ReleaseDate,
+                                     Col::ReleaseYear,
+                                     Col::OriginalReleaseDate,
+                                     Col::OriginalReleaseYear,
+                                     Col::Label,
+                                     Col::Genre,
+                                     Col::Barcode,
+                                     Col::CatalogNO,
+                                     Col::ASIN,
+                                     Col::CountryCode,
+                                     Col::Packaging,
+                                     Col::Spars,
+                                     Col::Channels,
+                                     Col::Composer,
+                                     Col::Conductor,
+                                     Col::Orchestra,
+                                     Col::Chorus,
+                                     Col::IsLive,
+                                     Col::IsRare,
+                                     Col::IsCompilation,
+                                     Col::IsReissue,
+                                     Col::Price,
+                                     Col::Currency,
+                                     Col::Comments,
+                                     Col::DataProvider,
+                                     Col::Link,
+                                     Col::BuyNowLink};
     return columns;
 }
 
@@ -58,7 +59,7 @@ QString DetailValue(const QString& column, const TVariant& value)
     if (value.typeId() == QMetaType::Bool)
         return GetLanguageString(value.toBool() ? u"cSYes"_s : u"cSNo"_s);
     const QString text = VarToStr(value);
-    if (column != "CountryCode"_L1)
+    if (column != Col::CountryCode)
         return text;
     const auto& countries = Countries();
     const auto found = std::ranges::find(countries, text, &TCountry::Value);
@@ -68,7 +69,7 @@ QString DetailValue(const QString& column, const TVariant& value)
 QString DetailLabel(const QString& column)
 {
     for (const TColumnDef& def : ReleaseColumns()) {
-        if (column.compare(QLatin1StringView(def.Name), Qt::CaseInsensitive) == 0)
+        if (column.compare(def.Name.View(), Qt::CaseInsensitive) == 0)
             return GetLanguageString(QString::fromLatin1(def.LabelKey));
     }
     return column;
@@ -80,8 +81,8 @@ TDetailData BuildReleaseDetails(const TAlbumRelease& release)
 {
     TDetailData detail;
     const auto text = [&](const QString& key) { return VarToStr(release.GetItem2(key)); };
-    detail.Title = text(u"ReleaseName"_s);
-    detail.Artist = text(u"Artist"_s);
+    detail.Title = text(Col::ReleaseName);
+    detail.Artist = text(Col::Artist);
     for (const TCoverPictureType type : {cptFrontLarge, cptFrontThumb}) {
         const TCoverPicture* cover = release.GetPicByType(type);
         if (cover && cover->HasImage() && detail.Cover.isEmpty())

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uListSearch.h"
 
+#include "uColumnNames.h"
 #include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uLists.h"
@@ -172,7 +173,7 @@ void TListSearch::FindLetterHits()
 {
     const int field = FLists.Releases().Filters().Set().LetterField;
     try {
-        FLetterHits = FShell.Data().FirstLetters(field == 0 ? u"Artist"_s : u"ReleaseName"_s);
+        FLetterHits = FShell.Data().FirstLetters(field == 0 ? Col::Artist : Col::ReleaseName);
     } catch (const EDatabaseError& failure) {
         DebugLog(u"[Letters] %1"_s.arg(failure.Text()));
         return;

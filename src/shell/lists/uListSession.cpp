@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uListSession.h"
 
+#include "uColumnNames.h"
 #include "uDebugLog.h"
 #include "uShell.h"
 #include "uTHSettings.h"
@@ -55,7 +56,7 @@ void TListSession::SetFocused(qint64 key)
 
 qint64 TListSession::ReleaseOf(qint64 key) const
 {
-    if (FList.ReleaseKey() == "ID"_L1) // the rows are releases themselves
+    if (FList.ReleaseKey() == Col::ID) // the rows are releases themselves
         return FList.RowOfKey(key) < 0 ? 0 : key;
     const int row = FList.RowOfKey(key);
     return row < 0 ? 0 : FList.ValueAt(row, FList.FieldIndex(FList.ReleaseKey())).toLongLong();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uDetailSession.h"
 
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uEditSession.h"
 #include "uLists.h"
@@ -61,7 +62,7 @@ void TDetailSession::BindActions()
 
 void TDetailSession::OpenFolder()
 {
-    const QString folder = VarToStr(Value(u"FolderPath"_s));
+    const QString folder = VarToStr(Value(Col::FolderPath));
     if (folder.isEmpty())
         FShell.Tell(bkWarning, GetLanguageString(u"cSNoFolder"_s));
     else if (!QFileInfo::exists(folder))
@@ -121,7 +122,7 @@ bool TDetailSession::Edit(const QString& field, const TVariant& value)
 
 void TDetailSession::SetRating(int halfStars)
 {
-    if (!Edit(u"Rating_Calc"_s, std::clamp(halfStars, 0, 10) / 2.0))
+    if (!Edit(Col::Rating_Calc, std::clamp(halfStars, 0, 10) / 2.0))
         Refresh(); // the stars show again what is in the file
 }
 

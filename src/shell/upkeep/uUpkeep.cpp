@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uUpkeep.h"
 
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uFieldEditors.h"
 #include "uFilePath.h"
@@ -77,10 +78,10 @@ void TUpkeep::BindActions()
     actions.Bind(
         u"actToggleDebug"_s, [this] { Q_EMIT debugWindowToggled(); }, [this] { return FDebugMode; });
     const std::pair<QString, QString> dictionaries[] = {
-        {u"actEditMediaTypes"_s, u"MediaType"_s},   {u"actEditGenres"_s, u"Genre"_s},
-        {u"actEditConditions"_s, u"Condition"_s},   {u"actEditPackaging"_s, u"Packaging"_s},
-        {u"actEditStatuses"_s, u"Status"_s},        {u"actEditChannels"_s, u"Channels"_s},
-        {u"actEditInstruments"_s, u"Instrument"_s}, {u"actEditLocations"_s, u"Location"_s}};
+        {u"actEditMediaTypes"_s, Col::MediaType},   {u"actEditGenres"_s, Col::Genre},
+        {u"actEditConditions"_s, Col::Condition},   {u"actEditPackaging"_s, Col::Packaging},
+        {u"actEditStatuses"_s, Col::Status},        {u"actEditChannels"_s, Col::Channels},
+        {u"actEditInstruments"_s, Col::Instrument}, {u"actEditLocations"_s, Col::Location}};
     for (const auto& [action, column] : dictionaries)
         actions.Bind(action, [this, column = column] { Q_EMIT dictionaryRequested(column); });
 }
