@@ -39,7 +39,7 @@ qint64 TDataModuleMain::DeleteUndoably(TListDataset& list, const std::vector<qin
     Q_ASSERT(OnMainThread());
     try {
         TSQLiteTransaction transaction(FConnection);
-        const qint64 number = FDeleted.Keep(list.Table(), keys);
+        const qint64 number = FDeleted.Keep(list.Def().Table, keys);
         list.DeleteKeys(keys);
         FDeleted.Settle(number);
         transaction.Commit();

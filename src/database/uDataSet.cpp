@@ -19,51 +19,28 @@ namespace {
 
 constexpr double MostStars = 5.0;
 
-QString Quoted(const QString& name) { return u'"' + name + u'"'; }
-
-} // namespace
-
-TVariant TDataset::FromStored(const TVariant& value, TFieldKind kind)
+// A record that was written holds no pictures: they are read when they are asked for.
+void DropPictures(std::vector<TVariant>& record, const std::vector<TFieldDef>& fields)
 {
-    switch (kind) {
-    case fkBoolean: return value.typeId() == QMetaType::LongLong ? TVariant(value.toLongLong() != 0) : value;
-    case fkFloat: return value.typeId() == QMetaType::LongLong ? TVariant(value.toDouble()) : value;
-    case fkDate: {
-        const QDate date = QDate::fromString(value.toString(), u"yyyy-MM-dd"_s);
-        return date.isValid() ? TVariant(date) : value;
-    }
-    case fkMemo: // text columns declared as blobs hold either
-        return value.typeId() == QMetaType::QByteArray ? TVariant(QString::fromUtf8(value.toByteArray())) : value;
-    default: return value;
+    for (size_t i = 0; i < fields.size(); ++i) {
+        if (fields[i].Lazy)
+            record[i] = TVariant();
     }
 }
 
-TDataset::TDataset(TSQLiteConnection& connection, TDatasetDef def) : FConnection(connection), FDef(std::move(def))
+} // namespace
+
+TDataset::TDataset(TSQLiteConnection& connection, TDatasetDef def)
+    : FConnection(connection), FRows(connection, std::move(def))
 {
-    for (int i = 0; i < static_cast<int>(FDef.Fields.size()); ++i) {
-        const TFieldDef& field = FDef.Fields[static_cast<size_t>(i)];
-        FFieldIndex.insert(field.Name.toLower(), i);
-        if (!field.Expression.isEmpty() && !field.Lazy)
-            FSelected.push_back(i);
-    }
+    for (int i = 0; i < static_cast<int>(Fields().size()); ++i)
+        FFieldIndex.insert(FRows.Field(i).Name.toLower(), i);
     FRatingField = FieldIndex(Col::Rating);
     FRatingCalcField = FieldIndex(Col::Rating_Calc);
     FReleaseField = FieldIndex(u"Release"_s);
 }
 
 int TDataset::FieldIndex(const QString& name) const { return FFieldIndex.value(name.toLower(), -1); }
-
-QString TDataset::SelectSQL(bool ownOnly) const
-{
-    QStringList columns{FDef.KeyExpression};
-    for (const int field : FSelected) {
-        const TFieldDef& def = FDef.Fields[static_cast<size_t>(field)];
-        columns.append((ownOnly && def.ReadOnly ? u"NULL"_s : def.Expression) + u" AS "_s + Quoted(def.Name));
-    }
-    return u"SELECT %1 FROM %2"_s.arg(columns.join(u", "_s), FDef.From);
-}
-
-QString TDataset::RowRefreshSQL() const { return SelectSQL() + u" WHERE %1 = :OLD_ID"_s.arg(FDef.KeyExpression); }
 
 void TDataset::Close()
 {
@@ -127,23 +104,23 @@ TVariant TDataset::Computed(const TRecord& record, int field) const
 
 TVariant TDataset::Value(int field) const
 {
-    if (field < 0 || field >= static_cast<int>(FDef.Fields.size()))
+    if (field < 0 || field >= static_cast<int>(Fields().size()))
         return {};
     if (FState != dsEdit && FState != dsInsert)
         return ValueAt(FRecNo, field);
-    const TFieldDef& def = FDef.Fields[static_cast<size_t>(field)];
+    const TFieldDef& def = FRows.Field(field);
     if (def.Expression.isEmpty())
         return Computed(FBuffer, field);
     if (def.Lazy && FState == dsEdit && !FChanged[static_cast<size_t>(field)])
-        return ReadBlobOf(FEditKey, field);
+        return FRows.ReadBlob(FEditKey, field);
     return FBuffer[static_cast<size_t>(field)];
 }
 
 TVariant TDataset::ValueAt(int row, int field) const
 {
-    if (row < 0 || field < 0 || field >= static_cast<int>(FDef.Fields.size()))
+    if (row < 0 || field < 0 || field >= static_cast<int>(Fields().size()))
         return {};
-    const TFieldDef& def = FDef.Fields[static_cast<size_t>(field)];
+    const TFieldDef& def = FRows.Field(field);
     if (def.Lazy) {
         const QByteArray bytes = ReadBlob(row, field);
         return bytes.isEmpty() ? TVariant() : TVariant(bytes);
@@ -154,26 +131,13 @@ TVariant TDataset::ValueAt(int row, int field) const
     return def.Expression.isEmpty() ? Computed(record, field) : record[static_cast<size_t>(field)];
 }
 
-QByteArray TDataset::ReadBlob(int row, int field) const { return ReadBlobOf(KeyAt(row), field); }
-
-QByteArray TDataset::ReadBlobOf(qint64 key, int field) const
-{
-    if (key == 0 || field < 0)
-        return {};
-    const TFieldDef& def = FDef.Fields[static_cast<size_t>(field)];
-    const QByteArray bytes =
-        FConnection
-            .Scalar(u"SELECT %1 FROM %2 WHERE %3 = ?"_s.arg(def.Expression, FDef.From, FDef.KeyExpression), {key})
-            .toByteArray();
-    FConnection.NoteRead(bytes.size());
-    return bytes;
-}
+QByteArray TDataset::ReadBlob(int row, int field) const { return FRows.ReadBlob(KeyAt(row), field); }
 
 void TDataset::SetValue(int field, const TVariant& value)
 {
     if (field < 0)
         return;
-    const TFieldDef& def = FDef.Fields[static_cast<size_t>(field)];
+    const TFieldDef& def = FRows.Field(field);
     if (def.ReadOnly || def.AutoIncrement)
         throw EDatabaseError(GetLanguageString(u"cSFieldReadOnly"_s).replace(u"%s"_s, def.Name));
     if (FState == dsBrowse)
@@ -201,8 +165,8 @@ void TDataset::Append()
         throw EDatabaseError(GetLanguageString(u"cSNoCollectionOpen"_s));
     Post(); // an edit that is open goes into the file first
     PrepareAppend();
-    FBuffer.assign(FDef.Fields.size(), TVariant());
-    FChanged.assign(FDef.Fields.size(), false);
+    FBuffer.assign(Fields().size(), TVariant());
+    FChanged.assign(Fields().size(), false);
     FState = dsInsert;
     if (AfterInsert)
         AfterInsert(*this);
@@ -216,8 +180,8 @@ void TDataset::Edit()
         throw EDatabaseError(GetLanguageString(u"cSNoRecord"_s));
     FEditKey = KeyAt(FRecNo);
     FBuffer = RecordAt(FRecNo);
-    FBuffer.resize(FDef.Fields.size());
-    FChanged.assign(FDef.Fields.size(), false);
+    FBuffer.resize(Fields().size());
+    FChanged.assign(Fields().size(), false);
     FState = dsEdit;
 }
 
@@ -249,87 +213,10 @@ bool TDataset::IsChanged(int field) const
     return FState == dsInsert || (FState == dsEdit && field >= 0 && FChanged[static_cast<size_t>(field)]);
 }
 
-bool TDataset::IsWritten(size_t field) const
-{
-    const TFieldDef& def = FDef.Fields[field];
-    return !def.ReadOnly && !def.AutoIncrement && !def.Expression.isEmpty();
-}
-
-const QString& TDataset::InsertSQL(const std::vector<bool>& columns)
-{
-    QString& sql = FInsertSQL[columns];
-    if (!sql.isEmpty())
-        return sql;
-    QStringList names;
-    for (size_t i = 0; i < columns.size(); ++i) {
-        if (columns[i])
-            names.append(Quoted(FDef.Fields[i].Name));
-    }
-    const QString marks = QString(u"?,"_s).repeated(names.size()).chopped(1);
-    sql = names.isEmpty() ? u"INSERT INTO %1 DEFAULT VALUES"_s.arg(FDef.Table)
-                          : u"INSERT INTO %1 (%2) VALUES (%3)"_s.arg(FDef.Table, names.join(u','), marks);
-    return sql;
-}
-
-qint64 TDataset::WriteInsert(const TRecord& record)
-{
-    // Columns without a value are left out, so that the file's own defaults stand.
-    std::vector<bool> columns(FDef.Fields.size());
-    std::vector<TVariant> values;
-    for (size_t i = 0; i < FDef.Fields.size(); ++i) {
-        columns[i] = IsWritten(i) && !VarIsNull(record[i]);
-        if (columns[i])
-            values.push_back(record[i]);
-    }
-    TSQLiteStatement& statement = FConnection.Cached(InsertSQL(columns));
-    statement.BindAll(values);
-    statement.Execute();
-    return FConnection.LastInsertRowId();
-}
-
 void TDataset::WriteUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed)
 {
-    if (!TryUpdate(key, record, changed))
+    if (!FRows.Update(key, record, changed))
         throw EDatabaseError(GetLanguageString(u"cSRecordGone"_s));
-}
-
-bool TDataset::TryUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed)
-{
-    QStringList terms;
-    std::vector<TVariant> values;
-    for (size_t i = 0; i < FDef.Fields.size(); ++i) {
-        if (!changed[i] || !IsWritten(i))
-            continue;
-        terms.append(Quoted(FDef.Fields[i].Name) + u"=?"_s);
-        values.push_back(record[i]);
-    }
-    if (terms.isEmpty())
-        return true;
-    values.push_back(key);
-    TSQLiteStatement& statement =
-        FConnection.Cached(u"UPDATE %1 SET %2 WHERE ID=?"_s.arg(FDef.Table, terms.join(u',')));
-    statement.BindAll(values);
-    statement.Execute();
-    return FConnection.RowsChanged() > 0;
-}
-
-void TDataset::WriteDeletes(const std::vector<qint64>& keys)
-{
-    TSQLiteTransaction transaction(FConnection);
-    for (const qint64 key : keys) {
-        TSQLiteStatement& statement = FConnection.Cached(u"DELETE FROM %1 WHERE ID=?"_s.arg(FDef.Table));
-        statement.Bind(1, key);
-        statement.Execute();
-    }
-    transaction.Commit();
-}
-
-void TDataset::DropPictures()
-{
-    for (size_t i = 0; i < FDef.Fields.size(); ++i) {
-        if (FDef.Fields[i].Lazy)
-            FBuffer[i] = TVariant();
-    }
 }
 
 void TDataset::InsertRecord()
@@ -337,7 +224,7 @@ void TDataset::InsertRecord()
     const qint64 key = WriteInsert(FBuffer);
     if (const int id = FieldIndex(Col::ID); id >= 0)
         FBuffer[static_cast<size_t>(id)] = key;
-    DropPictures();
+    DropPictures(FBuffer, Fields());
     FState = dsBrowse;
     const int row = AppendRecord(key, std::move(FBuffer));
     FBuffer.clear();
@@ -351,7 +238,7 @@ void TDataset::InsertRecord()
 void TDataset::UpdateRecord()
 {
     WriteUpdate(FEditKey, FBuffer, FChanged);
-    DropPictures();
+    DropPictures(FBuffer, Fields());
     FState = dsBrowse;
     StoreRecord(FEditKey, std::move(FBuffer));
     FBuffer.clear();
@@ -389,8 +276,8 @@ int TDataset::UpdateKeys(const std::vector<qint64>& keys, const std::vector<std:
         return 0;
     Post();
     // One edit of no record stands for all: what the rules make of the values does not depend on the record.
-    FBuffer.assign(FDef.Fields.size(), TVariant());
-    FChanged.assign(FDef.Fields.size(), false);
+    FBuffer.assign(Fields().size(), TVariant());
+    FChanged.assign(Fields().size(), false);
     FEditKey = 0;
     FState = dsEdit;
     const auto end = qScopeGuard([this] { Cancel(); });
@@ -403,27 +290,12 @@ int TDataset::UpdateKeys(const std::vector<qint64>& keys, const std::vector<std:
     int found = 0;
     TSQLiteTransaction transaction(FConnection);
     for (const qint64 key : keys) {
-        found += TryUpdate(key, FBuffer, FChanged) ? 1 : 0;
+        found += FRows.Update(key, FBuffer, FChanged) ? 1 : 0;
         if (++done % 100 == 0 && progress && !progress(done, count))
             return 0;
     }
     transaction.Commit();
     return found;
-}
-
-void TDataset::RefreshRow(qint64 key)
-{
-    const int row = RowOfKey(key);
-    if (row < 0)
-        return;
-    TSQLiteStatement& statement = FConnection.Cached(RowRefreshSQL());
-    statement.Bind(1, key);
-    const bool found = statement.Step();
-    if (found)
-        StoreRecord(key, ReadRecord(statement));
-    statement.Reset();
-    if (found && SignalsEnabled())
-        Q_EMIT recordChanged(row);
 }
 
 void TDataset::EnableControls()
@@ -444,16 +316,6 @@ void TDataset::NotifyReset()
         return;
     Q_EMIT dataReset();
     Q_EMIT currentChanged();
-}
-
-TDataset::TRecord TDataset::ReadRecord(TSQLiteStatement& statement) const
-{
-    TRecord record(FDef.Fields.size());
-    int column = 1; // the key comes first
-    for (const int field : FSelected)
-        record[static_cast<size_t>(field)] =
-            FromStored(statement.Column(column++), FDef.Fields[static_cast<size_t>(field)].Kind);
-    return record;
 }
 
 } // namespace Kestrune

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "uColumns.h"
 #include "uFilter.h"
 #include "uSQLite.h"
 #include "uTHTypes.h"
+#include "uTableRows.h"
 
 #include <QCache>
 #include <QObject>
@@ -20,20 +20,6 @@ namespace Kestrune {
 enum class TDatasetState : quint8 { dsInactive, dsBrowse, dsEdit, dsInsert };
 using enum TDatasetState;
 
-/// What a cursor reads and which table its edits go to.
-struct TDatasetDef {
-    QString Name;
-    QString Table;         ///< table that Post writes to; empty for a cursor that is only read
-    QString KeyExpression; ///< as in "R.ID"
-    QString From;          ///< what follows FROM, with joins
-    QString Where;         ///< fixed condition, with ? for the parameter; empty for none
-    QString OrderBy;       ///< fixed order; empty for the key
-    std::vector<TFieldDef> Fields;
-    QString RowName;    ///< what one row is, as an element of an export names it: "Release"
-    QString TitleField; ///< by which a user knows a row
-    QString ReleaseKey; ///< field with the key of the release to which a row belongs; empty for none
-};
-
 /// A cursor over the collection: an ordered set of records of which one is current. It is the one way in which
 /// records change: SetValue changes a copy of the current record, Post writes the changed columns by one INSERT or
 /// UPDATE, and the hooks put the rules of the collection on every path. Failures throw EDatabaseError and leave the
@@ -42,24 +28,15 @@ class TDataset : public QObject {
     Q_OBJECT
 
 public:
-    using TRecord = std::vector<TVariant>;
+    using TRecord = TTableRows::TRecord;
     using THook = std::function<void(TDataset&)>;
 
     TDataset(TSQLiteConnection& connection, TDatasetDef def);
 
-    const QString& Name() const { return FDef.Name; }
-    const std::vector<TFieldDef>& Fields() const { return FDef.Fields; }
-    const QString& Table() const { return FDef.Table; }
-    const QString& RowName() const { return FDef.RowName; }
-    const QString& TitleField() const { return FDef.TitleField; }
-    const QString& ReleaseKey() const { return FDef.ReleaseKey; }
+    const TDatasetDef& Def() const { return FRows.Def(); }
+    const std::vector<TFieldDef>& Fields() const { return Def().Fields; }
     /// Index of a field, compared without case, or -1.
     int FieldIndex(const QString& name) const;
-    /// The SELECT that reads whole records, without condition and order. `ownOnly`: null for what comes from other
-    /// tables.
-    QString SelectSQL(bool ownOnly = false) const;
-    /// The statement that reads one record again, by its key as the parameter :OLD_ID.
-    QString RowRefreshSQL() const;
 
     bool Active() const { return FState != dsInactive; }
     TDatasetState State() const { return FState; }
@@ -120,8 +97,6 @@ public:
     /// what fails changes none.
     int UpdateKeys(const std::vector<qint64>& keys, const std::vector<std::pair<QString, TVariant>>& values,
                    const std::function<bool(int done, int count)>& progress);
-    /// Reads one record again from the file.
-    void RefreshRow(qint64 key);
     /// Drops what was read, so that it is read again when it is next looked at; an edit stays open.
     virtual void ForgetRecords() = 0;
     /// What was written may have been undone: reads again which records there are. An edit stays open.
@@ -158,15 +133,12 @@ protected:
     /// Called before a new record is begun.
     virtual void PrepareAppend() {}
     // The three ways in which records are written. The first gives the new key.
-    virtual qint64 WriteInsert(const TRecord& record);
+    virtual qint64 WriteInsert(const TRecord& record) { return FRows.Insert(record); }
     virtual void WriteUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed);
-    virtual void WriteDeletes(const std::vector<qint64>& keys);
+    virtual void WriteDeletes(const std::vector<qint64>& keys) { FRows.Delete(keys); }
 
     TSQLiteConnection& Connection() const { return FConnection; }
-    const TDatasetDef& Def() const { return FDef; }
-    TRecord ReadRecord(TSQLiteStatement& statement) const;
-    /// A stored value as the kind of its field says; a value of another kind (SQLite keeps any) stays as it is.
-    static TVariant FromStored(const TVariant& value, TFieldKind kind);
+    const TTableRows& Rows() const { return FRows; }
     bool SignalsEnabled() const { return FControlsDisabled == 0; }
     void SetState(TDatasetState state) { FState = state; }
     void SetRecNo(int row);
@@ -174,18 +146,12 @@ protected:
 
 private:
     TVariant Computed(const TRecord& record, int field) const;
-    QByteArray ReadBlobOf(qint64 key, int field) const;
-    bool IsWritten(size_t field) const;
-    const QString& InsertSQL(const std::vector<bool>& columns);
-    bool TryUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed);
-    void DropPictures();
     void InsertRecord();
     void UpdateRecord();
 
     TSQLiteConnection& FConnection;
-    TDatasetDef FDef;
+    TTableRows FRows;
     QHash<QString, int> FFieldIndex;
-    std::vector<int> FSelected; // fields in the order of the SELECT
     int FRatingField = -1;
     int FRatingCalcField = -1;
     int FReleaseField = -1;
@@ -195,7 +161,6 @@ private:
     qint64 FEditKey = 0; // of the record in edit: the rows may be others by the time it is posted
     TRecord FBuffer;
     std::vector<bool> FChanged;
-    std::map<std::vector<bool>, QString> FInsertSQL; // by the columns that have a value
 };
 
 /// A cursor that holds all its records: the children of one release, the friends, the loans. With a master it

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 void TDetailDataset::Open()
 {
-    Connection().Cached(RowRefreshSQL()); // a file that lacks a column is refused here, not when it is looked at
+    Connection().Cached(Rows().RowRefreshSQL()); // a file that lacks a column is refused here, not when it is looked at
     SetState(dsBrowse);
     FLoaded = false;
     FRecords.clear();
@@ -248,7 +248,7 @@ void TDetailDataset::Load() const
 {
     FLoaded = true;
     FRecords.clear();
-    QString sql = SelectSQL();
+    QString sql = Rows().SelectSQL();
     if (!Def().Where.isEmpty())
         sql += u" WHERE "_s + Def().Where;
     sql += u" ORDER BY "_s + (Def().OrderBy.isEmpty() ? Def().KeyExpression : Def().OrderBy);
@@ -256,7 +256,7 @@ void TDetailDataset::Load() const
     if (!Def().Where.isEmpty())
         statement.Bind(1, FParam);
     while (statement.Step())
-        FRecords.push_back(ReadRecord(statement));
+        FRecords.push_back(Rows().Read(statement));
     statement.Reset();
 }
 

@@ -27,7 +27,7 @@ TListDataset::TListDataset(TSQLiteConnection& connection, TDatasetDef def) : TDa
 
 void TListDataset::Open()
 {
-    Connection().Cached(RowRefreshSQL()); // a file that lacks a column is refused here, not while it is painted
+    Connection().Cached(Rows().RowRefreshSQL()); // a file that lacks a column is refused here, not while it is painted
     SetState(dsBrowse);
     ReadKeys();
     SetRecNo(FKeys.empty() ? -1 : 0);
@@ -272,9 +272,9 @@ void TListDataset::WalkRows(const std::vector<int>& fields,
         statement.Bind(1, KeyAt(row));
         const bool there = statement.Step();
         for (size_t i = 0; i < fields.size(); ++i)
-            values[i] =
-                there ? FromStored(statement.Column(static_cast<int>(i)), Fields()[static_cast<size_t>(fields[i])].Kind)
-                      : TVariant();
+            values[i] = there ? TTableRows::FromStored(statement.Column(static_cast<int>(i)),
+                                                       Fields()[static_cast<size_t>(fields[i])].Kind)
+                              : TVariant();
         statement.Reset();
         if (!receive(row, values))
             return;
@@ -317,7 +317,7 @@ void TListDataset::ReadBlock(int row) const
 {
     const int first = row / BlockSize * BlockSize;
     const int last = std::min(first + BlockSize, RecordCount());
-    const QString sql = RowRefreshSQL();
+    const QString sql = Rows().RowRefreshSQL();
     TSQLiteStatement* statement = &Connection().Cached(sql);
     for (int i = first; i < last; ++i) {
         const qint64 key = KeyAt(i);
@@ -329,7 +329,7 @@ void TListDataset::ReadBlock(int row) const
             if (!failure.IsNoDatabase())
                 throw;
             // A damaged table elsewhere must not cost what stands in this one.
-            const QString own = SelectSQL(true) + u" WHERE %1 = :OLD_ID"_s.arg(Def().KeyExpression);
+            const QString own = Rows().SelectSQL(true) + u" WHERE %1 = :OLD_ID"_s.arg(Def().KeyExpression);
             FCache.insert(key, new TRecord(ReadOne(key, Connection().Cached(own))));
             statement = &Connection().Cached(sql);
         }
@@ -341,7 +341,7 @@ void TListDataset::ReadBlock(int row) const
 TDataset::TRecord TListDataset::ReadOne(qint64 key, TSQLiteStatement& statement) const
 {
     statement.Bind(1, key);
-    TRecord record = statement.Step() ? ReadRecord(statement) : TRecord();
+    TRecord record = statement.Step() ? Rows().Read(statement) : TRecord();
     statement.Reset();
     return record;
 }

@@ -32,7 +32,7 @@ TExportSource::TExportSource(TDataModuleMain& data, TListDataset& list, std::vec
         FWalked.push_back(currency);
 }
 
-const QString& TExportSource::RowName() const { return FList.RowName(); }
+const QString& TExportSource::RowName() const { return FList.Def().RowName; }
 
 int TExportSource::RowCount() const { return FList.RecordCount(); }
 
@@ -123,7 +123,7 @@ std::pair<QString, QString> TExportSource::Names(int row) const
     const auto text = [&](const QString& name) {
         return TDataModuleMain::DisplayText(name, VarToStr(FList.ValueAt(row, FList.FieldIndex(name))));
     };
-    return {text(FList.TitleField()), text(Col::Artist)};
+    return {text(FList.Def().TitleField), text(Col::Artist)};
 }
 
 } // namespace Kestrune

@@ -61,7 +61,7 @@ TFilterCriterion StatusCriterion(const TListDataset& list, const QString& status
 {
     const bool own = list.FieldIndex(Col::Status) >= 0;
     return own ? TFilterCriterion{Col::Status, foEquals, status, status}
-               : TFilterCriterion{list.ReleaseKey(), foOfStatus, status, status};
+               : TFilterCriterion{list.Def().ReleaseKey, foOfStatus, status, status};
 }
 
 } // namespace Kestrune

@@ -74,7 +74,7 @@ void TViewFilters::SetEverything(const QString& words, const std::vector<qint64>
     if (words.isEmpty())
         return;
     FHits = FData.AddHits(releases);
-    FEverythingFilter = FList.Filter().Add({FList.ReleaseKey(), foIsHit, FHits, words});
+    FEverythingFilter = FList.Filter().Add({FList.Def().ReleaseKey, foIsHit, FHits, words});
 }
 
 bool TViewFilters::SetColumn(const QString& column, const QString& text)

@@ -493,7 +493,7 @@ TEST_F(Collection, ListsReadRowsInBlocksAndFreshOnesAfterAChange)
         other.Open(FPath);
         other.Exec(u"UPDATE Releases2 SET ReleaseName = 'elsewhere' WHERE ID = 100"_s);
     }
-    FData.qReleasesMain.RefreshRow(100);
+    FData.qReleasesMain.InvalidateRow(100);
     EXPECT_EQ(FData.qReleasesMain.ValueAt(99, name).toString(), u"elsewhere"_s);
     EXPECT_TRUE(VarIsNull(FData.qReleasesMain.ValueAt(150, name)));
     EXPECT_TRUE(VarIsNull(FData.qReleasesMain.ValueAt(-1, name)));

@@ -93,7 +93,7 @@ void TMainWindow::RestoreColumns(TAlbumTable& table, const std::vector<TColumnSt
     }
     // A table without any heading could not be mended by the user.
     if (header->hiddenSectionCount() == header->count())
-        header->setSectionHidden(list.ColumnOf(list.List().TitleField()), false);
+        header->setSectionHidden(list.ColumnOf(list.List().Def().TitleField), false);
 }
 
 void TMainWindow::KeepColumns()

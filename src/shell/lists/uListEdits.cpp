@@ -123,7 +123,7 @@ void TListEdits::RemoveSelected()
 
 QString TListEdits::CountText(size_t rows) const
 {
-    const bool releases = FLists.Active().List().RowName() == "Release"_L1;
+    const bool releases = FLists.Active().List().Def().RowName == "Release"_L1;
     if (rows == 1)
         return GetLanguageString(releases ? u"cSOneRelease"_s : u"cSOneTrack"_s);
     return GetLanguageString(releases ? u"cSGuiFigureReleases"_s : u"cSGuiFigureTracks"_s)

@@ -56,10 +56,10 @@ void TListSession::SetFocused(qint64 key)
 
 qint64 TListSession::ReleaseOf(qint64 key) const
 {
-    if (FList.ReleaseKey() == Col::ID) // the rows are releases themselves
+    if (FList.Def().ReleaseKey == Col::ID) // the rows are releases themselves
         return FList.RowOfKey(key) < 0 ? 0 : key;
     const int row = FList.RowOfKey(key);
-    return row < 0 ? 0 : FList.ValueAt(row, FList.FieldIndex(FList.ReleaseKey())).toLongLong();
+    return row < 0 ? 0 : FList.ValueAt(row, FList.FieldIndex(FList.Def().ReleaseKey)).toLongLong();
 }
 
 qint64 TListSession::FocusedRelease() const { return ReleaseOf(FFocused); }
