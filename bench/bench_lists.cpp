@@ -98,8 +98,8 @@ void MeasureSearch(TDataModuleMain& data, const QString& folder)
         Bench::Report(u"search in everything for \"%1\""_s.arg(words), 5, [&] {
             const auto hits = index.Find(words);
             list.Filter().Clear();
-            data.DropHits(number);
-            number = data.AddHits(hits.value_or(std::vector<qint64>{}));
+            data.Queries().DropHits(number);
+            number = data.Queries().AddHits(hits.value_or(std::vector<qint64>{}));
             list.Filter().Add({u"ID"_s, foIsHit, number, {}});
             list.SetFilterActive(true);
             list.ApplyFilter();

@@ -179,30 +179,6 @@ void TDataModuleMain::ApplyArticleSettings()
     qTracksAll.SetArticleColumns(columns);
 }
 
-QString TDataModuleMain::DisplayText(const QString& fieldName, const QString& text)
-{
-    const TDefaults& settings = Defaults();
-    const bool covered = (fieldName == Col::Artist && settings.ArticlesFieldArtist) ||
-                         (fieldName == Col::ReleaseName && settings.ArticlesFieldReleaseName);
-    return settings.ArticlesEnabled && covered
-               ? ApplyArticleDisplay(text, settings.ArticlesList, settings.ArticlesDisplayMode)
-               : text;
-}
-
-double TDataModuleMain::SumTrackLengths(qint64 from, qint64 to, qint64& count)
-{
-    TSQLiteStatement& query =
-        FConnection.Cached(u"SELECT count(*), total(TrackLength) FROM Tracks2 WHERE ID > ? AND ID <= ?"_s);
-    query.BindAll({from, to});
-    query.Step();
-    count += query.ColumnInt64(0);
-    const double days = query.Column(1).toDouble();
-    query.Reset();
-    return days;
-}
-
-qint64 TDataModuleMain::LastTrackID() { return FConnection.Scalar(u"SELECT max(ID) FROM Tracks2"_s).toLongLong(); }
-
 void TDataModuleMain::FollowList(bool follow)
 {
     for (TDetailDataset* children : {&qTracksDetail, &qMusiciansPerRelease}) {

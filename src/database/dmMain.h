@@ -2,11 +2,13 @@
 #pragma once
 
 #include "uChanges.h"
+#include "uCollectionQueries.h"
 #include "uDataSet.h"
 #include "uDeletedRows.h"
 #include "uObjs.h"
 #include "uReleaseCursors.h"
 #include "uSQLite.h"
+#include "uTouchedReleases.h"
 
 #include <QObject>
 #include <QSet>
@@ -20,18 +22,6 @@
 namespace Kestrune {
 
 class TPrompt;
-
-/// What the search in everything knows of a release: all its texts, those of its tracks and its credits.
-struct TSearchText {
-    qint64 ReleaseId = 0;
-    QString Text;
-};
-
-/// By what a release is known to online services.
-struct TReleaseKeys {
-    qint64 ReleaseId = 0;
-    QString Barcode, CatalogNo, DiscogsID, MusicBrainzID;
-};
 
 /// The one gateway to the collection: its connection, its long-lived cursors, and the roads between them and
 /// TAlbumRelease. Main thread only. Operations on the file throw EDatabaseError.
@@ -134,47 +124,11 @@ public:
     /// Hands the article settings to the connection and the list cursors; a change acts with their next sort.
     void ApplyArticleSettings();
 
-    /// False for fields that the store step must leave alone: numbers given by the file, read-only fields, pictures,
-    /// and `Rating` and `Release`, which follow from others.
-    static bool IsFieldAssignable(const TFieldDef& field);
-    /// A value of any kind as a field's kind has it; what does not convert becomes null.
-    static TVariant ToFieldValue(const TFieldDef& field, const TVariant& value);
-    /// Puts such a value into a field; nothing into one that is not assignable.
-    static void AssignFieldValue(TDataset& dataSet, int field, const TVariant& value);
-    /// The default of a field where `value` is null, zero, empty or false; else the value itself.
-    static TVariant ApplyDefaultValue(const TVariant& value, const QString& fieldName);
-
-    /// A name as the article settings show it, for the fields that they cover; any other text as it is.
-    static QString DisplayText(const QString& fieldName, const QString& text);
-
-    /// Adds the number of tracks with an ID in (from, to] to `count` and gives the sum of their lengths in days.
-    double SumTrackLengths(qint64 from, qint64 to, qint64& count);
-    /// The highest ID of a track; 0 without tracks.
-    qint64 LastTrackID();
-
-    /// The letters, in upper case, with which the stored names of a column of the main list begin. Quick for the
-    /// indexed columns Artist and ReleaseName: one seek per letter.
-    QSet<QString> FirstLetters(const QString& column);
-    /// The releases whose title, as DisplayText gives it, begins with a text, in no order.
-    std::vector<qint64> ReleasesByTitle(const QString& beginning);
-
-    /// The texts of up to `count` releases behind an ID, in the order of their IDs.
-    std::vector<TSearchText> ReadSearchTexts(qint64 after, int count);
-    /// The keys of up to `count` releases behind an ID, in the order of their IDs.
-    std::vector<TReleaseKeys> ReadReleaseKeys(qint64 after, int count);
-    /// Whether the releases that are written are kept for TakeTouchedReleases; off at first.
-    void NoteChanges(bool on);
+    TCollectionQueries& Queries() { return FQueries; }
+    /// Releases that were written since somebody last asked.
+    TTouchedReleases& Touched() { return FTouched; }
     /// Notes a release of which something was or will be written in another way.
     void TouchRelease(qint64 id) { NoteChange("Releases2", id, false); }
-    /// Releases of which something was written since they were last taken, at most so many; -1 for all. None within a
-    /// transaction, whose end may undo them.
-    std::vector<qint64> TakeTouchedReleases(int most = -1);
-    bool HasTouchedReleases() const;
-    /// Keeps the hits of a search for foIsHit; gives its number, which is the criterion's value.
-    qint64 AddHits(const std::vector<qint64>& releases);
-    void DropHits(qint64 number);
-    /// A track of a release, the first by its ID; 0 without tracks.
-    qint64 FirstTrackOf(qint64 release);
 
     /// Called after qReleaseInfo has posted.
     std::function<void(TDataset&)> OnReleaseInfoAfterPost;
@@ -182,6 +136,8 @@ public:
 private:
     TSQLiteConnection FConnection; // before the cursors, which use it
     TDeletedRows FDeleted{FConnection};
+    TTouchedReleases FTouched{FConnection, qReleasesMain};
+    TCollectionQueries FQueries{FConnection, qReleasesMain};
 
 public:
     TListDataset qReleasesMain; ///< all releases, under filter and sort
@@ -211,21 +167,8 @@ Q_SIGNALS:
 
 private:
     std::vector<TDataset*> AllCursors();
-    void TestFile(const QString& filepath) const;
-    QString CopyBeforeUpgrade(int version);
-    void UseWriteAheadLog();
-    bool PrepareUpgrade(QString& copy);
-    void RunUpgradeStep(const QString& script, const std::function<bool(int version)>& applies);
-    void ConvertFirstFormat();
-    void UpgradeFile();
-    void Upgrade(const QString& copy);
-    void MakePerformanceIndices();
     void OpenCursors();
     void SetRules();
-    void StoreRelease(const TAlbumRelease& release, bool assignNewNo);
-    qint64 StoreMainRow(const TAlbumRelease& release, bool assignNewNo);
-    void StorePictures(const TAlbumRelease& release);
-    void StoreTracks(const TAlbumRelease& release);
     void SetReleaseRules(TReleaseCursors& cursors);
     /// Tracks and credits follow the main list, or stand where they were put.
     void FollowList(bool follow);
@@ -246,16 +189,8 @@ private:
     qint64 FLastAddedReleaseID = 0;
     const TAlbumRelease* FReleaseInWork = nullptr;
     bool FSession = false;
-    bool FKeepsTouched = false;
-    TChanges FTouched; // not yet taken
-    TChanges FUntold;  // not yet told
+    TChanges FUntold; // not yet told
     bool FTelling = false;
-    qint64 FHitsNumber = 0;
 };
-
-/// What identifies a collection in its file header (bytes 68 to 71).
-constexpr int CollectionApplicationId = 0x4B524E31;
-/// The schema version of new files.
-constexpr int CurrentSchemaVersion = 3001;
 
 } // namespace Kestrune

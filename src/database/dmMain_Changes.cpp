@@ -47,8 +47,7 @@ void TDataModuleMain::NoteChange(const char* table, qint64 row, bool cameOrWent)
         return;
     FUntold.OnlyAdded = FUntold.OnlyAdded && FAddingReleases;
     FUntold.Bound(MostNamed);
-    if (FKeepsTouched)
-        FTouched.Note(table, row, cameOrWent);
+    FTouched.Note(table, row);
     const QLatin1StringView name(table);
     if (name == "Releases2"_L1) {
         qReleasesMain.InvalidateRow(row);
@@ -61,12 +60,6 @@ void TDataModuleMain::NoteChange(const char* table, qint64 row, bool cameOrWent)
         qReleasesMain.ForgetRecords();
     }
     TellLater();
-}
-
-void TDataModuleMain::NoteChanges(bool on)
-{
-    FTouched = {};
-    FKeepsTouched = on;
 }
 
 void TDataModuleMain::NoteRollback()

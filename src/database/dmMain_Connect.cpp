@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
-#include "dmMain_p.h"
 #include "uDBValidator.h"
 #include "uDebugLog.h"
 #include "uFilePath.h"
-#include "uProgramFiles.h"
 #include "uPrompt.h"
+#include "uSchema.h"
 #include "uTHStrings.h"
 #include "uThreads.h"
 
@@ -15,28 +14,18 @@
 #include <filesystem>
 #include <fstream>
 
-static void InitDatabaseResources() { Q_INIT_RESOURCE(database); }
-
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
-QString DatabaseScript(const QString& name)
-{
-    InitDatabaseResources();
-    const QByteArray text = ProgramText(name + u".sql"_s, u":/sql/%1.sql"_s.arg(name));
-    if (text.isNull())
-        throw EDatabaseError(u"script %1 is missing"_s.arg(name));
-    return QString::fromUtf8(text);
-}
+namespace {
 
-void ThrowFileError(const QString& path, const std::error_code& error)
+// The file cannot be written, and why.
+[[noreturn]] void ThrowFileError(const QString& path, const std::error_code& error)
 {
     throw EDatabaseError(GetLanguageString(u"cSFileCannotBeWritten"_s).replace(u"%s"_s, path) + u' ' +
                          QString::fromStdString(error.message()));
 }
-
-namespace {
 
 void RemoveJournals(const std::filesystem::path& file)
 {
@@ -70,22 +59,47 @@ void OpenReadable(TSQLiteConnection& connection, const QString& path)
     }
 }
 
-} // namespace
-
-QString TDataModuleMain::GetNewDatabaseSQL() const { return DatabaseScript(u"AD_SQL_CreateNewDB"_s); }
-
-void TDataModuleMain::UseWriteAheadLog()
+void UseWriteAheadLog(TSQLiteConnection& connection)
 {
-    if (FConnection.IsReadOnly())
+    if (connection.IsReadOnly())
         return;
     try {
-        FConnection.Exec(u"PRAGMA journal_mode = WAL"_s);
+        connection.Exec(u"PRAGMA journal_mode = WAL"_s);
     } catch (const EDatabaseError& failure) {
         // Another process that reads the file keeps it in its mode, which serves as well.
         if (!failure.IsLocked())
             throw;
     }
 }
+
+void MakePerformanceIndices(TSQLiteConnection& connection)
+{
+    // Without the first the next number costs a scan of all rows, without the second the end of a release one of all
+    // credits. A file that cannot be written does without.
+    if (connection.IsReadOnly())
+        return;
+    try {
+        connection.Exec(u"CREATE INDEX IF NOT EXISTS idx_releases_no ON Releases2(No);"
+                        "CREATE INDEX IF NOT EXISTS idx_musicians_trackid ON Musicians2(TrackId)"_s);
+    } catch (const EDatabaseError& failure) {
+        DebugLog(u"[Database] indices: "_s + failure.Text());
+    }
+}
+
+void TestFile(const QString& filepath, int lockWait)
+{
+    TSQLiteConnection probe;
+    probe.SetLockWait(lockWait);
+    OpenReadable(probe, filepath);
+    CheckVersion(probe);
+    if (probe.IsReadOnly() || VersionOf(probe) >= CurrentSchemaVersion)
+        return;
+    const TSQLiteTransaction writable(probe); // it will have to be raised
+}
+
+} // namespace
+
+QString TDataModuleMain::GetNewDatabaseSQL() const { return DatabaseScript(u"AD_SQL_CreateNewDB"_s); }
 
 void TDataModuleMain::CreateNewDB(const QString& filepath, const QString& sql)
 {
@@ -140,17 +154,6 @@ void TDataModuleMain::Disconnect()
     Q_EMIT collectionChanged();
 }
 
-void TDataModuleMain::TestFile(const QString& filepath) const
-{
-    TSQLiteConnection probe;
-    probe.SetLockWait(FLockWait);
-    OpenReadable(probe, filepath);
-    CheckVersion(probe);
-    if (probe.IsReadOnly() || VersionOf(probe) >= CurrentSchemaVersion)
-        return;
-    const TSQLiteTransaction writable(probe); // it will have to be raised
-}
-
 bool TDataModuleMain::ConnectToDB(const QString& filepath)
 {
     Q_ASSERT(OnMainThread());
@@ -159,19 +162,19 @@ bool TDataModuleMain::ConnectToDB(const QString& filepath)
         FPrompt.ShowError(DatabaseValidationMessage(result));
         return false;
     }
-    TestFile(filepath); // what cannot be opened now costs nobody the collection that is open
+    TestFile(filepath, FLockWait); // what cannot be opened now costs nobody the collection that is open
     Disconnect();
     auto closed = qScopeGuard([this] { CloseCursors(); });
     OpenReadable(FConnection, filepath);
-    QString copy;
-    if (!PrepareUpgrade(copy))
+    TSchemaUpgrade upgrade(FConnection, FPrompt);
+    if (!upgrade.Prepare())
         return false;
     if (!FConnection.IsReadOnly())
         FConnection.Exec(u"DROP TRIGGER IF EXISTS 'Releases2UpdateTrigger';"
                          "DROP TRIGGER IF EXISTS 'Tracks2UpdateTrigger';"_s);
-    Upgrade(copy);
-    UseWriteAheadLog();
-    MakePerformanceIndices();
+    upgrade.Run();
+    UseWriteAheadLog(FConnection);
+    MakePerformanceIndices(FConnection);
     FDeleted.Begin();
     ApplyArticleSettings();
     OpenCursors();
@@ -191,27 +194,13 @@ void TDataModuleMain::RestoreLocks()
     if (!FConnection.Reopen())
         return; // a list is being read: looked at again with the next write
     SetParameters(FConnection);
-    UseWriteAheadLog();
+    UseWriteAheadLog(FConnection);
     FConnection.Scalar(u"SELECT count(*) FROM sqlite_master"_s);
     FConnection.WatchLocks();
     for (TDataset* cursor : AllCursors())
         cursor->ForgetRecords(); // another program may have written meanwhile
     if (inWork)
         throw EDatabaseError(GetLanguageString(u"cSTransactionLost"_s));
-}
-
-void TDataModuleMain::MakePerformanceIndices()
-{
-    // Without the first the next number costs a scan of all rows, without the second the end of a release one of all
-    // credits. A file that cannot be written does without.
-    if (FConnection.IsReadOnly())
-        return;
-    try {
-        FConnection.Exec(u"CREATE INDEX IF NOT EXISTS idx_releases_no ON Releases2(No);"
-                         "CREATE INDEX IF NOT EXISTS idx_musicians_trackid ON Musicians2(TrackId)"_s);
-    } catch (const EDatabaseError& failure) {
-        DebugLog(u"[Database] indices: "_s + failure.Text());
-    }
 }
 
 void TDataModuleMain::OpenCursors()

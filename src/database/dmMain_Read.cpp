@@ -62,20 +62,6 @@ TAlbumTrack ReadTrack(const TDataset& cursor, int row)
     return track;
 }
 
-QString EscapedForLike(QString text)
-{
-    return text.replace(u'\\', u"\\\\"_s).replace(u'%', u"\\%"_s).replace(u'_', u"\\_"_s);
-}
-
-// A name with articles may be shown in another order than it is stored ("Wall, The"), but its words stand in both.
-QString LongestWord(QString text)
-{
-    const QStringList words = text.replace(u',', u' ').split(u' ', Qt::SkipEmptyParts);
-    return words.isEmpty() ? QString() : *std::ranges::max_element(words, {}, &QString::size);
-}
-
-QString OneCharacter(char32_t character) { return QString::fromUcs4(&character, 1); }
-
 } // namespace
 
 TAlbumRelease TDataModuleMain::CurrentReleaseToAlbumRelease() { return ToAlbumRelease(FEdited); }
@@ -108,49 +94,6 @@ TAlbumRelease TDataModuleMain::ToAlbumRelease(TReleaseCursors& cursors)
             release.AddPicture(cptOther).LoadStored(bytes.toByteArray());
     }
     return release;
-}
-
-QSet<QString> TDataModuleMain::FirstLetters(const QString& column)
-{
-    QSet<QString> letters;
-    const int field = qReleasesMain.FieldIndex(column);
-    if (!HasData() || field < 0)
-        return letters;
-    TSQLiteStatement& query = FConnection.Cached(
-        u"SELECT %1 FROM Releases2 WHERE %1 >= ? COLLATE BINARY ORDER BY %1 COLLATE BINARY LIMIT 1"_s.arg(
-            qReleasesMain.Fields()[static_cast<size_t>(field)].Name));
-    // The names of one letter stand together, so the first name behind them is one step away however many they are.
-    char32_t from = 1; // leaves out the empty text
-    while (from <= 0x10FFFF) {
-        query.Bind(1, OneCharacter(from));
-        const QString name = query.Step() ? VarToStr(query.Column(0)) : QString();
-        query.Reset();
-        const QList<uint> first = name.left(2).toUcs4();
-        if (first.isEmpty() || first[0] < from)
-            break; // no text follows
-        letters.insert(OneCharacter(first[0]).toUpper());
-        from = first[0] == 0xD7FF ? 0xE000 : first[0] + 1; // surrogates are no characters
-    }
-    return letters;
-}
-
-std::vector<qint64> TDataModuleMain::ReleasesByTitle(const QString& beginning)
-{
-    std::vector<qint64> ids;
-    if (!HasData() || beginning.isEmpty())
-        return ids;
-    const bool asStored = !Defaults().ArticlesEnabled || !Defaults().ArticlesFieldReleaseName;
-    const QString pattern = EscapedForLike(asStored ? beginning : LongestWord(beginning)) + u'%';
-    TSQLiteStatement& query =
-        FConnection.Cached(u"SELECT ID, ReleaseName FROM Releases2 WHERE ReleaseName LIKE ? ESCAPE '\\'"_s);
-    query.Bind(1, asStored ? pattern : u'%' + pattern);
-    while (query.Step()) {
-        const QString title = DisplayText(Col::ReleaseName, VarToStr(query.Column(1)));
-        if (title.startsWith(beginning, Qt::CaseInsensitive))
-            ids.push_back(query.ColumnInt64(0));
-    }
-    query.Reset();
-    return ids;
 }
 
 } // namespace Kestrune

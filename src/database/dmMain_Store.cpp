@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
 #include "uColumnNames.h"
+#include "uFieldValues.h"
 #include "uTHStrings.h"
 #include "uThreads.h"
 
@@ -97,11 +98,9 @@ void FillTrack(TDataset& cursor, const TTrackFieldIndex& fields, const TAlbumTra
     cursor.SetValue(fields.TrackLength, track.DurationFrac > 0 ? track.DurationFrac : track.DurationSec / 86400.0);
     if (track.Bitrate > 0)
         cursor.SetValue(fields.Bitrate, track.Bitrate);
-    cursor.SetValue(fields.Rating,
-                    track.Rating >= 1 ? TVariant(track.Rating) : TDataModuleMain::ApplyDefaultValue(0, Col::Rating));
+    cursor.SetValue(fields.Rating, track.Rating >= 1 ? TVariant(track.Rating) : ApplyDefaultValue(0, Col::Rating));
     cursor.SetValue(fields.Genre, TextOrNull(track.TrackGenre.isEmpty() ? releaseGenre : track.TrackGenre));
-    cursor.SetValue(fields.BPM,
-                    track.BPM != 0 ? TVariant(track.BPM) : TDataModuleMain::ApplyDefaultValue(TVariant(), Col::BPM));
+    cursor.SetValue(fields.BPM, track.BPM != 0 ? TVariant(track.BPM) : ApplyDefaultValue(TVariant(), Col::BPM));
 }
 
 void StoreCredits(TDataset& cursor, const std::vector<TAlbumCredit>& credits)
@@ -111,6 +110,63 @@ void StoreCredits(TDataset& cursor, const std::vector<TAlbumCredit>& credits)
         cursor.SetValue(Col::Musician, TextOrNull(credit.Musician));
         cursor.SetValue(Col::Instrument, TextOrNull(credit.Credit));
         cursor.Post();
+    }
+}
+
+qint64 StoreMainRow(TSQLiteConnection& connection, TDetailDataset& cursor, const TAlbumRelease& release,
+                    bool assignNewNo)
+{
+    cursor.SetParamOfNew(TVariant());
+    cursor.Append();
+    for (int i = 0; i < static_cast<int>(cursor.Fields().size()); ++i) {
+        const TVariant value = ApplyDefaultValue(TVariant(), cursor.Fields()[static_cast<size_t>(i)].Name);
+        if (!VarIsNull(value))
+            AssignFieldValue(cursor, i, value);
+    }
+    for (const auto& [key, value] : release.Items()) {
+        const int field = cursor.FieldIndex(key);
+        // A release without a name keeps the text that asks for one.
+        const bool keepsText =
+            field >= 0 && cursor.Fields()[static_cast<size_t>(field)].Required && VarIsNullOrEmpty(value);
+        if (field >= 0 && !keepsText)
+            AssignFieldValue(cursor, field, value);
+    }
+    if (assignNewNo || VarIsNull(cursor.Value(Col::No)))
+        cursor.SetValue(Col::No, connection.Scalar(u"select ifnull(max(no)+1, 1) as No from releases2"_s));
+    // The thumbnails that came first: the large front picture makes its own.
+    CopyPictures(release, cursor, ThumbColumns);
+    CopyPictures(release, cursor, LargeColumns);
+    cursor.Post();
+    return cursor.CurrentKey();
+}
+
+void StorePictures(TDetailDataset& cursor, const TAlbumRelease& release)
+{
+    for (const auto& picture : release.Pictures) {
+        const bool dot = !picture->Size().isEmpty() && picture->Size().width() <= 1;
+        if (picture->PictureType() != cptOther || !picture->HasImage() || dot)
+            continue;
+        cursor.Append();
+        cursor.SetValue(Col::Picture, picture->Bytes());
+        cursor.Post();
+    }
+}
+
+void StoreTracks(TReleaseCursors& cursors, const TAlbumRelease& release)
+{
+    if (release.Tracks.empty())
+        return;
+    const TTrackFieldIndex fields(cursors.Tracks);
+    const QString artist = VarToStr(release.GetItem2(Col::Artist));
+    const QString genre = VarToStr(ApplyDefaultValue(release.GetItem2(Col::Genre), Col::Genre));
+    for (const TAlbumTrack& track : release.Tracks) {
+        cursors.Tracks.Append();
+        FillTrack(cursors.Tracks, fields, track, artist, genre);
+        cursors.Tracks.Post();
+        if (track.Credits.empty())
+            continue;
+        cursors.TrackCredits.SetParamOfNew(cursors.Tracks.CurrentKey());
+        StoreCredits(cursors.TrackCredits, track.Credits);
     }
 }
 
@@ -132,75 +188,13 @@ void TDataModuleMain::AddAlbumReleaseToDB(const TAlbumRelease& release, bool ass
         FAddingReleases = false;
     });
     TSQLiteTransaction transaction(FConnection);
-    StoreRelease(release, assignNewNo);
+    FLastAddedReleaseID = StoreMainRow(FConnection, FStored.Info, release, assignNewNo);
+    FStored.SelectNew(FLastAddedReleaseID);
+    StorePictures(FStored.Pictures, release);
+    StoreCredits(FStored.Credits, release.Credits);
+    StoreTracks(FStored, release);
     transaction.Commit();
     qReleasesMain.TakeIn(FLastAddedReleaseID);
-}
-
-void TDataModuleMain::StoreRelease(const TAlbumRelease& release, bool assignNewNo)
-{
-    FLastAddedReleaseID = StoreMainRow(release, assignNewNo);
-    FStored.SelectNew(FLastAddedReleaseID);
-    StorePictures(release);
-    StoreCredits(FStored.Credits, release.Credits);
-    StoreTracks(release);
-}
-
-qint64 TDataModuleMain::StoreMainRow(const TAlbumRelease& release, bool assignNewNo)
-{
-    TDetailDataset& cursor = FStored.Info;
-    cursor.SetParamOfNew(TVariant());
-    cursor.Append();
-    for (int i = 0; i < static_cast<int>(cursor.Fields().size()); ++i) {
-        const TVariant value = ApplyDefaultValue(TVariant(), cursor.Fields()[static_cast<size_t>(i)].Name);
-        if (!VarIsNull(value))
-            AssignFieldValue(cursor, i, value);
-    }
-    for (const auto& [key, value] : release.Items()) {
-        const int field = cursor.FieldIndex(key);
-        // A release without a name keeps the text that asks for one.
-        const bool keepsText =
-            field >= 0 && cursor.Fields()[static_cast<size_t>(field)].Required && VarIsNullOrEmpty(value);
-        if (field >= 0 && !keepsText)
-            AssignFieldValue(cursor, field, value);
-    }
-    if (assignNewNo || VarIsNull(cursor.Value(Col::No)))
-        cursor.SetValue(Col::No, FConnection.Scalar(u"select ifnull(max(no)+1, 1) as No from releases2"_s));
-    // The thumbnails that came first: the large front picture makes its own.
-    CopyPictures(release, cursor, ThumbColumns);
-    CopyPictures(release, cursor, LargeColumns);
-    cursor.Post();
-    return cursor.CurrentKey();
-}
-
-void TDataModuleMain::StorePictures(const TAlbumRelease& release)
-{
-    for (const auto& picture : release.Pictures) {
-        const bool dot = !picture->Size().isEmpty() && picture->Size().width() <= 1;
-        if (picture->PictureType() != cptOther || !picture->HasImage() || dot)
-            continue;
-        FStored.Pictures.Append();
-        FStored.Pictures.SetValue(Col::Picture, picture->Bytes());
-        FStored.Pictures.Post();
-    }
-}
-
-void TDataModuleMain::StoreTracks(const TAlbumRelease& release)
-{
-    if (release.Tracks.empty())
-        return;
-    const TTrackFieldIndex fields(FStored.Tracks);
-    const QString artist = VarToStr(release.GetItem2(Col::Artist));
-    const QString genre = VarToStr(ApplyDefaultValue(release.GetItem2(Col::Genre), Col::Genre));
-    for (const TAlbumTrack& track : release.Tracks) {
-        FStored.Tracks.Append();
-        FillTrack(FStored.Tracks, fields, track, artist, genre);
-        FStored.Tracks.Post();
-        if (track.Credits.empty())
-            continue;
-        FStored.TrackCredits.SetParamOfNew(FStored.Tracks.CurrentKey());
-        StoreCredits(FStored.TrackCredits, track.Credits);
-    }
 }
 
 } // namespace Kestrune

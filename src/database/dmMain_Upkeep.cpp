@@ -3,6 +3,7 @@
 #include "uDebugLog.h"
 #include "uDefaults.h"
 #include "uFilePath.h"
+#include "uSchema.h"
 #include "uThreads.h"
 
 #include <QFile>
@@ -19,6 +20,15 @@ namespace {
 constexpr int RowSetSize = 50;
 
 } // namespace
+
+int TDataModuleMain::GetDBVersion() { return VersionOf(FConnection); }
+
+void TDataModuleMain::VacuumDB()
+{
+    Q_ASSERT(OnMainThread());
+    CommitTransaction();
+    Vacuum(FConnection);
+}
 
 void TDataModuleMain::CopyTo(const QString& filepath)
 {

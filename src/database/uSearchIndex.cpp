@@ -200,10 +200,10 @@ TSearchIndex::TSearchIndex(TDataModuleMain& data, QString folder) : FData(data),
     FReadTimer.setInterval(0);
     connect(&FReadTimer, &QTimer::timeout, this, &TSearchIndex::ReadSome);
     FChangeTimer.setSingleShot(true);
-    data.NoteChanges(true);
+    data.Touched().Keep(true);
     connect(&FChangeTimer, &QTimer::timeout, this, &TSearchIndex::FollowChanges);
     connect(&data, &TDataModuleMain::changed, this, [this] {
-        if (!FCollection.isEmpty() && FData.HasTouchedReleases() && !FChangeTimer.isActive())
+        if (!FCollection.isEmpty() && FData.Touched().Any() && !FChangeTimer.isActive())
             FChangeTimer.start(ChangeDelay);
     });
 }
@@ -211,7 +211,7 @@ TSearchIndex::TSearchIndex(TDataModuleMain& data, QString folder) : FData(data),
 TSearchIndex::~TSearchIndex()
 {
     Close();
-    FData.NoteChanges(false);
+    FData.Touched().Keep(false);
 }
 
 QString TSearchIndex::IndexPath() const
@@ -226,7 +226,7 @@ void TSearchIndex::Open()
     if (!FData.HasData())
         return;
     FCollection = QFileInfo(FData.CurrentFile()).canonicalFilePath();
-    FData.TakeTouchedReleases();
+    FData.Touched().Take();
     try {
         if (QFileInfo::exists(IndexPath())) {
             TSQLiteConnection index;
@@ -265,8 +265,8 @@ void TSearchIndex::Close()
         return;
     FReadTimer.stop();
     FChangeTimer.stop();
-    const bool complete = FReady && FWriter && !FWriter->Failed() && !FData.HasTouchedReleases() &&
-                          FWriter->Waiting() == 0 && FData.HasData();
+    const bool complete =
+        FReady && FWriter && !FWriter->Failed() && !FData.Touched().Any() && FWriter->Waiting() == 0 && FData.HasData();
     FWriter.reset();
     FBuildingNow.reset();
     if (complete) {
@@ -319,7 +319,7 @@ void TSearchIndex::ReadSome()
     FReadTimer.setInterval(0);
     TWriter::TJob job;
     try {
-        job.Texts = FData.ReadSearchTexts(FReadTo, ReleasesPerStep);
+        job.Texts = FData.Queries().ReadSearchTexts(FReadTo, ReleasesPerStep);
     } catch (const EDatabaseError& failure) {
         DebugLog(u"[Search] index: %1"_s.arg(failure.Text()));
         FReadTimer.stop();
@@ -341,7 +341,7 @@ void TSearchIndex::WriterDone(bool ok)
     FBuildingNow.reset();
     FBuilding = false;
     FReady = ok;
-    if (ok && FData.HasTouchedReleases())
+    if (ok && FData.Touched().Any())
         FChangeTimer.start(ChangeDelay);
     Q_EMIT built();
 }
@@ -358,8 +358,8 @@ bool TSearchIndex::FollowChanges()
     bool done = false;
     try {
         TWriter::TJob job;
-        for (const qint64 id : FData.TakeTouchedReleases(ChangesPerStep)) {
-            std::vector<TSearchText> now = FData.ReadSearchTexts(id - 1, 1);
+        for (const qint64 id : FData.Touched().Take(ChangesPerStep)) {
+            std::vector<TSearchText> now = FData.Queries().ReadSearchTexts(id - 1, 1);
             const bool there = !now.empty() && now.front().ReleaseId == id;
             job.Texts.push_back(there ? std::move(now.front()) : TSearchText{id, {}});
         }
@@ -368,7 +368,7 @@ bool TSearchIndex::FollowChanges()
     } catch (const EDatabaseError& failure) {
         DebugLog(u"[Search] index: %1"_s.arg(failure.Text()));
     }
-    if (FData.HasTouchedReleases())
+    if (FData.Touched().Any())
         FChangeTimer.start(FollowInterval);
     return done;
 }
@@ -388,8 +388,8 @@ std::optional<std::vector<qint64>> TSearchIndex::Find(const QString& words)
     const QString match = MatchOf(words);
     if (match.isEmpty())
         return releases;
-    if (FData.HasTouchedReleases()) { // the user finds what he has just typed
-        while (FData.HasTouchedReleases() && FWriter && !FWriter->Failed() && FollowChanges()) {
+    if (FData.Touched().Any()) { // the user finds what he has just typed
+        while (FData.Touched().Any() && FWriter && !FWriter->Failed() && FollowChanges()) {
         }
     }
     try {

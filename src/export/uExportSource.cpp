@@ -5,6 +5,7 @@
 #include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uFieldText.h"
+#include "uFieldValues.h"
 #include "uTHStrings.h"
 
 #include <algorithm>
@@ -121,7 +122,7 @@ QByteArray TExportSource::Thumbnail(int row) const
 std::pair<QString, QString> TExportSource::Names(int row) const
 {
     const auto text = [&](const QString& name) {
-        return TDataModuleMain::DisplayText(name, VarToStr(FList.ValueAt(row, FList.FieldIndex(name))));
+        return DisplayText(name, VarToStr(FList.ValueAt(row, FList.FieldIndex(name))));
     };
     return {text(FList.Def().TitleField), text(Col::Artist)};
 }

@@ -6,6 +6,7 @@
 #include "uDefaults.h"
 #include "uFieldEditors.h"
 #include "uFieldText.h"
+#include "uFieldValues.h"
 #include "uTHStrings.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ namespace {
 
 bool HoldsDefault(const QString& column, const TVariant& value)
 {
-    const TVariant given = TDataModuleMain::ApplyDefaultValue({}, column);
+    const TVariant given = ApplyDefaultValue({}, column);
     return !VarIsNull(value) && !VarIsNull(given) && VarToStr(value) == VarToStr(given);
 }
 
@@ -115,8 +116,8 @@ TDetailData BuildDetailData(TDataModuleMain& data, qint64 release)
     if (detail.ID == 0)
         return detail;
     const auto text = [&](const QString& name) { return VarToStr(info.Value(name)); };
-    detail.Title = data.DisplayText(Col::ReleaseName, text(Col::ReleaseName));
-    detail.Artist = data.DisplayText(Col::Artist, text(Col::Artist));
+    detail.Title = DisplayText(Col::ReleaseName, text(Col::ReleaseName));
+    detail.Artist = DisplayText(Col::Artist, text(Col::Artist));
     detail.Rating = info.Value(Col::Rating).toInt();
     detail.Cover = info.Value(Col::LargePicture).toByteArray();
     if (detail.Cover.isEmpty())

@@ -5,6 +5,7 @@
 #include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uDictionaries.h"
+#include "uFieldValues.h"
 #include "uLength.h"
 #include "uTHStrings.h"
 
@@ -124,9 +125,9 @@ QString FieldText(TDataModuleMain& data, const TFieldDef& field, const TVariant&
     if (VarIsNull(value))
         return {};
     if (field.Name == Col::Artist || field.Name == Col::ReleaseName)
-        return TDataModuleMain::DisplayText(field.Name, VarToStr(value));
+        return DisplayText(field.Name, VarToStr(value));
     if (field.Name == Col::ReleaseArtist)
-        return TDataModuleMain::DisplayText(Col::Artist, VarToStr(value));
+        return DisplayText(Col::Artist, VarToStr(value));
     if (IsFriendField(field.Name))
         return FriendName(data, value.toLongLong());
     if (field.Name == Col::CountryCode) {

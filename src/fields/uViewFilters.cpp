@@ -68,12 +68,12 @@ void TViewFilters::SetKeyword(const QString& column, const QString& text)
 void TViewFilters::SetEverything(const QString& words, const std::vector<qint64>& releases)
 {
     Drop(FEverythingFilter);
-    FData.DropHits(FHits);
+    FData.Queries().DropHits(FHits);
     FHits = 0;
     FSet.Everything = words;
     if (words.isEmpty())
         return;
-    FHits = FData.AddHits(releases);
+    FHits = FData.Queries().AddHits(releases);
     FEverythingFilter = FList.Filter().Add({FList.Def().ReleaseKey, foIsHit, FHits, words});
 }
 
@@ -138,7 +138,7 @@ void TViewFilters::Clear()
     FList.Filter().Clear();
     FStatusFilter = FQuickFilter = FKeywordFilter = FEverythingFilter = FBuilderFilter = 0;
     FColumnFilters.clear();
-    FData.DropHits(FHits);
+    FData.Queries().DropHits(FHits);
     FHits = 0;
     FSet = {};
     FSet.LetterField = letterField;

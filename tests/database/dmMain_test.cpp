@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "dmMain.h"
 #include "uDefaults.h"
+#include "uSchema.h"
 #include "uScriptedPrompt.h"
 #include "uTestFiles.h"
 
@@ -318,14 +319,15 @@ TEST_F(Collection, SearchAndSortIgnoreCaseInAllScripts)
 
 TEST_F(Collection, FirstLettersAreThoseOfTheStoredNames)
 {
-    EXPECT_TRUE(FData.FirstLetters(u"Artist"_s).isEmpty());
+    EXPECT_TRUE(FData.Queries().FirstLetters(u"Artist"_s).isEmpty());
     for (const QString& artist : {u"abba"_s, u"Abc"_s, u"Zappa"_s, u"émilie"_s, u"\U0001F3B8 band"_s, u"10cc"_s})
         Add(Simple(artist, u"Home"_s));
     Add(Simple({}, u"\uFF21 wide"_s)); // no artist, and a letter behind the surrogates
-    EXPECT_EQ(FData.FirstLetters(u"Artist"_s), (QSet<QString>{u"A"_s, u"Z"_s, u"É"_s, u"1"_s, u"\U0001F3B8"_s}));
-    EXPECT_EQ(FData.FirstLetters(u"ReleaseName"_s), (QSet<QString>{u"H"_s, u"\uFF21"_s}));
+    EXPECT_EQ(FData.Queries().FirstLetters(u"Artist"_s),
+              (QSet<QString>{u"A"_s, u"Z"_s, u"É"_s, u"1"_s, u"\U0001F3B8"_s}));
+    EXPECT_EQ(FData.Queries().FirstLetters(u"ReleaseName"_s), (QSet<QString>{u"H"_s, u"\uFF21"_s}));
     FData.Disconnect();
-    EXPECT_TRUE(FData.FirstLetters(u"Artist"_s).isEmpty());
+    EXPECT_TRUE(FData.Queries().FirstLetters(u"Artist"_s).isEmpty());
 }
 
 TEST_F(Collection, CriteriaOfOneRootMustAllHold)

@@ -3,6 +3,7 @@
 #include "uDBValidator.h"
 #include "uDefaults.h"
 #include "uOldFiles.h"
+#include "uSchema.h"
 #include "uScriptedPrompt.h"
 #include "uTestFiles.h"
 

@@ -5,6 +5,7 @@
 #include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uFieldText.h"
+#include "uFieldValues.h"
 #include "uTHStrings.h"
 
 namespace Kestrune {
@@ -135,7 +136,7 @@ bool TListModel::setData(const QModelIndex& index, const QVariant& value, int ro
 Qt::ItemFlags TListModel::flags(const QModelIndex& index) const
 {
     const TFieldDef* field = index.isValid() ? FieldDefOf(index.column()) : nullptr;
-    const bool editable = field && FEdit && (TDataModuleMain::IsFieldAssignable(*field)) && field->Kind != fkDateTime;
+    const bool editable = field && FEdit && (IsFieldAssignable(*field)) && field->Kind != fkDateTime;
     return QAbstractTableModel::flags(index) | (editable ? Qt::ItemIsEditable : Qt::NoItemFlags);
 }
 

@@ -5,6 +5,7 @@
 #include "uColumnNames.h"
 #include "uDictionaries.h"
 #include "uFieldText.h"
+#include "uFieldValues.h"
 #include "uTHStrings.h"
 
 #include <QDate>
@@ -52,7 +53,7 @@ void TReleasesModel::ReadLoans()
 QVariant TReleasesModel::RoleData(int row, int role) const
 {
     const auto text = [&](const QString& field) { return VarToStr(Value(row, field)); };
-    const auto shown = [&](const QString& field) { return TDataModuleMain::DisplayText(field, text(field)); };
+    const auto shown = [&](const QString& field) { return DisplayText(field, text(field)); };
     switch (role) {
     case rrId: return List().KeyAt(row);
     case rrTitle: return shown(Col::ReleaseName);
@@ -89,7 +90,7 @@ QVariant TTracksModel::RoleData(int row, int role) const
     switch (role) {
     case rrId: return List().KeyAt(row);
     case rrTitle: return VarToStr(Value(row, Col::TrackTitle));
-    case rrArtist: return TDataModuleMain::DisplayText(Col::Artist, VarToStr(Value(row, Col::Artist)));
+    case rrArtist: return DisplayText(Col::Artist, VarToStr(Value(row, Col::Artist)));
     case rrRating: return Value(row, Col::Rating).toInt();
     case rrLastModified: return VarToStr(Value(row, Col::LastModified));
     default: return {};

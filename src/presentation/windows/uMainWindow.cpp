@@ -10,6 +10,7 @@
 #include "uDetailPane.h"
 #include "uEmptyPage.h"
 #include "uFieldEditor.h"
+#include "uFieldValues.h"
 #include "uFileDialogs.h"
 #include "uFilterBar.h"
 #include "uFindBar.h"
@@ -408,7 +409,7 @@ TFieldEditor* TMainWindow::MakePaneEditor(const QString& column, QWidget* parent
     if (index < 0 || collection.IsReadOnly())
         return nullptr;
     const TFieldDef& field = collection.qReleaseInfo.Fields()[static_cast<size_t>(index)];
-    if (!TDataModuleMain::IsFieldAssignable(field) || field.Kind == fkDateTime)
+    if (!IsFieldAssignable(field) || field.Kind == fkDateTime)
         return nullptr;
     auto* editor = new TFieldEditor(collection, field, parent);
     editor->SetValue(FForm.Pane().Value(column));

@@ -330,7 +330,7 @@ void TMainWindow::FocusRelease(qint64 id)
             row < 0
                 ? TVariant()
                 : FForm.Lists().Active().List().ValueAt(row, FForm.Lists().Active().List().FieldIndex(Col::ReleaseId));
-        const int first = FForm.Lists().Active().List().RowOfKey(FForm.Data().FirstTrackOf(id));
+        const int first = FForm.Lists().Active().List().RowOfKey(FForm.Data().Queries().FirstTrackOf(id));
         if (shown.toLongLong() != id && first >= 0)
             FocusRow(first);
         return;

@@ -41,7 +41,7 @@ void TOwnedReleases::ReadStep()
     std::vector<TReleaseKeys> rows;
     try {
         if (FData.HasData())
-            rows = FData.ReadReleaseKeys(FLast, ReleasesPerStep);
+            rows = FData.Queries().ReadReleaseKeys(FLast, ReleasesPerStep);
     } catch (const EDatabaseError& failure) {
         DebugLog(u"[Search] keys of the collection: "_s + QString::fromUtf8(failure.what()));
     }

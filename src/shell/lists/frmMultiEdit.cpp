@@ -2,6 +2,7 @@
 #include "frmMultiEdit.h"
 
 #include "uDefaults.h"
+#include "uFieldValues.h"
 #include "uListEdits.h"
 #include "uListSession.h"
 #include "uTHStrings.h"
@@ -20,7 +21,7 @@ void TMultiEditForm::LoadFromCustomGridTableView(const std::vector<QString>& sho
     FFields.clear();
     for (const TFieldDef& field : FList.List().Fields()) {
         const bool internal = field.LabelKey.isEmpty() && !field.Name.startsWith("Custom"_L1);
-        const bool editable = TDataModuleMain::IsFieldAssignable(field) && field.Kind != fkDateTime && !internal;
+        const bool editable = IsFieldAssignable(field) && field.Kind != fkDateTime && !internal;
         if (editable && IsFieldShown(field, Defaults()))
             FFields.push_back(field);
     }

@@ -46,9 +46,9 @@ void TFigures::CountTracks()
     bool more = false;
     if (data.HasData())
         FShell.Attempt([&] {
-            FTracksLength += data.SumTrackLengths(FCountedTo, FCountedTo + CountStep, FTracks);
+            FTracksLength += data.Queries().SumTrackLengths(FCountedTo, FCountedTo + CountStep, FTracks);
             FCountedTo += CountStep;
-            more = FCountedTo < data.LastTrackID();
+            more = FCountedTo < data.Queries().LastTrackID();
         });
     if (more)
         return;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "uListEdits.h"
 
+#include "uFieldValues.h"
 #include "uLists.h"
 #include "uPrompt.h"
 #include "uShell.h"
@@ -79,8 +80,7 @@ int TListEdits::ApplyChanges(const std::vector<qint64>& keys, const std::vector<
     std::vector<std::pair<QString, TVariant>> assigned;
     for (const auto& [field, value] : values)
         if (const int index = list.FieldIndex(field); index >= 0 && !IsEmptyTitle(list, field, value))
-            assigned.emplace_back(field,
-                                  TDataModuleMain::ToFieldValue(list.Fields()[static_cast<size_t>(index)], value));
+            assigned.emplace_back(field, ToFieldValue(list.Fields()[static_cast<size_t>(index)], value));
     int changed = 0;
     FShell.RunJob(GetLanguageString(u"cSactMultiEdit"_s), [&](const TShell::TJobProgress& progress) {
         try {

@@ -149,7 +149,7 @@ int TListSearch::LocateTitle(const QString& text, int fromRow)
     int best = -1;
     int nearest = count;
     try {
-        for (const qint64 id : FShell.Data().ReleasesByTitle(text)) {
+        for (const qint64 id : FShell.Data().Queries().ReleasesByTitle(text)) {
             const int row = list.RowOfKey(id);
             const int steps = row < 0 ? count : (row - fromRow % count + count) % count;
             if (steps < nearest) {
@@ -173,7 +173,7 @@ void TListSearch::FindLetterHits()
 {
     const int field = FLists.Releases().Filters().Set().LetterField;
     try {
-        FLetterHits = FShell.Data().FirstLetters(field == 0 ? Col::Artist : Col::ReleaseName);
+        FLetterHits = FShell.Data().Queries().FirstLetters(field == 0 ? Col::Artist : Col::ReleaseName);
     } catch (const EDatabaseError& failure) {
         DebugLog(u"[Letters] %1"_s.arg(failure.Text()));
         return;

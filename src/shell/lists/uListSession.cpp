@@ -3,6 +3,7 @@
 
 #include "uColumnNames.h"
 #include "uDebugLog.h"
+#include "uFieldValues.h"
 #include "uShell.h"
 #include "uTHSettings.h"
 #include "uTHStrings.h"
@@ -33,7 +34,7 @@ void AssignTyped(TDataset& dataSet, const QString& field, const TVariant& value)
     if (VarIsNull(value))
         dataSet.SetValue(index, {});
     else
-        TDataModuleMain::AssignFieldValue(dataSet, index, value);
+        AssignFieldValue(dataSet, index, value);
 }
 
 TListSession::TListSession(TShell& shell, TListDataset& list, QString key)

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "dmMain.h"
-#include "dmMain_p.h"
+#include "uSchema.h"
+
 #include "uByteReader.h"
 #include "uFilePath.h"
+#include "uProgramFiles.h"
 #include "uPrompt.h"
+#include "uSQLite.h"
 #include "uTHStrings.h"
-#include "uThreads.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -15,11 +16,29 @@
 #include <algorithm>
 #include <filesystem>
 
+static void InitDatabaseResources() { Q_INIT_RESOURCE(database); }
+
 namespace Kestrune {
 
 using namespace Qt::StringLiterals;
 
 namespace {
+
+constexpr int FirstFormat = 1000;
+
+struct TUpgradeStep {
+    int From; // lowest version that it raises
+    int To;
+    const char16_t* Script;
+    bool Rebuilds; // old tables go, in an order that their references need not allow, and leave their room behind
+};
+
+// In this order; a new version is a row with its script.
+constexpr TUpgradeStep Steps[] = {
+    {FirstFormat, 2000, u"Upgrade1000To2000", true},
+    {0, 2001, u"Upgrade2001", false},
+    {0, CurrentSchemaVersion, u"Upgrade3001", false},
+};
 
 constexpr qint64 HighestVersion = 1'000'000;
 constexpr qint64 ComparedAtOnce = 1024 * 1024;
@@ -74,7 +93,43 @@ QString FreeName(const QString& stem)
     return name;
 }
 
+void RunStep(TSQLiteConnection& connection, const TUpgradeStep& step)
+{
+    const auto applies = [&] {
+        const int version = VersionOf(connection);
+        return version >= step.From && version < step.To && (!step.Rebuilds || version == step.From);
+    };
+    if (!applies())
+        return;
+    if (step.Rebuilds)
+        connection.Exec(u"PRAGMA foreign_keys = OFF"_s);
+    {
+        const auto restore = qScopeGuard([&] {
+            if (step.Rebuilds)
+                connection.Exec(u"PRAGMA foreign_keys = ON"_s);
+        });
+        // The version stands in the transaction with what it tells of: whatever ends the step leaves the old state or
+        // the new one. It is read inside, since another program may raise the same file.
+        TSQLiteTransaction transaction(connection);
+        if (!applies())
+            return;
+        connection.Exec(DatabaseScript(QString::fromUtf16(step.Script)));
+        transaction.Commit();
+    }
+    if (step.Rebuilds)
+        Vacuum(connection);
+}
+
 } // namespace
+
+QString DatabaseScript(const QString& name)
+{
+    InitDatabaseResources();
+    const QByteArray text = ProgramText(name + u".sql"_s, u":/sql/%1.sql"_s.arg(name));
+    if (text.isNull())
+        throw EDatabaseError(u"script %1 is missing"_s.arg(name));
+    return QString::fromUtf8(text);
+}
 
 int VersionOf(TSQLiteConnection& connection)
 {
@@ -91,9 +146,13 @@ void CheckVersion(TSQLiteConnection& connection)
         throw EDatabaseError(GetLanguageString(u"cSDBVersionUnknown"_s).arg(text.left(40)));
 }
 
-int TDataModuleMain::GetDBVersion() { return VersionOf(FConnection); }
+void Vacuum(TSQLiteConnection& connection)
+{
+    connection.Exec(
+        u"PRAGMA auto_vacuum = INCREMENTAL; PRAGMA application_id = %1; VACUUM;"_s.arg(CollectionApplicationId));
+}
 
-QString TDataModuleMain::CopyBeforeUpgrade(int version)
+void TSchemaUpgrade::CopyFile(int version)
 {
     const QFileInfo file(FConnection.Path());
     const QString stem = u"%1/%2.before-%3"_s.arg(file.path(), file.completeBaseName()).arg(version);
@@ -110,73 +169,38 @@ QString TDataModuleMain::CopyBeforeUpgrade(int version)
     // An upgrade that failed before has left a copy of just this state.
     for (const QFileInfo& earlier : QFileInfo(stem).dir().entryInfoList(
              {QFileInfo(stem).fileName() + u".db"_s, QFileInfo(stem).fileName() + u"-*.db"_s}, QDir::Files))
-        if (HoldTheSame(aside, earlier.filePath()))
-            return earlier.filePath();
+        if (HoldTheSame(aside, earlier.filePath())) {
+            FCopy = earlier.filePath();
+            return;
+        }
     const QString copy = FreeName(stem);
     std::filesystem::rename(TextToPath(aside), TextToPath(copy), error);
     if (error)
         throw EDatabaseError(
             GetLanguageString(u"cSDBBackupFailed"_s).replace(u"%s"_s, QString::fromStdString(error.message())));
-    return copy;
+    FCopy = copy;
 }
 
-bool TDataModuleMain::PrepareUpgrade(QString& copy)
+bool TSchemaUpgrade::Prepare()
 {
-    const int version = GetDBVersion();
-    if (version == 1000 && !FPrompt.AskYesNo(GetLanguageString(u"cSDBUpgdate1To2Confirmation"_s)))
+    const int version = VersionOf(FConnection);
+    if (version == FirstFormat && !FPrompt.AskYesNo(GetLanguageString(u"cSDBUpgdate1To2Confirmation"_s)))
         return false;
     if (version < CurrentSchemaVersion)
-        copy = CopyBeforeUpgrade(version);
+        CopyFile(version);
     return true;
 }
 
-void TDataModuleMain::RunUpgradeStep(const QString& script, const std::function<bool(int version)>& applies)
-{
-    // The version stands in the transaction with what it tells of: whatever ends the step leaves the old state or the
-    // new one. It is read inside, since another program may raise the same file.
-    TSQLiteTransaction transaction(FConnection);
-    if (!applies(GetDBVersion()))
-        return;
-    FConnection.Exec(DatabaseScript(script));
-    transaction.Commit();
-}
-
-void TDataModuleMain::ConvertFirstFormat()
-{
-    // The old tables go one by one, in an order that their references to each other need not allow.
-    FConnection.Exec(u"PRAGMA foreign_keys = OFF"_s);
-    const auto restore = qScopeGuard([this] { FConnection.Exec(u"PRAGMA foreign_keys = ON"_s); });
-    RunUpgradeStep(u"Upgrade1000To2000"_s, [](int version) { return version == 1000; });
-}
-
-void TDataModuleMain::UpgradeFile()
-{
-    if (GetDBVersion() == 1000) {
-        ConvertFirstFormat();
-        VacuumDB(); // the old tables have left their room behind
-    }
-    for (const int step : {2001, 3001})
-        if (GetDBVersion() < step)
-            RunUpgradeStep(u"Upgrade%1"_s.arg(step), [step](int version) { return version < step; });
-}
-
-void TDataModuleMain::Upgrade(const QString& copy)
+void TSchemaUpgrade::Run()
 {
     try {
-        UpgradeFile();
+        for (const TUpgradeStep& step : Steps)
+            RunStep(FConnection, step);
     } catch (const EDatabaseError& failure) {
-        if (copy.isEmpty())
+        if (FCopy.isEmpty())
             throw;
-        throw EDatabaseError(GetLanguageString(u"cSDBUpgradeFailed"_s).arg(failure.Text(), copy), failure.Code());
+        throw EDatabaseError(GetLanguageString(u"cSDBUpgradeFailed"_s).arg(failure.Text(), FCopy), failure.Code());
     }
-}
-
-void TDataModuleMain::VacuumDB()
-{
-    Q_ASSERT(OnMainThread());
-    CommitTransaction();
-    FConnection.Exec(
-        u"PRAGMA auto_vacuum = INCREMENTAL; PRAGMA application_id = %1; VACUUM;"_s.arg(CollectionApplicationId));
 }
 
 } // namespace Kestrune
