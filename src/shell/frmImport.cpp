@@ -2,7 +2,6 @@
 #include "frmImport.h"
 
 #include "uFileCatcher.h"
-#include "uPrompt.h"
 #include "uTHStrings.h"
 
 #include <algorithm>
@@ -19,9 +18,7 @@ void TKRNImportForm::ChooseClass(int row)
         return;
     FClassIndex = row;
     FOptions = Class().MakeOptions();
-    FSourceText.clear();
-    FMemo.clear();
-    FPathCheck.Look({});
+    FSource.Choose(Class());
     Q_EMIT pageChanged();
     Q_EMIT updated();
 }
@@ -106,95 +103,18 @@ void TKRNImportForm::GoTo(const TImportPage& page)
 void TKRNImportForm::EnterPage(const TImportPage& from)
 {
     if (FPage == pSelectSource && from == pWelcome)
-        EnterSource();
+        FSource.Enter();
     Q_EMIT pageChanged();
     if (const TPageRule* rule = RuleOf(FPage); rule && rule->Enter)
         (this->*rule->Enter)();
     Q_EMIT updated();
 }
 
-void TKRNImportForm::EnterSource()
-{
-    FAcceptsDrops = Class().AllowsDragNDrop;
-    if (FAcceptsDrops)
-        FJustDragNDropped = false;
-    FPasteMode = false;
-    FPathCheck.Look(FSourceText);
-}
-
-void TKRNImportForm::SetSourceText(const QString& text)
-{
-    if (text == FSourceText)
-        return;
-    FSourceText = text;
-    FJustDragNDropped = false;
-    FPathCheck.Look(text);
-    Q_EMIT updated();
-}
-
-bool TKRNImportForm::CanBrowse() const
-{
-    const TKRNImporterInputType type = Class().ImporterType;
-    return type == iitFile || type == iitFolder;
-}
-
-void TKRNImportForm::Browse()
-{
-    const QString title = GetLanguageString(u"cSImportSelectSourceTitle"_s);
-    QString chosen;
-    if (Class().ImporterType == iitFolder) {
-        chosen = FPrompt.AskFolder(title, FSourceText);
-    } else {
-        TFileDialogRequest request;
-        request.Title = title;
-        request.DefaultExtension = Class().ImporterFileExt;
-        request.Filter = Class().GetImporterFileExtFilter();
-        request.FileName = FSourceText;
-        chosen = FPrompt.AskOpenFile(request);
-    }
-    if (!chosen.isEmpty())
-        SetSourceText(chosen);
-}
-
-void TKRNImportForm::SetPasteMode(bool paste)
-{
-    FPasteMode = paste && Class().CanCopyAndPasteData;
-    Q_EMIT updated();
-}
-
-void TKRNImportForm::SetMemo(const QString& text)
-{
-    FMemo = text;
-    Q_EMIT updated();
-}
-
-bool TKRNImportForm::UsesMemo() const
-{
-    const TKRNImporterInputType type = Class().ImporterType;
-    return type == iitMemo || (type == iitFile && FPasteMode);
-}
-
-bool TKRNImportForm::SourceGiven() const
-{
-    if (UsesMemo())
-        return !FMemo.isEmpty();
-    const bool dropped = FJustDragNDropped && FAcceptsDrops;
-    switch (Class().ImporterType) {
-    case iitFile: return !FSourceText.isEmpty() && (FPathCheck.IsFile() || dropped);
-    case iitFolder: return FPathCheck.IsFolder() || dropped;
-    default: return !FSourceText.isEmpty();
-    }
-}
-
 void TKRNImportForm::DropFiles(const TFileCatcher& files)
 {
     if (!AcceptsDrops() || files.FileCount() == 0)
         return;
-    FSourceText = files.InputPath();
-    FPathCheck.Look({});
-    FPasteMode = false;
-    FJustDragNDropped = true;
-    Q_EMIT updated();
+    FSource.Drop(files);
     Next();
 }
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uImportSource.h"
 #include "uImporterClass.h"
-#include "uPathCheck.h"
 
 #include <QObject>
 #include <QStringList>
@@ -14,7 +14,6 @@
 namespace Kestrune {
 
 class TDataModuleMain;
-class TFileCatcher;
 class TImportRun;
 struct TImportJob;
 class TPrompt;
@@ -71,19 +70,10 @@ public:
     void Cancel();
     void Finish();
 
-    // Source page
-    QString SourceText() const { return FSourceText; }
-    /// What the user types.
-    void SetSourceText(const QString& text);
-    /// Lets the user choose a file or folder.
-    void Browse();
-    bool CanBrowse() const;
-    /// Pasted text in place of a file (cbCopyPasteData instead of cbChooseFile).
-    bool PasteMode() const { return FPasteMode; }
-    void SetPasteMode(bool paste);
-    QString Memo() const { return FMemo; }
-    void SetMemo(const QString& text);
-    bool AcceptsDrops() const { return FPage == pSelectSource && FAcceptsDrops; }
+    /// What the source page fills; only when ClassIndex is not -1.
+    TImportSource& Source() { return FSource; }
+    const TImportSource& Source() const { return FSource; }
+    bool AcceptsDrops() const { return FPage == pSelectSource && FSource.AcceptsDrops(); }
     void DropFiles(const TFileCatcher& files);
 
     // Selection page
@@ -129,13 +119,11 @@ private:
     bool ClassChosen() const { return FClassIndex >= 0; }
     bool AlbumsListed() const { return !FImporter && !FRows.empty(); }
     void EnterPage(const TImportPage& from);
-    void EnterSource();
     void EnterSelection();
     void EnterProgress();
     void GoTo(const TImportPage& page);
     TImportPage Neighbour(int step) const;
-    bool SourceGiven() const;
-    bool UsesMemo() const;
+    bool SourceGiven() const { return FSource.IsGiven(); }
     TImportJob Job(TKRNImporterJobType type) const;
     void StartImporter(TKRNImporterJobType type);
     void ListenToListing();
@@ -148,12 +136,7 @@ private:
     int FClassIndex = -1;
     std::unique_ptr<TImportOptions> FOptions;
     TImportPage FPage = pWelcome;
-    QString FSourceText;
-    QString FMemo;
-    bool FPasteMode = false;
-    bool FAcceptsDrops = false;
-    bool FJustDragNDropped = false;
-    TPathCheck FPathCheck;
+    TImportSource FSource;
     std::vector<TImportRow> FRows;
     int FTicked = 0;
     QString FListingError;

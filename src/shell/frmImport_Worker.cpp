@@ -27,8 +27,10 @@ QString WithFigures(QString text, std::initializer_list<int> figures)
 } // namespace
 
 TKRNImportForm::TKRNImportForm(TDataModuleMain& data, TPrompt& prompt, std::span<const TImporterClass> classes)
-    : FData(data), FPrompt(prompt), FClasses(classes), FPathCheck([this] { Q_EMIT updated(); })
-{}
+    : FData(data), FPrompt(prompt), FClasses(classes), FSource(prompt)
+{
+    connect(&FSource, &TImportSource::changed, this, &TKRNImportForm::updated);
+}
 
 TKRNImportForm::~TKRNImportForm() = default;
 
@@ -36,8 +38,8 @@ TImportJob TKRNImportForm::Job(TKRNImporterJobType type) const
 {
     TImportJob job{.Class = &Class(),
                    .JobType = type,
-                   .InputPath = FSourceText,
-                   .Data = UsesMemo() ? FMemo : QString(),
+                   .InputPath = FSource.Text(),
+                   .Data = FSource.UsesMemo() ? FSource.Memo() : QString(),
                    .Options = FOptions->Clone()};
     if (type == ijtImport && Class().CanSelectWhichAlbumsToImport)
         for (const TImportRow& row : FRows)

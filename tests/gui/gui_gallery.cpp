@@ -272,7 +272,7 @@ public:
         Save(window, u"import-welcome"_s);
         form.ChooseClass(1);
         form.Next();
-        form.SetSourceText(QCoreApplication::applicationFilePath());
+        form.Source().SetText(QCoreApplication::applicationFilePath());
         Save(window, u"import-source"_s);
         form.Next();
         while (form.Importer())

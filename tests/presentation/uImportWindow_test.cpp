@@ -80,7 +80,7 @@ protected:
     {
         FForm.ChooseClass(0);
         FForm.Next();
-        FForm.SetSourceText(FDir.Write(source, "x"));
+        FForm.Source().SetText(FDir.Write(source, "x"));
         ASSERT_TRUE(QTest::qWaitFor([this] { return FForm.NextEnabled(); }));
         FForm.Next();
         ASSERT_TRUE(QTest::qWaitFor([this] { return !FForm.Importer(); }));
@@ -176,7 +176,7 @@ TEST_F(ImportWindow, APageOfASourceIsARowOfTheTable)
     window.show();
     form.ChooseClass(0);
     form.Next();
-    form.SetSourceText(FDir.Write(u"list.x"_s, "x"));
+    form.Source().SetText(FDir.Write(u"list.x"_s, "x"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return form.NextEnabled(); }));
     form.Next();
     EXPECT_EQ(form.Page(), u"pTapes"_s);

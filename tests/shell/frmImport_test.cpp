@@ -143,7 +143,7 @@ protected:
     void GoToSelection()
     {
         GoToSource();
-        FForm.SetSourceText(u"me"_s);
+        FForm.Source().SetText(u"me"_s);
         FForm.Next();
         ASSERT_EQ(FForm.Page(), pSelectAlbumsToImport);
     }
@@ -198,9 +198,9 @@ TEST_F(ImportForm, NextOnTheSourcePage)
         TKRNImportForm form(FData, FPrompt, FClasses);
         form.ChooseClass(0);
         form.Next();
-        form.SetPasteMode(row.Paste);
-        form.SetSourceText(row.Text);
-        form.SetMemo(row.Memo);
+        form.Source().SetPasteMode(row.Paste);
+        form.Source().SetText(row.Text);
+        form.Source().SetMemo(row.Memo);
         Until([&] { return form.NextEnabled() == row.Expected; });
     }
 }
@@ -219,7 +219,7 @@ TEST_F(ImportForm, DroppedFilesAreJoinedAndGoOnByThemselves)
     EXPECT_EQ(TFakeImporter::Seen().InputPath, u"/a/1.x|/b/2.x"_s);
     FForm.Back();
     EXPECT_TRUE(FForm.NextEnabled()) << "the drop still counts";
-    FForm.SetSourceText(u"/a/1.x"_s);
+    FForm.Source().SetText(u"/a/1.x"_s);
     EXPECT_FALSE(FForm.NextEnabled()) << "what is typed must exist";
 }
 
@@ -310,7 +310,7 @@ TEST_F(ImportForm, CancelEndsTheWorkerAndReachesTheFinishPage)
     FSource.CanSelectWhichAlbumsToImport = false;
     TFakeImporter::Answers().Releases = 5000;
     GoToSource();
-    FForm.SetSourceText(u"me"_s);
+    FForm.Source().SetText(u"me"_s);
     FPrompt.YesNoAnswer = false;
     int stored = 0;
     QObject::connect(&FForm, &TKRNImportForm::releaseStored, &FForm, [&] {
@@ -342,7 +342,7 @@ TEST_F(ImportForm, AMissingDriverStopsBeforeAnyWorker)
         QObject::connect(&form, &TKRNImportForm::closed, &form, [&](bool finished) { closed = !finished; });
         form.ChooseClass(0);
         form.Next();
-        form.SetSourceText(u"x"_s);
+        form.Source().SetText(u"x"_s);
         form.Next();
         EXPECT_TRUE(closed);
         EXPECT_EQ(url, driver.URL);
@@ -363,7 +363,7 @@ TEST_F(ImportForm, ASourceNamesItsOwnPages)
     GoToSource();
     EXPECT_EQ(FForm.Pages(), (std::vector{pWelcome, pSelectSource, u"pWord"_s, u"pMore"_s, pSelectAlbumsToImport,
                                           pProgress, pFinish}));
-    FForm.SetSourceText(u"me"_s);
+    FForm.Source().SetText(u"me"_s);
     FForm.Next();
     EXPECT_EQ(FForm.Page(), u"pWord"_s);
     EXPECT_FALSE(FForm.NextEnabled()) << "the page lacks something";
@@ -411,9 +411,9 @@ TEST_F(ImportForm, PastedTextReachesTheSourceOnlyInPasteMode)
         TKRNImportForm form(FData, FPrompt, FClasses);
         form.ChooseClass(0);
         form.Next();
-        form.SetSourceText(file);
-        form.SetPasteMode(paste);
-        form.SetMemo(u"a;b"_s);
+        form.Source().SetText(file);
+        form.Source().SetPasteMode(paste);
+        form.Source().SetMemo(u"a;b"_s);
         Until([&] { return form.NextEnabled(); });
         form.Next();
         Until([&] { return form.Page() == pFinish && !form.Importer(); });
@@ -432,7 +432,7 @@ TEST_F(ImportForm, WizardAndCommandLineGiveTheSameCollection)
         music.Write(name, flac(name.toUtf8()));
     FForm.ChooseClass(1);
     FForm.Next();
-    FForm.SetSourceText(music.Path());
+    FForm.Source().SetText(music.Path());
     Until([this] { return FForm.NextEnabled(); });
     FForm.Next();
     Until([this] { return FForm.Page() == pFinish && !FForm.Importer(); });

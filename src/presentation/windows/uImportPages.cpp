@@ -94,10 +94,10 @@ TSourcePage::TSourcePage(TKRNImportForm& form, QWidget* parent)
     column->addWidget(FCopyPaste);
     column->addWidget(FMemo, 1);
     column->addStretch(0);
-    connect(FSource, &QLineEdit::textEdited, &form, &TKRNImportForm::SetSourceText);
-    connect(FBrowse, &QPushButton::clicked, &form, &TKRNImportForm::Browse);
-    connect(FMemo, &QPlainTextEdit::textChanged, &form, [this] { FForm.SetMemo(FMemo->toPlainText()); });
-    connect(FCopyPaste, &QRadioButton::toggled, &form, &TKRNImportForm::SetPasteMode);
+    connect(FSource, &QLineEdit::textEdited, &form.Source(), &TImportSource::SetText);
+    connect(FBrowse, &QPushButton::clicked, &form.Source(), &TImportSource::Browse);
+    connect(FMemo, &QPlainTextEdit::textChanged, &form, [this] { FForm.Source().SetMemo(FMemo->toPlainText()); });
+    connect(FCopyPaste, &QRadioButton::toggled, &form.Source(), &TImportSource::SetPasteMode);
 }
 
 void TSourcePage::Enter()
@@ -107,25 +107,25 @@ void TSourcePage::Enter()
     const bool paste = type == iitFile && source.CanCopyAndPasteData;
     FDescription->setText(source.GetSelectSourceDescription());
     const QSignalBlocker quiet(FMemo);
-    FMemo->setPlainText(FForm.Memo());
+    FMemo->setPlainText(FForm.Source().Memo());
     FMemo->setVisible(paste || type == iitMemo);
     FChooseFile->setVisible(paste);
     FCopyPaste->setVisible(paste);
     FSource->setVisible(type != iitMemo);
-    FBrowse->setVisible(FForm.CanBrowse());
+    FBrowse->setVisible(FForm.Source().CanBrowse());
 }
 
 void TSourcePage::Refresh()
 {
     if (FForm.ClassIndex() < 0)
         return;
-    if (FSource->text() != FForm.SourceText())
-        FSource->setText(FForm.SourceText());
-    FChooseFile->setChecked(!FForm.PasteMode());
-    FCopyPaste->setChecked(FForm.PasteMode());
-    FSource->setEnabled(!FForm.PasteMode());
-    FBrowse->setEnabled(!FForm.PasteMode());
-    FMemo->setEnabled(FForm.PasteMode() || FForm.Class().ImporterType == iitMemo);
+    if (FSource->text() != FForm.Source().Text())
+        FSource->setText(FForm.Source().Text());
+    FChooseFile->setChecked(!FForm.Source().PasteMode());
+    FCopyPaste->setChecked(FForm.Source().PasteMode());
+    FSource->setEnabled(!FForm.Source().PasteMode());
+    FBrowse->setEnabled(!FForm.Source().PasteMode());
+    FMemo->setEnabled(FForm.Source().PasteMode() || FForm.Class().ImporterType == iitMemo);
 }
 
 QWidget* TSourcePage::FirstWidget()

@@ -113,7 +113,7 @@ private:
         painter.setPen(CurrentTheme().Text2);
         const int line = LineHeight(painter.font());
         const qreal room = width() - 2 * RailPadding;
-        const QString file = FForm.SourceText().section(u'/', -1);
+        const QString file = FForm.Source().Text().section(u'/', -1);
         DrawElided(painter, QRectF(RailPadding, height() - 2.0 * line - 10, room, line), FForm.Class().GetDisplayName(),
                    TextSide());
         DrawElided(painter, QRectF(RailPadding, height() - line - 10.0, room, line), file, TextSide());
