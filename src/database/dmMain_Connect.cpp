@@ -92,7 +92,7 @@ void TestFile(const QString& filepath, int lockWait)
     probe.SetLockWait(lockWait);
     OpenReadable(probe, filepath);
     CheckVersion(probe);
-    if (probe.IsReadOnly() || VersionOf(probe) >= CurrentSchemaVersion)
+    if (probe.IsReadOnly() || VersionOf(probe) >= CurrentSchemaVersion())
         return;
     const TSQLiteTransaction writable(probe); // it will have to be raised
 }

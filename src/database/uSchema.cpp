@@ -11,10 +11,12 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLocale>
+#include <QRegularExpression>
 #include <QScopeGuard>
 
 #include <algorithm>
 #include <filesystem>
+#include <vector>
 
 static void InitDatabaseResources() { Q_INIT_RESOURCE(database); }
 
@@ -27,17 +29,13 @@ namespace {
 constexpr int FirstFormat = 1000;
 
 struct TUpgradeStep {
-    int From; // lowest version that it raises
+    int From; // the one version that it raises; 0 for all below its own
     int To;
-    const char16_t* Script;
-    bool Rebuilds; // old tables go, in an order that their references need not allow, and leave their room behind
-};
+    QString Script;
 
-// In this order; a new version is a row with its script.
-constexpr TUpgradeStep Steps[] = {
-    {FirstFormat, 2000, u"Upgrade1000To2000", true},
-    {0, 2001, u"Upgrade2001", false},
-    {0, CurrentSchemaVersion, u"Upgrade3001", false},
+    // Old tables go, in an order that their references need not allow, and leave their room behind.
+    bool Rebuilds() const { return From > 0; }
+    bool Raises(int version) const { return Rebuilds() ? version == From : version < To; }
 };
 
 constexpr qint64 HighestVersion = 1'000'000;
@@ -93,30 +91,42 @@ QString FreeName(const QString& stem)
     return name;
 }
 
+// By their names, "Upgrade3001" or "Upgrade1000To2000", in the order of the versions.
+const std::vector<TUpgradeStep>& Steps()
+{
+    static const std::vector<TUpgradeStep> steps = [] {
+        InitDatabaseResources();
+        static const QRegularExpression name(u"^(Upgrade(?:(\\d+)To)?(\\d+))\\.sql$"_s);
+        std::vector<TUpgradeStep> found;
+        for (const QString& file : QDir(u":/sql"_s).entryList())
+            if (const auto match = name.match(file); match.hasMatch())
+                found.push_back({match.captured(2).toInt(), match.captured(3).toInt(), match.captured(1)});
+        std::ranges::sort(found, {}, &TUpgradeStep::To);
+        return found;
+    }();
+    return steps;
+}
+
 void RunStep(TSQLiteConnection& connection, const TUpgradeStep& step)
 {
-    const auto applies = [&] {
-        const int version = VersionOf(connection);
-        return version >= step.From && version < step.To && (!step.Rebuilds || version == step.From);
-    };
-    if (!applies())
+    if (!step.Raises(VersionOf(connection)))
         return;
-    if (step.Rebuilds)
+    if (step.Rebuilds())
         connection.Exec(u"PRAGMA foreign_keys = OFF"_s);
     {
         const auto restore = qScopeGuard([&] {
-            if (step.Rebuilds)
+            if (step.Rebuilds())
                 connection.Exec(u"PRAGMA foreign_keys = ON"_s);
         });
         // The version stands in the transaction with what it tells of: whatever ends the step leaves the old state or
         // the new one. It is read inside, since another program may raise the same file.
         TSQLiteTransaction transaction(connection);
-        if (!applies())
+        if (!step.Raises(VersionOf(connection)))
             return;
-        connection.Exec(DatabaseScript(QString::fromUtf16(step.Script)));
+        connection.Exec(DatabaseScript(step.Script));
         transaction.Commit();
     }
-    if (step.Rebuilds)
+    if (step.Rebuilds())
         Vacuum(connection);
 }
 
@@ -130,6 +140,8 @@ QString DatabaseScript(const QString& name)
         throw EDatabaseError(u"script %1 is missing"_s.arg(name));
     return QString::fromUtf8(text);
 }
+
+int CurrentSchemaVersion() { return Steps().back().To; }
 
 int VersionOf(TSQLiteConnection& connection)
 {
@@ -186,7 +198,7 @@ bool TSchemaUpgrade::Prepare()
     const int version = VersionOf(FConnection);
     if (version == FirstFormat && !FPrompt.AskYesNo(GetLanguageString(u"cSDBUpgdate1To2Confirmation"_s)))
         return false;
-    if (version < CurrentSchemaVersion)
+    if (version < CurrentSchemaVersion())
         CopyFile(version);
     return true;
 }
@@ -194,7 +206,7 @@ bool TSchemaUpgrade::Prepare()
 void TSchemaUpgrade::Run()
 {
     try {
-        for (const TUpgradeStep& step : Steps)
+        for (const TUpgradeStep& step : Steps())
             RunStep(FConnection, step);
     } catch (const EDatabaseError& failure) {
         if (FCopy.isEmpty())

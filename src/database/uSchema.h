@@ -10,8 +10,8 @@ class TSQLiteConnection;
 
 /// What identifies a collection in its file header (bytes 68 to 71).
 constexpr int CollectionApplicationId = 0x4B524E31;
-/// The schema version of new files.
-constexpr int CurrentSchemaVersion = 3001;
+/// The schema version of new files: the highest that an upgrade script leads to.
+int CurrentSchemaVersion();
 
 /// A script of the collection by its name: a file beside the program wins over the text that is compiled in.
 QString DatabaseScript(const QString& name);
