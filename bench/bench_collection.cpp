@@ -2,6 +2,7 @@
 // Filters, sorts and deletions in a large collection: bench_collection FILE. The file is copied for the deletions.
 #include "dmMain.h"
 #include "uBench.h"
+#include "uColumnNames.h"
 #include "uDefaults.h"
 #include "uScriptedPrompt.h"
 #include "uSearch.h"
@@ -66,7 +67,8 @@ void MeasureScroll(TListDataset& list)
     });
 }
 
-void MeasureDeletion(const QString& path)
+// What writes goes to a copy of the file.
+void OnCopy(const QString& path, const std::function<void(TDataModuleMain& data)>& measure)
 {
     const QString copy = path + u".bench-copy"_s;
     QFile::remove(copy);
@@ -75,13 +77,25 @@ void MeasureDeletion(const QString& path)
     {
         TDataModuleMain data(prompt);
         data.ConnectToDB(copy);
-        std::vector<qint64> keys;
-        for (int i = 0; i < 1000; ++i)
-            keys.push_back(data.qReleasesMain.KeyAt(i * 97 % data.qReleasesMain.RecordCount()));
-        Bench::Report(u"remove 1,000 selected releases"_s, 1, [&] { data.qReleasesMain.DeleteKeys(keys); });
+        measure(data);
     }
     for (const QString& suffix : {u""_s, u"-wal"_s, u"-shm"_s})
         QFile::remove(copy + suffix);
+}
+
+void MeasureWrites(TDataModuleMain& data)
+{
+    TListDataset& list = data.qReleasesMain;
+    const std::vector<qint64> all = list.Keys();
+    int round = 0;
+    for (const auto& column : {Col::Location, Col::Label, Col::ReleaseYear})
+        Bench::Report(u"give all releases one "_s + column, 3, [&] {
+            list.UpdateKeys(all, {{column, ++round}}, [](int, int) { return true; });
+        });
+    std::vector<qint64> keys;
+    for (int i = 0; i < 1000; ++i)
+        keys.push_back(list.KeyAt(i * 97 % list.RecordCount()));
+    Bench::Report(u"remove 1,000 selected releases"_s, 1, [&] { list.DeleteKeys(keys); });
 }
 
 } // namespace
@@ -103,6 +117,6 @@ int main(int argc, char** argv)
     const Bench::TMemory memory = Bench::ResidentMemory();
     Bench::Print(u"resident %1 MiB, %2 MiB of it not file pages"_s.arg(memory.Total, 0, 'f', 0)
                      .arg(memory.Anonymous, 0, 'f', 0));
-    MeasureDeletion(path);
+    OnCopy(path, MeasureWrites);
     return 0;
 }
