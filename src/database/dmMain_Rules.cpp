@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <span>
+#include <utility>
 
 namespace Kestrune {
 
@@ -15,7 +16,16 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString NowText() { return QDateTime::currentDateTime().toString(u"yyyy-MM-dd hh:mm:ss"_s); }
+// Kept for its second: each of a release's rows has it twice, and making it costs more than writing a row.
+QString NowText()
+{
+    static qint64 second = -1;
+    static QString text;
+    const qint64 now = QDateTime::currentSecsSinceEpoch();
+    if (std::exchange(second, now) != now)
+        text = QDateTime::fromSecsSinceEpoch(now).toString(u"yyyy-MM-dd hh:mm:ss"_s);
+    return text;
+}
 
 // `Rating` follows `Rating_Calc` when that is set, so a rating that somebody else gave meanwhile stays.
 void PostTime(TDataset& cursor) { cursor.SetValue(Col::LastModified, NowText()); }

@@ -33,14 +33,21 @@ void DropPictures(std::vector<TVariant>& record, const std::vector<TFieldDef>& f
 TDataset::TDataset(TSQLiteConnection& connection, TDatasetDef def)
     : FConnection(connection), FRows(connection, std::move(def))
 {
-    for (int i = 0; i < static_cast<int>(Fields().size()); ++i)
+    for (int i = 0; i < static_cast<int>(Fields().size()); ++i) {
         FFieldIndex.insert(FRows.Field(i).Name.toLower(), i);
+        FFieldIndex.insert(FRows.Field(i).Name, i);
+    }
     FRatingField = FieldIndex(Col::Rating);
     FRatingCalcField = FieldIndex(Col::Rating_Calc);
     FReleaseField = FieldIndex(u"Release"_s);
 }
 
-int TDataset::FieldIndex(const QString& name) const { return FFieldIndex.value(name.toLower(), -1); }
+int TDataset::FieldIndex(const QString& name) const
+{
+    // Nearly all who ask spell the name as the file does, and lower case costs more than looking.
+    const auto found = FFieldIndex.constFind(name);
+    return found != FFieldIndex.constEnd() ? *found : FFieldIndex.value(name.toLower(), -1);
+}
 
 void TDataset::Close()
 {

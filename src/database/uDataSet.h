@@ -151,7 +151,7 @@ private:
 
     TSQLiteConnection& FConnection;
     TTableRows FRows;
-    QHash<QString, int> FFieldIndex;
+    QHash<QString, int> FFieldIndex; // as the file spells them, and in lower case
     int FRatingField = -1;
     int FRatingCalcField = -1;
     int FReleaseField = -1;
