@@ -7,8 +7,12 @@
 #include "uScriptedPrompt.h"
 #include "uSearch.h"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
+
+#include <algorithm>
+#include <optional>
 
 using namespace Kestrune;
 using namespace Qt::StringLiterals;
@@ -96,6 +100,28 @@ void MeasureWrites(TDataModuleMain& data)
     for (int i = 0; i < 1000; ++i)
         keys.push_back(list.KeyAt(i * 97 % list.RecordCount()));
     Bench::Report(u"remove 1,000 selected releases"_s, 1, [&] { list.DeleteKeys(keys); });
+    for (const size_t count : {1'000, 20'000}) {
+        const std::vector<qint64> going(list.Keys().begin(), list.Keys().begin() + static_cast<qsizetype>(count));
+        std::optional<qint64> deletion;
+        QElapsedTimer quiet; // between two looks at the progress no event is served
+        qint64 longest = 0;
+        const auto progress = [&](int, int) {
+            longest = std::max(longest, quiet.restart());
+            return true;
+        };
+        Bench::Report(u"remove %1 releases with undo"_s.arg(count), 1, [&] {
+            quiet.start();
+            deletion = data.DeleteUndoably(list, going, progress);
+            progress(0, 0);
+        });
+        Bench::Report(u"    take it back"_s, 1, [&] {
+            quiet.start();
+            data.UndoDeletion(*deletion, progress);
+            progress(0, 0);
+        });
+        Bench::Print(u"    longest step %1 ms"_s.arg(longest));
+        list.ApplyFilter();
+    }
 }
 
 } // namespace

@@ -16,6 +16,7 @@
 #include <QTimer>
 
 #include <functional>
+#include <optional>
 #include <unordered_set>
 #include <vector>
 
@@ -64,11 +65,14 @@ public:
     /// `progress` is told the rows that are done of all and stops the work by giving false. The number of thumbnails.
     int RegenerateThumbnails(const std::function<bool(int row, int count)>& progress);
     /// Deletes rows of a list in one transaction and keeps what went with them; gives the number by which UndoDeletion
-    /// takes it back. Where there is no room to keep it they are deleted all the same, and the number is 0.
-    qint64 DeleteUndoably(TListDataset& list, const std::vector<qint64>& keys);
+    /// takes it back. Where there is no room to keep it they are deleted all the same, and the number is 0. None when
+    /// `progress` has taken it back.
+    std::optional<qint64> DeleteUndoably(TListDataset& list, const std::vector<qint64>& keys,
+                                         const TProgress& progress = {});
     /// Brings back what a deletion took, with its keys; a second time does nothing. Gives the number of rows that stay
-    /// away because what they belong to is gone. Throws the reason when nothing can come back.
-    qint64 UndoDeletion(qint64 number);
+    /// away because what they belong to is gone; none when `progress` has stopped it, and then nothing has come back.
+    /// Throws the reason when nothing can come back.
+    std::optional<qint64> UndoDeletion(qint64 number, const TProgress& progress = {});
     /// True when the cursors are open.
     bool HasData() const { return qReleasesMain.Active(); }
     /// True when the open file can only be read.

@@ -44,13 +44,21 @@ void TDataModuleMain::CopyTo(const QString& filepath)
     }
 }
 
-qint64 TDataModuleMain::DeleteUndoably(TListDataset& list, const std::vector<qint64>& keys)
+std::optional<qint64> TDataModuleMain::DeleteUndoably(TListDataset& list, const std::vector<qint64>& keys,
+                                                      const TProgress& progress)
 {
     Q_ASSERT(OnMainThread());
+    // Keeping and deleting cost about the same.
+    const auto half = [&progress](int before) -> TProgress {
+        return [&progress, before](int done, int count) {
+            return !progress || progress(before * count + done, 2 * count);
+        };
+    };
     try {
         TSQLiteTransaction transaction(FConnection);
-        const qint64 number = FDeleted.Keep(list.Def().Table, keys);
-        list.DeleteKeys(keys);
+        const qint64 number = FDeleted.Keep(list.Def().Table, keys, half(0));
+        if (number == 0 || !list.DeleteKeys(keys, half(1)))
+            return std::nullopt;
         FDeleted.Settle(number);
         transaction.Commit();
         return number;
@@ -60,15 +68,14 @@ qint64 TDataModuleMain::DeleteUndoably(TListDataset& list, const std::vector<qin
         DebugLog(u"[Undo] %1"_s.arg(failure.Text()));
     }
     // A disk that is full has no room for what is to be kept, and yet it must be possible to delete.
-    list.DeleteKeys(keys);
-    return 0;
+    return list.DeleteKeys(keys, progress) ? std::optional<qint64>(0) : std::nullopt;
 }
 
-qint64 TDataModuleMain::UndoDeletion(qint64 number)
+std::optional<qint64> TDataModuleMain::UndoDeletion(qint64 number, const TProgress& progress)
 {
     Q_ASSERT(OnMainThread());
     FConnection.CheckFileIsThere();
-    return FDeleted.Restore(number);
+    return FDeleted.Restore(number, progress);
 }
 
 int TDataModuleMain::RegenerateThumbnails(const std::function<bool(int row, int count)>& progress)

@@ -263,21 +263,23 @@ void TDataset::Delete()
         DeleteKeys({key});
 }
 
-void TDataset::DeleteKeys(const std::vector<qint64>& keys)
+bool TDataset::DeleteKeys(const std::vector<qint64>& keys, const TProgress& progress)
 {
     // An edit of a record that goes is dropped, any other is posted.
     if (FState == dsEdit && std::ranges::count(keys, FEditKey) > 0)
         Cancel();
     Post();
     FConnection.CheckFileIsThere();
-    WriteDeletes(keys);
+    if (!WriteDeletes(keys, progress))
+        return false;
     RemoveKeys(keys);
     FRecNo = std::min(FRecNo, RecordCount() - 1);
     NotifyReset();
+    return true;
 }
 
 int TDataset::UpdateKeys(const std::vector<qint64>& keys, const std::vector<std::pair<QString, TVariant>>& values,
-                         const std::function<bool(int done, int count)>& progress)
+                         const TProgress& progress)
 {
     if (values.empty() || !Active())
         return 0;

@@ -90,13 +90,13 @@ public:
     void Cancel();
     /// Deletes the current record; the next one becomes current.
     void Delete();
-    /// Deletes rows by key in one transaction.
-    void DeleteKeys(const std::vector<qint64>& keys);
+    /// Deletes rows by key in one transaction; false when `progress` has taken it back.
+    bool DeleteKeys(const std::vector<qint64>& keys, const TProgress& progress = {});
     /// Gives records the same values in one transaction, by the rules that hold for an edit of each. `progress` is told
     /// how many are done of all, and takes everything back by giving false. The number of records that were there;
     /// what fails changes none.
     int UpdateKeys(const std::vector<qint64>& keys, const std::vector<std::pair<QString, TVariant>>& values,
-                   const std::function<bool(int done, int count)>& progress);
+                   const TProgress& progress);
     /// Drops what was read, so that it is read again when it is next looked at; an edit stays open.
     virtual void ForgetRecords() = 0;
     /// What was written may have been undone: reads again which records there are. An edit stays open.
@@ -135,7 +135,10 @@ protected:
     // The three ways in which records are written. The first gives the new key.
     virtual qint64 WriteInsert(const TRecord& record) { return FRows.Insert(record); }
     virtual void WriteUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed);
-    virtual void WriteDeletes(const std::vector<qint64>& keys) { FRows.Delete(keys); }
+    virtual bool WriteDeletes(const std::vector<qint64>& keys, const TProgress& progress)
+    {
+        return FRows.Delete(keys, progress);
+    }
 
     TSQLiteConnection& Connection() const { return FConnection; }
     const TTableRows& Rows() const { return FRows; }
@@ -211,7 +214,7 @@ protected:
     void PrepareAppend() override { EnsureLoaded(); }
     qint64 WriteInsert(const TRecord& record) override;
     void WriteUpdate(qint64 key, const TRecord& record, const std::vector<bool>& changed) override;
-    void WriteDeletes(const std::vector<qint64>& keys) override;
+    bool WriteDeletes(const std::vector<qint64>& keys, const TProgress& progress) override;
 
 private:
     bool Editing() const { return State() == dsEdit || State() == dsInsert; }

@@ -192,15 +192,16 @@ void TDetailDataset::WriteUpdate(qint64 key, const TRecord& record, const std::v
         kept[i] = kept[i] || changed[i];
 }
 
-void TDetailDataset::WriteDeletes(const std::vector<qint64>& keys)
+bool TDetailDataset::WriteDeletes(const std::vector<qint64>& keys, const TProgress& progress)
 {
     if (!FCached)
-        return TDataset::WriteDeletes(keys);
+        return TDataset::WriteDeletes(keys, progress);
     for (const qint64 key : keys) {
         FUpdates.erase(key);
         if (key > 0)
             FDeleted.push_back(key);
     }
+    return true;
 }
 
 void TDetailDataset::ApplyUpdates()
@@ -211,7 +212,7 @@ void TDetailDataset::ApplyUpdates()
     {
         TSQLiteTransaction transaction(Connection());
         if (!FDeleted.empty())
-            TDataset::WriteDeletes(FDeleted);
+            TDataset::WriteDeletes(FDeleted, {});
         for (const TRecord& record : FRecords) {
             const qint64 key = record[static_cast<size_t>(FieldIndex(Col::ID))].toLongLong();
             const auto kept = FUpdates.find(key);

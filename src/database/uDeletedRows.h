@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "uTableRows.h"
+
 #include <QString>
 #include <QStringList>
 
 #include <map>
+#include <optional>
+#include <span>
 #include <vector>
 
 namespace Kestrune {
@@ -22,23 +26,29 @@ public:
     /// Drops what an earlier start has left. To be called with each file that is opened for writing.
     void Begin();
     /// Keeps rows of a table, and what hangs on them, before they are deleted; gives the number of the deletion. Within
-    /// the transaction of the deletion.
-    qint64 Keep(const QString& table, const std::vector<qint64>& keys);
+    /// the transaction of the deletion. 0 when `progress` has stopped it.
+    qint64 Keep(const QString& table, const std::vector<qint64>& keys, const TProgress& progress);
     /// Forgets what the deletion has left where it was.
     void Settle(qint64 number);
     /// Puts the rows of a deletion back, but for those that belong to what is gone meanwhile; gives the number of
-    /// these. Nothing happens for a deletion that was undone already. Throws with the reason when nothing can come
-    /// back.
-    qint64 Restore(qint64 number);
+    /// these, or none when `progress` has stopped it. Nothing happens for a deletion that was undone already. Throws
+    /// with the reason when nothing can come back.
+    std::optional<qint64> Restore(qint64 number, const TProgress& progress);
 
 private:
     QStringList ColumnsOf(const QString& table);
     void MakeTable();
     void CheckKept(qint64 number);
-    void RestoreTable(qint64 number, const QString& table, const QStringList& columns);
+    void KeepChunk(qint64 number, qint64 now, const QString& table, std::span<const qint64> keys);
+    bool RestoreTable(qint64 number, const QString& table, const QStringList& columns,
+                      const std::function<bool(qint64 restored)>& progress);
 
     TSQLiteConnection& FConnection;
-    std::map<qint64, std::map<QString, QStringList>> FKept; // columns of each table as they were, by deletion
+    struct TKept {
+        std::map<QString, QStringList> Columns; // of each table as they were
+        qint64 Rows = 0;
+    };
+    std::map<qint64, TKept> FKept; // by deletion
 };
 
 } // namespace Kestrune

@@ -10,6 +10,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+constexpr int DeletedAtOnce = 50; // releases with all that goes with them
+
 QString Quoted(const QString& name) { return u'"' + name + u'"'; }
 
 } // namespace
@@ -139,15 +141,21 @@ bool TTableRows::Update(qint64 key, const TRecord& record, const std::vector<boo
     return FConnection.RowsChanged() > 0;
 }
 
-void TTableRows::Delete(const std::vector<qint64>& keys)
+bool TTableRows::Delete(const std::vector<qint64>& keys, const TProgress& progress)
 {
+    const QString sql = u"DELETE FROM %1 WHERE ID=?"_s.arg(FDef.Table);
+    const auto count = static_cast<int>(keys.size());
+    int done = 0;
     TSQLiteTransaction transaction(FConnection);
     for (const qint64 key : keys) {
-        TSQLiteStatement& statement = FConnection.Cached(u"DELETE FROM %1 WHERE ID=?"_s.arg(FDef.Table));
+        TSQLiteStatement& statement = FConnection.Cached(sql);
         statement.Bind(1, key);
         statement.Execute();
+        if (++done % DeletedAtOnce == 0 && progress && !progress(done, count))
+            return false;
     }
     transaction.Commit();
+    return true;
 }
 
 } // namespace Kestrune

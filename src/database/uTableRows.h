@@ -4,10 +4,14 @@
 #include "uColumns.h"
 #include "uSQLite.h"
 
+#include <functional>
 #include <map>
 #include <vector>
 
 namespace Kestrune {
+
+/// Is told how much of long work is done and gives false to take it back as a whole; empty for nobody.
+using TProgress = std::function<bool(int done, int count)>;
 
 /// What a cursor reads and which table its edits go to.
 struct TDatasetDef {
@@ -49,7 +53,8 @@ public:
     qint64 Insert(const TRecord& record);
     /// Writes the fields that are marked; false when the row is gone.
     bool Update(qint64 key, const TRecord& record, const std::vector<bool>& changed);
-    void Delete(const std::vector<qint64>& keys);
+    /// In one transaction; false when `progress` has taken it back.
+    bool Delete(const std::vector<qint64>& keys, const TProgress& progress = {});
 
 private:
     bool IsWritten(size_t field) const;

@@ -71,7 +71,7 @@ protected:
 TEST_F(DeletedRows, ComeBackAsTheyWereWithAllThatWentWithThem)
 {
     const QString before = All();
-    const qint64 number = FData.DeleteUndoably(FData.qReleasesMain, {1, 3});
+    const qint64 number = FData.DeleteUndoably(FData.qReleasesMain, {1, 3}).value();
     EXPECT_EQ(FData.qReleasesMain.RecordCount(), 1);
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM Musicians2"_s), 0);
     EXPECT_NE(All(), before);
@@ -87,30 +87,30 @@ TEST_F(DeletedRows, OfTracksTakeTheirCreditsAlong)
 {
     const QString before = All();
     FData.qTracksAll.Open();
-    const qint64 first = FData.DeleteUndoably(FData.qTracksAll, {1});
-    const qint64 second = FData.DeleteUndoably(FData.qTracksAll, {2});
-    EXPECT_EQ(FData.UndoDeletion(first) + FData.UndoDeletion(second), 0) << "each deletion by itself";
+    const qint64 first = FData.DeleteUndoably(FData.qTracksAll, {1}).value();
+    const qint64 second = FData.DeleteUndoably(FData.qTracksAll, {2}).value();
+    EXPECT_EQ(FData.UndoDeletion(first).value() + FData.UndoDeletion(second).value(), 0) << "each deletion by itself";
     EXPECT_EQ(All(), before);
 }
 
 TEST_F(DeletedRows, StayAwayWithWhatTheyBelongTo)
 {
-    const qint64 lent = FData.DeleteUndoably(FData.qReleasesMain, {1});
+    const qint64 lent = FData.DeleteUndoably(FData.qReleasesMain, {1}).value();
     FData.ExecSQL(u"DELETE FROM Friends2"_s);
     EXPECT_EQ(FData.UndoDeletion(lent), 1) << "the loan";
     All();
     FData.qTracksAll.Open();
-    const qint64 track = FData.DeleteUndoably(FData.qTracksAll, {1});
+    const qint64 track = FData.DeleteUndoably(FData.qTracksAll, {1}).value();
     FData.ExecSQL(u"DELETE FROM Releases2 WHERE ID = 1"_s);
     EXPECT_EQ(ReasonOf(track), u"What it belongs to is gone too."_s);
 }
 
 TEST_F(DeletedRows, SayWhyTheyCannotComeBack)
 {
-    qint64 number = FData.DeleteUndoably(FData.qReleasesMain, {1});
+    qint64 number = FData.DeleteUndoably(FData.qReleasesMain, {1}).value();
     FData.ExecSQL(u"UPDATE KestruneDeleted SET Made = Made - 100000"_s);
     EXPECT_EQ(ReasonOf(number), u"What was deleted is kept for a day."_s);
-    number = FData.DeleteUndoably(FData.qReleasesMain, {2});
+    number = FData.DeleteUndoably(FData.qReleasesMain, {2}).value();
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(DISTINCT Number) FROM KestruneDeleted"_s), 1) << "the old one went";
     FData.ExecSQL(u"ALTER TABLE Tracks2 ADD COLUMN Odd TEXT"_s);
     EXPECT_EQ(ReasonOf(number), u"The tables of the collection were changed since."_s);
@@ -123,6 +123,37 @@ TEST_F(DeletedRows, SayWhyTheyCannotComeBack)
     ASSERT_TRUE(FData.ConnectToDB(FPath));
     EXPECT_EQ(FData.ExecSQLAndGetID(u"SELECT count(*) FROM sqlite_master WHERE name LIKE 'Kestrune%'"_s), 0);
     EXPECT_EQ(FData.UndoDeletion(number), 0) << "the next start knows nothing of it";
+}
+
+TEST_F(DeletedRows, StopAtAnyStepLeavesAllAsItWas)
+{
+    for (int i = 0; i < 250; ++i)
+        FData.ExecSQL(u"INSERT INTO Releases2 (ID, ReleaseName) VALUES (%1, 'n')"_s.arg(100 + i));
+    FData.qReleasesMain.ApplyFilter();
+    const std::vector<qint64> keys = FData.qReleasesMain.Keys();
+    const auto stopAt = [](int step) { return [step](int, int) mutable { return --step > 0; }; };
+    int steps = 0;
+    const auto count = [&steps](int done, int all) {
+        EXPECT_LE(done, all);
+        ++steps;
+        return true;
+    };
+    const QString before = All();
+    const qint64 number = FData.DeleteUndoably(FData.qReleasesMain, keys, count).value();
+    const QString after = All();
+    EXPECT_GT(steps, 5);
+    for (int step = 1; step < 4; ++step) {
+        EXPECT_FALSE(FData.UndoDeletion(number, stopAt(step)));
+        EXPECT_EQ(All(), after);
+    }
+    EXPECT_EQ(FData.UndoDeletion(number, count), 0);
+    EXPECT_EQ(All(), before);
+    FData.qReleasesMain.ApplyFilter();
+    for (int step = 1; step < 5; ++step) {
+        EXPECT_FALSE(FData.DeleteUndoably(FData.qReleasesMain, keys, stopAt(step)));
+        EXPECT_EQ(All(), before);
+        EXPECT_EQ(FData.qReleasesMain.Keys(), keys);
+    }
 }
 
 } // namespace Kestrune

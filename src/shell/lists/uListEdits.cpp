@@ -11,6 +11,7 @@
 #include <QLocale>
 
 #include <algorithm>
+#include <optional>
 
 namespace Kestrune {
 
@@ -107,7 +108,13 @@ void TListEdits::RemoveSelected()
         return;
     for (const qint64 key : keys)
         data.TouchRelease(active.ReleaseOf(key));
-    const qint64 deletion = data.DeleteUndoably(list, keys);
+    std::optional<qint64> deletion;
+    FShell.RunJob(GetLanguageString(u"cSDeleting"_s).arg(what),
+                  [&](const TShell::TJobProgress& progress) { deletion = data.DeleteUndoably(list, keys, progress); });
+    if (!deletion) {
+        FShell.Tell(bkWarning, GetLanguageString(u"cSDeletionStopped"_s));
+        return;
+    }
     // What hangs on the rows went with them, and sums over them are others now.
     for (TListSession* other : FLists.All())
         if (other != &active)
@@ -118,7 +125,7 @@ void TListEdits::RemoveSelected()
     if (active.FocusedRelease() != 0)
         Q_EMIT FLists.focusRequested(active.FocusedRelease());
     Q_EMIT rowsChanged();
-    OfferUndo(deletion, what);
+    OfferUndo(*deletion, what);
 }
 
 QString TListEdits::CountText(size_t rows) const
@@ -141,20 +148,27 @@ void TListEdits::OfferUndo(qint64 deletion, const QString& what)
 
 void TListEdits::Undo(qint64 deletion)
 {
-    qint64 leftOut = 0;
+    std::optional<qint64> leftOut;
     if (!FShell.CanWrite()) {
         FShell.Offer(bkWarning, GetLanguageString(u"cSUndoFailed"_s), GetLanguageString(u"cSUndoBusy"_s),
                      {GetLanguageString(u"cSUndo"_s), [this, deletion] { Undo(deletion); }, true});
         return;
     }
     try {
-        leftOut = FShell.Data().UndoDeletion(deletion);
+        FShell.RunJob(GetLanguageString(u"cSUndo"_s), [&](const TShell::TJobProgress& progress) {
+            leftOut = FShell.Data().UndoDeletion(deletion, progress);
+        });
     } catch (const EDatabaseError& failure) {
         FShell.Tell(bkError, GetLanguageString(u"cSUndoFailed"_s), failure.Text());
         return;
     }
-    if (leftOut > 0)
-        FShell.Tell(bkWarning, GetLanguageString(u"cSUndoPartly"_s).arg(leftOut),
+    if (!leftOut) {
+        FShell.Offer(bkWarning, GetLanguageString(u"cSUndoFailed"_s), {},
+                     {GetLanguageString(u"cSUndo"_s), [this, deletion] { Undo(deletion); }, true});
+        return;
+    }
+    if (*leftOut > 0)
+        FShell.Tell(bkWarning, GetLanguageString(u"cSUndoPartly"_s).arg(*leftOut),
                     GetLanguageString(u"cSUndoParentGone"_s));
     FShell.Attempt([this] { FLists.Releases().List().ApplyFilter(); });
     FShell.Attempt([this] { FLists.Tracks().List().Refresh(); });
