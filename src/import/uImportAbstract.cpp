@@ -4,6 +4,8 @@
 #include "dmMain.h"
 #include "uColumnNames.h"
 #include "uDebugLog.h"
+#include "uDefaults.h"
+#include "uKeptText.h"
 #include "uObjs.h"
 #include "uTHStrings.h"
 
@@ -129,6 +131,9 @@ void TKRNImporter::StoreRelease(const TAlbumRelease& release, bool assignNewNo)
     const std::function<void()> store = [&, deliverErrors = TakeItemErrors()] {
         FDataModule.AddAlbumReleaseToDB(release, assignNewNo);
         deliverErrors();
+        if (FOnProgress)
+            for (const QString& note : KeptTextNotes(FDataModule.qReleaseInfo, release, Defaults()))
+                FOnProgress(*this, FPosition, FCount, false, name + u": "_s + note);
         if (FOnReleaseStored)
             FOnReleaseStored(*this, FDataModule.LastAddedReleaseID(), name);
     };

@@ -222,6 +222,21 @@ TEST_F(ImportFramework, AFullDiskEndsTheJobWithNothingHalfStored)
     EXPECT_EQ(Rows(u"PRAGMA integrity_check"_s), u"ok"_s);
 }
 
+TEST_F(ImportFramework, TheLogTellsWhatTheFileMakesOfATextThatLooksLikeANumber)
+{
+    Defaults().ReleaseFields.Slots[0].DisplayName = u"Shelf"_s;
+    TScriptedImporter importer(FData);
+    importer.Job = [](TScriptedImporter& self) {
+        TAlbumRelease release;
+        release.SetItem2(u"ReleaseName"_s, u"X"_s);
+        release.SetItem2(u"Custom1"_s, u"0042"_s);
+        self.StoreRelease(release, true);
+    };
+    importer.Run();
+    ASSERT_EQ(importer.Log.size(), 2);
+    EXPECT_TRUE(importer.Log[0].contains(u" - X: Shelf: “0042” is kept as “42”"_s)) << importer.Log[0].toStdString();
+}
+
 TEST_F(ImportFramework, WhatIsPassedOverComesWithTheNextCall)
 {
     TScriptedImporter importer(FData);

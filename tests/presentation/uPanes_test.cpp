@@ -18,6 +18,7 @@
 
 #include <QAccessible>
 #include <QApplication>
+#include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -239,6 +240,26 @@ TEST_F(AlbumTable, CellsAreEditedInPlaceAndARefusedValueStaysInItsEditor)
     accept = true;
     QTest::keyClick(editor->Input(), Qt::Key_Return);
     QTRY_COMPARE(FTable->findChild<TFieldEditor*>(), nullptr);
+}
+
+TEST_F(AlbumTable, AnEditorTellsWhatTheFileWillKeepBeforeItIsWritten)
+{
+    const TFieldDef& field =
+        FData.qReleaseInfo.Fields()[static_cast<size_t>(FData.qReleaseInfo.FieldIndex(u"Custom1"_s))];
+    QWidget window;
+    window.resize(600, 300);
+    TFieldEditor editor(FData, field, &window);
+    editor.TellWhatIsKept();
+    window.show();
+    const auto hint = [&] { return window.findChild<QLabel*>(u"FieldHint"_s); };
+    editor.SetValue(TVariant());
+    QTest::keyClicks(editor.Input(), u"004"_s);
+    ASSERT_NE(hint(), nullptr);
+    EXPECT_TRUE(hint()->isVisible());
+    EXPECT_TRUE(hint()->text().contains(u"“004” is kept as “4”"_s)) << hint()->text().toStdString();
+    EXPECT_EQ(editor.accessibleDescription(), hint()->text());
+    QTest::keyClicks(editor.Input(), u"a"_s);
+    EXPECT_EQ(hint(), nullptr) << "004a stays";
 }
 
 TEST(Dialogs, ProgressAsksOnceThenCloses)

@@ -226,6 +226,7 @@ void TDetailPane::BeginEdit(TDetailRow* row)
     FEditor = editor;
     FEdited = row;
     row->SetEditor(editor);
+    editor->TellWhatIsKept();
     ensureWidgetVisible(row);
     editor->Begin();
     connect(editor, &TFieldEditor::committed, this, [this, editor] { CommitEdit(editor); });

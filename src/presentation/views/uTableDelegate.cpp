@@ -18,6 +18,7 @@ QWidget* TTableDelegate::createEditor(QWidget* parent, const QStyleOptionViewIte
     if (!field)
         return nullptr;
     auto* editor = new TFieldEditor(FModel.Data(), *field, parent);
+    editor->TellWhatIsKept();
     auto* self = const_cast<TTableDelegate*>(this); // Qt makes editors in a const call
     connect(editor, &TFieldEditor::committed, self, [self, editor] { self->Finish(editor, NoHint); });
     connect(editor, &TFieldEditor::moved, self,

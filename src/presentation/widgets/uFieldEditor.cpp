@@ -6,6 +6,7 @@
 #include "uFieldText.h"
 #include "uFileDialogs.h"
 #include "uIcons.h"
+#include "uKeptText.h"
 #include "uStarsEdit.h"
 #include "uTHStrings.h"
 
@@ -16,6 +17,7 @@
 #include <QDesktopServices>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
@@ -23,6 +25,8 @@
 #include <QToolButton>
 #include <QUrl>
 #include <QWidgetAction>
+
+#include <algorithm>
 
 namespace Kestrune {
 
@@ -87,6 +91,37 @@ TFieldEditor::TFieldEditor(TDataModuleMain& dataModule, TFieldDef field, QWidget
     FInput->installEventFilter(this);
     setFocusProxy(FInput);
     FInput->setAccessibleName(ColumnLabel(FField, Defaults()));
+}
+
+TFieldEditor::~TFieldEditor() { delete FHint; }
+
+// The file makes numbers of texts that look like one, which nobody expects of a text: it is told before it is written.
+// A cell has no room for a line, so that the hint lies over the window below the editor.
+void TFieldEditor::ShowHint()
+{
+    const std::optional<TVariant> value = IsModified() ? Value() : std::nullopt;
+    const QString note = value ? KeptTextNote(FField, VarToStr(*value), Defaults()) : QString();
+    setAccessibleDescription(note);
+    if (note.isEmpty()) {
+        delete FHint;
+        return;
+    }
+    if (!FHint) {
+        FHint = new QLabel(window());
+        FHint->setObjectName(u"FieldHint"_s);
+        FHint->setAutoFillBackground(true);
+        FHint->setBackgroundRole(QPalette::ToolTipBase);
+        FHint->setForegroundRole(QPalette::ToolTipText);
+        FHint->setFrameShape(QFrame::StyledPanel);
+        FHint->setMargin(4);
+    }
+    FHint->setText(note);
+    FHint->adjustSize();
+    const QPoint below = mapTo(window(), QPoint(0, height() + 2));
+    FHint->move(std::clamp(below.x(), 0, std::max(0, window()->width() - FHint->width())),
+                std::min(below.y(), window()->height() - FHint->height()));
+    FHint->show();
+    FHint->raise();
 }
 
 void TFieldEditor::MakeList(bool free)

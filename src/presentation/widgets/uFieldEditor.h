@@ -5,11 +5,13 @@
 #include "uFieldEditors.h"
 #include "uTHTypes.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <optional>
 
 class QComboBox;
+class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QToolButton;
@@ -26,6 +28,7 @@ class TFieldEditor : public QWidget {
 public:
     /// The data module outlives the editor; lists of friends are read from it.
     TFieldEditor(TDataModuleMain& dataModule, TFieldDef field, QWidget* parent = nullptr);
+    ~TFieldEditor() override;
 
     const TFieldDef& Field() const { return FField; }
     TEditorKind Kind() const { return FKind; }
@@ -36,6 +39,8 @@ public:
     bool IsModified() const;
     /// Marks the text as refused and keeps it for mending.
     void ShowRefusal(const QString& sentence);
+    /// Tells below the editor what the file will keep where that is not what is typed; for editors whose value is written.
+    void TellWhatIsKept() { connect(this, &TFieldEditor::edited, this, &TFieldEditor::ShowHint); }
     /// The widget that has the keyboard.
     QWidget* Input() const { return FInput; }
     /// Puts the cursor in and selects the text.
@@ -59,6 +64,7 @@ private:
     QString Text() const;
     void SetText(const QString& text);
     void ChooseDate();
+    void ShowHint();
     bool HandleKey(int key, Qt::KeyboardModifiers modifiers);
 
     TDataModuleMain& FData;
@@ -70,6 +76,7 @@ private:
     QComboBox* FList = nullptr;
     TStarsEdit* FStars = nullptr;
     QToolButton* FButton = nullptr;
+    QPointer<QLabel> FHint; // below the editor, over what lies there
     TVariant FGiven;
     QString FGivenText;
     bool FPopupOpen = false;

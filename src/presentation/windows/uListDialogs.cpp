@@ -223,6 +223,7 @@ void TMultiEditDialog::AddRow(int row)
         fields->addItem(ColumnLabel(def, Defaults()), def.Name);
     fields->setCurrentIndex(fields->findData(field.Name));
     auto* editor = new TFieldEditor(FData, field, FRows);
+    editor->TellWhatIsKept();
     editor->SetValue(values.Value);
     editor->setEnabled(!values.Clear);
     auto* clear = new QCheckBox(GetLanguageString(u"cSMultiEditClear"_s), FRows);
