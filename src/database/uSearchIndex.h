@@ -62,8 +62,8 @@ private:
     QString FCollection;
     std::shared_ptr<bool> FBuildingNow; // alive while a building may still tell of its end
     std::unique_ptr<TWriter> FWriter;
-    QTimer FReadTimer;
-    QTimer FChangeTimer;
+    QTimer FReadTimer{this};
+    QTimer FChangeTimer{this};
     qint64 FReadTo = 0;
     qint64 FLastId = 0;
     bool FBuilding = false;

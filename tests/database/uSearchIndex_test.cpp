@@ -9,11 +9,61 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QTimer>
 
+#include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+// Holds a thread between its look at a condition and its sleep, which is where a call of another thread gets lost when
+// it is made without the mutex: until that call was made, or could not be made because the mutex is held.
+struct TBeforeSleep {
+    std::atomic<bool> Armed = false;
+    std::thread::id Own = std::this_thread::get_id();
+    std::mutex Mutex;
+    std::condition_variable Reached;
+    bool Arrived = false;
+
+    void Wait()
+    {
+        if (!Armed || std::this_thread::get_id() == Own)
+            return;
+        Armed = false;
+        std::unique_lock lock(Mutex);
+        Arrived = true;
+        Reached.notify_all();
+        // Nothing tells that the other thread stands before the mutex, so that this ends by time.
+        Reached.wait_for(lock, std::chrono::milliseconds(100), [] { return false; });
+    }
+    void UntilArrived()
+    {
+        std::unique_lock lock(Mutex);
+        Reached.wait(lock, [this] { return Arrived; });
+    }
+};
+
+TBeforeSleep BeforeSleep;
+
+} // namespace
+
+// Stands before the C library's own.
+extern "C" int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex)
+{
+    static const auto next = reinterpret_cast<int (*)(pthread_cond_t*, pthread_mutex_t*)>(
+        dlvsym(RTLD_NEXT, "pthread_cond_wait", "GLIBC_2.3.2"));
+    BeforeSleep.Wait();
+    return next(condition, mutex);
+}
 
 namespace Kestrune {
 
@@ -175,6 +225,41 @@ TEST_F(SearchIndex, ACacheThatCannotBeWrittenGivesNoAnswer)
     EXPECT_FALSE(FIndex->Ready());
     EXPECT_FALSE(FIndex->Building());
     EXPECT_FALSE(FIndex->Find(u"ros"_s));
+}
+
+TEST_F(SearchIndex, AWriterThatIsAboutToSleepHearsTheEnd)
+{
+    FIndex = std::make_unique<TSearchIndex>(FData, FCache);
+    BeforeSleep.Armed = true;
+    FIndex->Open(); // its writer has nothing to do before the first texts are read
+    BeforeSleep.UntilArrived();
+    FIndex->Close(); // for ever, where the writer does not hear of it
+    EXPECT_FALSE(FIndex->Ready());
+}
+
+TEST_F(SearchIndex, TheEndOfABuildingThatComesAfterACloseIsNobodys)
+{
+    FIndex = std::make_unique<TSearchIndex>(FData, FCache);
+    FIndex->Open();
+    const QString file = FCache + u'/' + QDir(FCache).entryList({u"search-*"_s}).value(0);
+    const auto written = [&] {
+        try {
+            TSQLiteConnection index;
+            index.Open(file, somReadOnly);
+            return index.Scalar(u"SELECT count(*) FROM docs"_s).toInt() == 4;
+        } catch (const EDatabaseError&) {
+            return false;
+        }
+    };
+    // All texts go to the writer in this one turn; its word of the end waits for the next.
+    QMetaObject::invokeMethod(FIndex->findChildren<QTimer*>().first(), "timeout");
+    while (!written())
+        std::this_thread::yield();
+    FIndex->Close();
+    FIndex->Open(); // builds again, since the first was not closed in order
+    QCoreApplication::sendPostedEvents();
+    EXPECT_TRUE(FIndex->Building());
+    EXPECT_FALSE(FIndex->Ready());
 }
 
 } // namespace Kestrune
